@@ -1,0 +1,31 @@
+# dbn_layer(<target> DEPS <targets...>): a static library of every .cpp in the
+# calling folder, with src/ as its include root. A folder without sources yet
+# gives an interface library, so the build works while a layer grows.
+function(dbn_layer target)
+  cmake_parse_arguments(LAYER "" "" "DEPS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  if(sources)
+    add_library(${target} STATIC ${sources})
+    target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(${target} PUBLIC ${LAYER_DEPS})
+  else()
+    add_library(${target} INTERFACE)
+    target_include_directories(${target} INTERFACE ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(${target} INTERFACE ${LAYER_DEPS})
+  endif()
+endfunction()
+
+# dbn_test(<name> DEPS <targets...>): one GoogleTest program of every .cpp in
+# tests/<name>/, registered with CTest.
+function(dbn_test name)
+  cmake_parse_arguments(TEST "" "" "DEPS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp)
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(test_${name} ${sources})
+  target_include_directories(test_${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR}/support)
+  target_link_libraries(test_${name} PRIVATE ${TEST_DEPS} GTest::gtest GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(test_${name} DISCOVERY_TIMEOUT 60
+    PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+endfunction()

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "database/field_value.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace dbn {
+
+// A static row set held in memory: the rows a command returned, read front
+// to back. It belongs to its DataBase and is named "rs" + the command name.
+class RowSet {
+public:
+    explicit RowSet(std::string name);
+
+    const std::string& Name() const noexcept { return name_; }
+    bool IsOpen() const noexcept { return open_; }
+
+    // True when there is no current row (no rows, or moved past the last).
+    bool Eof() const;
+    // The current row's value of a column. A closed row set, no current row
+    // or an unknown column raise a ComponentError.
+    FieldValue Field(std::string_view column) const;
+    void MoveNext();
+    void MoveLast();
+    void Close();
+    std::size_t RowCount() const noexcept { return rows_.size(); }
+
+    // Used by DataBase when a command has run.
+    void Open(std::vector<std::string> columns, std::vector<std::vector<FieldValue>> rows);
+
+private:
+    std::string name_;
+    bool open_ = false;
+    std::vector<std::string> columns_;
+    std::vector<std::vector<FieldValue>> rows_;
+    std::size_t position_ = 0;
+};
+
+} // namespace dbn

@@ -1,0 +1,304 @@
+#pragma once
+
+#include "form/business_rules_link.h"
+#include "form/controls/list_control.h"
+#include "form/controls/list_view.h"
+#include "form/controls/simple_controls.h"
+#include "form/form_services.h"
+#include "form/keyed_collection.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace dbn::form {
+
+// The messages of the list-view hook that matter to the editors.
+enum class HookMessage { VerticalScroll, ParentNotify };
+
+// Form-level changes a view observes.
+enum class FormChange { Width, Loaded, Unloaded };
+
+// The dial-by-name node editor dialog: every control, the four collections,
+// the editing state and all of the form's handlers. Toolkit-free: a view
+// mirrors the controls and forwards the operator's input to them.
+class GUI {
+public:
+    explicit GUI(FormServices& services);
+    ~GUI();
+    GUI(const GUI&) = delete;
+    GUI& operator=(const GUI&) = delete;
+
+    FormServices& Services() noexcept { return services_; }
+
+    // ---- The form itself ------------------------------------------------
+    static constexpr const char* kCaption = "DBN Node Editor";
+    static constexpr int kClientWidth = 10515;  // twips
+    static constexpr int kClientHeight = 8415;  // twips
+    static constexpr int kCustomWidth = 10590;  // width that shows the custom section
+    int Width() const noexcept { return width_; }
+    void SetWidth(int width);
+    int Height() const noexcept { return kClientHeight; }
+
+    // Every control in creation order (containers before their children).
+    const std::vector<Control*>& Controls() const noexcept { return controls_; }
+    // A control by name, or nullptr.
+    Control* FindControl(const std::string& name) const;
+    FocusScope& Focus() noexcept { return focus_; }
+
+    int Observe(std::function<void(FormChange)> observer);
+    void Unobserve(int handle);
+
+    // ---- Keys of the node on show -------------------------------------
+    std::int16_t ConfigID() const noexcept { return configID_; }
+    void SetConfigID(std::int16_t Given_ConfigID) noexcept { configID_ = Given_ConfigID; }
+    std::int16_t PartitionID() const noexcept { return partitionID_; }
+    void SetPartitionID(std::int16_t Given_PartitionID) noexcept { partitionID_ = Given_PartitionID; }
+    std::int16_t nodeNumber() const noexcept { return nodeNumber_; }
+    void SetnodeNumber(std::int16_t Given_NodeNumber) noexcept { nodeNumber_ = Given_NodeNumber; }
+
+    // ---- The four collections -----------------------------------------
+    void CreateCollections();
+    void ReleaseCollections();
+    bool CollectionsCreated() const noexcept { return nodeNames_ != nullptr; }
+    // Reading a released collection raises error 91 "Object variable or With
+    // block variable not set".
+    KeyedCollection& NodeNameCollection();
+    KeyedCollection& MaxNodeNumberCollection();
+    KeyedCollection& NotAvailableAllInstructionsNode();
+    KeyedCollection& NotAvailableMSGLISTNOOPNode();
+
+    // ---- Editing state ------------------------------------------------
+    bool ActionsEditMode = false;
+    bool ConfirmEditMode = false;
+    // The last "Please check the ..." text composed while loading a node.
+    std::string PendingWarning;
+
+    // ---- Load and unload ----------------------------------------------
+    // Makes the form's own session object (set by the session before Load).
+    std::function<std::unique_ptr<BusinessRulesLink>()> MakeFormBusinessRules;
+    // The form's load step: creates FormBusinessRules, sizes and hides the
+    // status bar, hooks the two list views.
+    void Load();
+    // The form's unload step: asks AskToSaveChanges; on 2 the unload is
+    // cancelled and false answered. Otherwise releases FormBusinessRules,
+    // unhooks the list views, ends the modal show and answers true.
+    bool Unload();
+    bool IsLoaded() const noexcept { return loaded_; }
+    BusinessRulesLink* FormBusinessRules() const noexcept { return formBusinessRules_.get(); }
+    bool ListViewsHooked() const noexcept { return hooked_; }
+    void HookListViews();
+    void UnhookListViews();
+    // The hook: reacts to a header press (ParentNotify) and vertical scrolling.
+    void ListViewHookProc(ListView& list, HookMessage message);
+
+    // ---- Controls (names as the operators' manual uses them) ------------
+    // Directly on the form
+    Frame Frame1;
+    Frame fraLanguage;
+    Frame fraErrorSettings;
+    Frame fraCustomSettings;
+    TextField txtDIR;
+    StatusBar StatusBar1;
+    PlainList lstNodeTypeName;
+    PlainList lstNodeTypeID;
+    PlainList lstNodeNumber;
+    ListView LVTemp;
+    ImageList ImageList1;
+    // In Frame1
+    Button cmdFirst;
+    Button cmdPrevious;
+    ListControl cmbNode;
+    Label lblRecordPosition;
+    Button cmdNext;
+    Button cmdLast;
+    Label lblLabel;
+    TextField txtDescription;
+    Label lblGreeting;
+    ListControl cmbGreetingNode;
+    ListControl cmbGreetingNumber;
+    Label lblDirectory;
+    ListControl cmbDirectory;
+    Label lblMethod;
+    ListControl cmbMethod;
+    Frame fraActions;
+    Button cmdOK;
+    Button cmdCancel;
+    Button cmdApply;
+    // In fraLanguage
+    Label lblLanguage1;
+    ListControl cmbLanguage1;
+    Label lblLanguage2;
+    ListControl cmbLanguage2;
+    // In fraActions
+    ListView LVActions;
+    ListControl cmbValidMatchNode;
+    ListControl cmbValidMatchNumber;
+    ListControl cmbAbortNode;
+    ListControl cmbAbortNumber;
+    ListControl cmbStarNode;
+    ListControl cmbStarNumber;
+    ListControl cmbPoundNode;
+    ListControl cmbPoundNumber;
+    ListControl cmbZeroNode;
+    ListControl cmbZeroNumber;
+    Button cmdActionsEdit;
+    Button cmdActionsDefault;
+    // In fraCustomSettings
+    Frame fraMode;
+    Frame fraConfirmation;
+    Frame fraonExit;
+    // In fraMode
+    Label lblFirstMatch;
+    Label lblMatch;
+    ListControl cmbfirstMatch;
+    Label lblMinDigits;
+    ListControl cmbFirstMinDigits;
+    Label lblMaxDigits;
+    ListControl cmbFirstMaxDigits;
+    Label lblPrompt;
+    ListControl cmbFirstMatchPrompt;
+    ListControl cmbFirstMatchPromptNumber;
+    Label lblSecondMatch;
+    ListControl cmbsecondMatch;
+    ListControl cmbSecondMinDigits;
+    ListControl cmbSecondMaxDigits;
+    ListControl cmbSecondMatchPrompt;
+    ListControl cmbSecondMatchPromptNumber;
+    // In fraErrorSettings
+    Label lblTimeout;
+    ListControl cmbTimeoutNode;
+    ListControl cmbTimeoutNumber;
+    Label lblInvalid;
+    ListControl cmbInvalidNode;
+    ListControl cmbInvalidNumber;
+    Label lblSelTimeOut;
+    ListControl cmbSelTimeOut;
+    Label lblDigitTimeOut;
+    ListControl cmbDigitTimeOut;
+    Label lblRetryLimit;
+    ListControl cmbRetryLimit;
+    // In fraConfirmation
+    Label lblConfirmation;
+    ListControl cmbConfirmation;
+    Label lblMaxMatches;
+    ListControl cmbMaxMatches;
+    ListView LVConfirm;
+    ListControl cmbConfirmNode;
+    ListControl cmbConfirmNumber;
+    Button cmdConfirmEdit;
+    Button cmdConfirmDefault;
+    // In fraonExit
+    Label lblExitPrompt;
+    ListControl cmbExitPromptNode;
+    ListControl cmbExitPromptNumber;
+    Label lblPlayName;
+    ListControl cmbPlayName;
+
+    // ---- Record selector and navigation ---------------------------------
+    void cmdFirst_Click();
+    void cmdPrevious_Click();
+    void cmdNext_Click();
+    void cmdLast_Click();
+    void cmbNode_Click();
+
+    // ---- Node pickers ---------------------------------------------------
+    void HandleMSGLISTNOOPPromptBOX(ListControl& node, ListControl& number, bool inList);
+    void GenericMSGLISTNOOPNode_Click(ListControl& node, ListControl& number, bool inList);
+
+    // ---- Actions list ---------------------------------------------------
+    void ResetActionsListView();
+    void cmdActionsDefault_Click();
+    void cmdActionsEdit_Click();
+    void LVActions_ItemClick(ListItem& item);
+    void GenericLVactions_ItemClick(ListItem& item, ListControl& node, ListControl& number);
+    void GenericActionsSectionNodeNumber_Click(ListControl& number);
+    void LVActions_MouseUp();
+
+    // ---- Confirmation list ----------------------------------------------
+    void ResetConfirmationListView();
+    void cmbConfirmation_Click();
+    void cmbMaxMatches_Click();
+    void cmbMaxMatches_Change();
+    void cmdConfirmDefault_Click();
+    void cmdConfirmEdit_Click();
+    void LVConfirm_ItemClick(ListItem& item);
+    void cmbConfirmNode_Click();
+    void cmbConfirmNumber_Click();
+    void LVConfirm_MouseUp();
+
+    // ---- OK, Cancel, Apply and change tracking --------------------------
+    void cmdOK_Click();
+    void cmdCancel_Click();
+    void cmdApply_Click();
+    void EnableApply();
+
+    // ---- Search method and match settings -------------------------------
+    void cmbMethod_Click();
+    void cmbfirstMatch_Click();
+    void cmbsecondMatch_Click();
+
+    // ---- Shared helpers and validation ----------------------------------
+    void GenericNumber_Change(ListControl& list, std::int16_t mode);
+    void LeaveEditModes(bool endActions, bool endConfirmation);
+    std::int16_t AskToSaveChanges();
+    void ClearListItems(ListView& list);
+    bool IsInstructionTypeAvailable(const std::string& name);
+    bool IsPromptTypeAvailable(const std::string& name);
+    bool ValidateBeforeSave();
+
+    // Shows an information box (information icon, OK, title "Information").
+    void ShowInformation(const std::string& text);
+    // Runs body under the error trap of operation; false when it trapped.
+    bool Trapped(std::string_view operation, const std::function<void()>& body);
+
+private:
+    void RegisterControls();
+    void WireEvents();
+
+    FormServices& services_;
+    std::vector<Control*> controls_;
+    FocusScope focus_;
+    int width_ = kClientWidth;
+    std::vector<std::pair<int, std::function<void(FormChange)>>> observers_;
+    int nextObserver_ = 1;
+    void NotifyForm(FormChange change);
+
+    std::int16_t configID_ = 0;
+    std::int16_t partitionID_ = 0;
+    std::int16_t nodeNumber_ = 0;
+
+    std::unique_ptr<KeyedCollection> nodeNames_;
+    std::unique_ptr<KeyedCollection> maxNodeNumbers_;
+    std::unique_ptr<KeyedCollection> notAvailableAllInstructions_;
+    std::unique_ptr<KeyedCollection> notAvailableMSGLISTNOOP_;
+
+    std::unique_ptr<BusinessRulesLink> formBusinessRules_;
+    bool loaded_ = false;
+    bool hooked_ = false;
+    // Set while the confirmation section is being filled by loading or by
+    // Default, so that the switch-on handling adds no rows of its own.
+    bool suppressConfirmRows_ = false;
+
+public:
+    // Loading (and Default) fill LVConfirm themselves; while this guard is
+    // alive the switch-on and number-of-matches handling add no rows.
+    class ConfirmRowsGuard {
+    public:
+        explicit ConfirmRowsGuard(GUI& gui) : gui_(gui), previous_(gui.suppressConfirmRows_) {
+            gui_.suppressConfirmRows_ = true;
+        }
+        ~ConfirmRowsGuard() { gui_.suppressConfirmRows_ = previous_; }
+        ConfirmRowsGuard(const ConfirmRowsGuard&) = delete;
+        ConfirmRowsGuard& operator=(const ConfirmRowsGuard&) = delete;
+
+    private:
+        GUI& gui_;
+        bool previous_;
+    };
+    bool ConfirmRowsSuppressed() const noexcept { return suppressConfirmRows_; }
+};
+
+} // namespace dbn::form

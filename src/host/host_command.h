@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace dbn::host {
+
+// A sub-command of dbn-node-editor ("init", "where", "play", "edit").
+// Each command's file registers itself with a static HostCommandRegistration.
+struct HostCommand {
+    std::string name;
+    std::string usage; // one line, e.g. "play [--data-root DIR] SCRIPT"
+    // Arguments after the command name; answers the exit status.
+    std::function<int(const std::vector<std::string>&)> run;
+};
+
+const std::vector<HostCommand>& HostCommands();
+
+struct HostCommandRegistration {
+    explicit HostCommandRegistration(HostCommand command);
+};
+
+// Removes "--data-root DIR" from args and, when present, makes DIR the data
+// root of this run. Answers false (after printing why) on a missing DIR.
+bool TakeDataRootOption(std::vector<std::string>& args);
+
+} // namespace dbn::host

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "core/component_factory.h"
+#include "database/database.h"
+#include "form/business_rules_link.h"
+#include "form/form_services.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace dbn::form {
+class GUI;
+}
+
+namespace dbn {
+
+// The class name under which the editor is created.
+inline constexpr const char* kBusinessRulesClass = "CVL_DBN_Node.Business_Rules";
+
+// The dial-by-name node editor. The host creates one and calls
+// ShowNodeEditor; the form creates a second one (FormBusinessRules) for the
+// work its handlers start. Each object owns its own DataBase for its whole life.
+class Business_Rules : public Component, public form::BusinessRulesLink {
+public:
+    explicit Business_Rules(form::FormServices& services);
+    // A second object working on an already loaded form (FormBusinessRules).
+    Business_Rules(form::FormServices& services, form::GUI& form);
+    ~Business_Rules() override;
+
+    // Loads, fills and shows the editor for one node; returns when the form
+    // closes. Always false.
+    bool ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partition_ID,
+                        std::int16_t Node_Number);
+
+    bool EditingNodeZero() const noexcept { return editingNodeZero_; }
+    DataBase& Db() noexcept { return db_; }
+    form::GUI& Form();
+    form::FormServices& Services() noexcept { return services_; }
+
+    // ---- Start-up ------------------------------------------------------
+    void ResetAllGUIListView();
+    void SetInitialControlState();
+    void LoadNodeName();
+    void LoadMSGLISTNOOPNode();
+    void LoadAllInstructionsNode();
+    void LoadStaticConstants();
+    void LoadExistingNodesInRecordSelector(std::int16_t Node_Number);
+
+    // ---- Loading a node ------------------------------------------------
+    bool LoadData(std::int16_t nodeNumber) override;
+    bool AssignCustomSettingsValues(RowSet& node, std::int16_t nodeNumber);
+
+    // ---- Saving --------------------------------------------------------
+    bool SaveChanges(std::int16_t nodeNumber) override;
+    void CheckForUnReferencedNodes();
+    void AddNodeTolstRequired(std::string key, std::string typeID, std::string number);
+    bool IsNodeExisted(std::string typeID, std::string number);
+    void AutoCreateNode(std::string templateNumber, std::string newNumber, std::string typeID);
+
+private:
+    form::FormServices& services_;
+    DataBase db_;
+    bool editingNodeZero_ = false;
+    // The form this object works on: owned when this object showed it,
+    // borrowed when this is the form's own object.
+    std::unique_ptr<form::GUI> ownedForm_;
+    form::GUI* form_ = nullptr;
+};
+
+} // namespace dbn
