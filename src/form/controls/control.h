@@ -15,28 +15,28 @@ struct Rect {
 };
 
 enum class ControlKind {
-    ChoiceList,   // drop-down list the operator can only pick from
-    EditableList, // drop-down list with an edit field
+    ChoiceList,    // drop-down list the operator can only pick from
+    EditableList,  // drop-down list with an edit field
     TextField,
     Label,
     Button,
     Frame,
     ListView,
-    PlainList, // hidden list of texts
+    PlainList,  // hidden list of texts
     StatusBar,
     ImageList,
 };
 
 // What changed, so that a view can update only that.
 enum class ChangeAspect {
-    State,     // visible, enabled
-    Geometry,  // left, top, width, height
-    Caption,   // caption of a label, button or frame
-    Text,      // text of a list, text field or status panel
-    Entries,   // entries of a list (added, cleared, tags)
-    Selection, // selected entry or row
-    Columns,   // list-view columns and display settings
-    Rows,      // list-view rows and cells
+    State,      // visible, enabled
+    Geometry,   // left, top, width, height
+    Caption,    // caption of a label, button or frame
+    Text,       // text of a list, text field or status panel
+    Entries,    // entries of a list (added, cleared, tags)
+    Selection,  // selected entry or row
+    Columns,    // list-view columns and display settings
+    Rows,       // list-view rows and cells
     Focus,
 };
 
@@ -128,4 +128,4 @@ private:
     Control* focused_ = nullptr;
 };
 
-} // namespace dbn::form
+}  // namespace dbn::form

@@ -66,4 +66,4 @@ private:
     int selStart_ = 0;
 };
 
-} // namespace dbn::form
+}  // namespace dbn::form

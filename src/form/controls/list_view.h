@@ -15,7 +15,7 @@ enum class ColumnAlignment { Left, Right, Center };
 
 struct ColumnHeader {
     std::string text;
-    int width = 1440; // twips
+    int width = 1440;  // twips
     ColumnAlignment alignment = ColumnAlignment::Left;
 };
 
@@ -27,7 +27,9 @@ struct ListViewDisplay {
     bool reportView = false;
     bool multiSelect = false;
     bool hideColumnHeaders = false;
-    std::string smallIcons; // name of the image list
+    std::string smallIcons;  // name of the image list
+
+    bool operator==(const ListViewDisplay&) const = default;
 };
 
 // One row: a key, its own text and up to six sub-item texts (columns 2..7).
@@ -76,7 +78,7 @@ public:
     void ClearColumns();
     void AddColumn(ColumnHeader column);
     int ColumnCount() const noexcept { return static_cast<int>(columns_.size()); }
-    const ColumnHeader& Column(int index) const; // 0-based
+    const ColumnHeader& Column(int index) const;  // 0-based
     const ListViewDisplay& Display() const noexcept { return display_; }
     void SetDisplay(const ListViewDisplay& display);
 
@@ -85,7 +87,7 @@ public:
     void RemoveItem(int position);
     void ClearItems();
     int ItemCount() const noexcept { return static_cast<int>(items_.size()); }
-    ListItem& ItemAt(int position); // error 35600 "Index out of bounds"
+    ListItem& ItemAt(int position);  // error 35600 "Index out of bounds"
     const ListItem& ItemAt(int position) const;
     ListItem* FindItem(const std::string& key);
     int PositionOf(const ListItem& item) const;
@@ -103,6 +105,8 @@ public:
     void SetRowGeometry(RowGeometry geometry);
 
     // Scrolls so that item is visible (the view follows; the model only records it).
+    // Notifies Rows on every call, so that the view scrolls again to a row it
+    // was already told about.
     void EnsureVisible(const ListItem& item);
     int EnsuredVisible() const noexcept { return ensuredVisible_; }
 
@@ -130,4 +134,4 @@ private:
     bool tabStop_ = true;
 };
 
-} // namespace dbn::form
+}  // namespace dbn::form

@@ -32,5 +32,5 @@ bool PressHeader(ListView& list);
 // Scrolls a list view vertically.
 bool Scroll(ListView& list);
 
-} // namespace operator_input
-} // namespace dbn::form
+}  // namespace operator_input
+}  // namespace dbn::form

@@ -126,4 +126,4 @@ public:
     explicit ImageList(std::string name);
 };
 
-} // namespace dbn::form
+}  // namespace dbn::form
