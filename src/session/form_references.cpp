@@ -1,0 +1,22 @@
+#include "session/form_references.h"
+
+namespace dbn {
+
+std::string SelectedTagText(const form::ListControl& list) {
+    return std::to_string(list.ItemData(list.ListIndex()));
+}
+
+StoredNodeRef PairReference(const form::ListControl& node, const form::ListControl& number) {
+    StoredNodeRef ref;
+    ref.type = node.Text();
+    ref.number = number.Text().empty() ? "0" : number.Text();
+    ref.typeID = SelectedTagText(node);
+    return ref;
+}
+
+StoredNodeRef RowReference(const form::ListView& list, int position) {
+    const form::ListItem& row = list.ItemAt(position);
+    return {row.SubItem(kNodeNameCell), row.SubItem(kNodeNumberCell), row.SubItem(kNodeTypeIDCell)};
+}
+
+}  // namespace dbn

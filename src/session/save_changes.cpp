@@ -1,0 +1,183 @@
+// Business_Rules::SaveChanges: writes the node on show back to the
+// configuration database, after the referenced-node check.
+
+#include "form/error_trap.h"
+#include "form/gui.h"
+#include "session/business_rules.h"
+#include "session/form_references.h"
+#include "session/modification_time.h"
+#include "session/transaction_scope.h"
+
+#include <string>
+#include <vector>
+
+namespace dbn {
+
+namespace {
+
+constexpr const char* kDbnTypeID = "15";
+constexpr const char* kDbnTypeCode = "DBN";
+constexpr int kReservedColumns = 10;
+// Rows of the confirmation list before the first name prompt.
+constexpr int kFixedConfirmRows = 2;
+// Prompt numbers every node ends with (when the list is not longer).
+constexpr int kDefaultPromptCount = 9;
+
+// The stand-in for a prompt the confirmation list does not hold: message node 1.
+const StoredNodeRef kDefaultPrompt{"MSG", "1", "0"};
+
+// The keys that close every statement of the node's row and pool entry.
+struct NodeKeyText {
+    std::string config;
+    std::string partition;
+    std::string number;
+};
+
+void Append(std::vector<std::string>& args, const StoredNodeRef& ref) {
+    args.push_back(ref.type);
+    args.push_back(ref.number);
+    args.push_back(ref.typeID);
+}
+
+void AppendKeys(std::vector<std::string>& args, const NodeKeyText& key) {
+    args.push_back(key.config);
+    args.push_back(key.partition);
+    args.push_back(kDbnTypeID);
+    args.push_back(key.number);
+}
+
+std::vector<std::string> Part1Arguments(form::GUI& gui, const NodeKeyText& key) {
+    std::vector<std::string> args;
+    args.push_back(gui.txtDescription.Text());
+    args.push_back(SelectedTagText(gui.cmbMethod));
+    args.push_back(gui.cmbDirectory.Text());
+    args.push_back(SelectedTagText(gui.cmbLanguage1));
+    args.push_back(SelectedTagText(gui.cmbLanguage2));
+    Append(args, PairReference(gui.cmbGreetingNode, gui.cmbGreetingNumber));
+    // Valid match, abort, star, pound, zero.
+    for (int row = 0; row < 5; ++row) {
+        Append(args, RowReference(gui.LVActions, row));
+    }
+    args.push_back(SelectedTagText(gui.cmbfirstMatch));
+    args.push_back(gui.cmbFirstMinDigits.Text());
+    args.push_back(gui.cmbFirstMaxDigits.Text());
+    Append(args, PairReference(gui.cmbFirstMatchPrompt, gui.cmbFirstMatchPromptNumber));
+    args.push_back(SelectedTagText(gui.cmbsecondMatch));
+    args.push_back(gui.cmbSecondMinDigits.Text());
+    args.push_back(gui.cmbSecondMaxDigits.Text());
+    Append(args, PairReference(gui.cmbSecondMatchPrompt, gui.cmbSecondMatchPromptNumber));
+    AppendKeys(args, key);
+    return args;
+}
+
+std::vector<std::string> Part2Arguments(form::GUI& gui, const NodeKeyText& key) {
+    std::vector<std::string> args;
+    Append(args, PairReference(gui.cmbTimeoutNode, gui.cmbTimeoutNumber));
+    Append(args, PairReference(gui.cmbInvalidNode, gui.cmbInvalidNumber));
+    args.push_back(gui.cmbDigitTimeOut.Text());
+    args.push_back(gui.cmbSelTimeOut.Text());
+    args.push_back(gui.cmbRetryLimit.Text());
+    args.push_back(SelectedTagText(gui.cmbConfirmation));
+    args.push_back(gui.cmbMaxMatches.Text());
+    args.push_back(SelectedTagText(gui.cmbPlayName));
+    // Before and after the names: the list's first two rows, when it has any.
+    const bool listed = gui.LVConfirm.ItemCount() > 0;
+    Append(args, listed ? RowReference(gui.LVConfirm, 0) : kDefaultPrompt);
+    Append(args, listed ? RowReference(gui.LVConfirm, 1) : kDefaultPrompt);
+    Append(args, PairReference(gui.cmbExitPromptNode, gui.cmbExitPromptNumber));
+    for (int reserved = 0; reserved < kReservedColumns; ++reserved) {
+        args.push_back("0");
+    }
+    args.push_back(kDbnTypeCode);
+    AppendKeys(args, key);
+    return args;
+}
+
+void AddPromptRow(DataBase& db, const NodeKeyText& key, int promptNumber,
+                  const StoredNodeRef& prompt) {
+    db.Execute("Add_DBN_PromptsNode", {key.config, key.partition, std::to_string(promptNumber),
+                                       prompt.typeID, prompt.number, key.number, prompt.type});
+}
+
+// The name prompts of the confirmation list when confirmation is on, then
+// message node 1 for every prompt number up to nine that the list leaves
+// open; prompt numbers start at 1 even when the list is empty. Confirmation
+// off stores nine default prompts.
+void WritePromptRows(DataBase& db, form::GUI& gui, const NodeKeyText& key) {
+    int nextPrompt = 1;
+    if (SelectedTagText(gui.cmbConfirmation) == "1") {
+        for (int position = kFixedConfirmRows; position < gui.LVConfirm.ItemCount(); ++position) {
+            AddPromptRow(db, key, nextPrompt++, RowReference(gui.LVConfirm, position));
+        }
+    }
+    for (; nextPrompt <= kDefaultPromptCount; ++nextPrompt) {
+        AddPromptRow(db, key, nextPrompt, kDefaultPrompt);
+    }
+}
+
+// The save's display: busy cursor, Frame1 disabled and the status bar shown
+// while it runs; all of it restored however the save ends.
+class SavingDisplay {
+public:
+    SavingDisplay(form::GUI& gui, form::FormServices& services) : gui_(gui), services_(services) {
+        services_.SetBusyCursor(true);
+        gui_.Frame1.SetEnabled(false);
+        gui_.StatusBar1.SetVisible(true);
+    }
+    ~SavingDisplay() {
+        services_.SetBusyCursor(false);
+        gui_.StatusBar1.SetPanelText("");
+        gui_.StatusBar1.SetVisible(false);
+        gui_.Frame1.SetEnabled(true);
+    }
+    SavingDisplay(const SavingDisplay&) = delete;
+    SavingDisplay& operator=(const SavingDisplay&) = delete;
+
+private:
+    form::GUI& gui_;
+    form::FormServices& services_;
+};
+
+}  // namespace
+
+bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
+    form::GUI& gui = Form();
+    bool committed = false;
+    bool vanished = false;
+    form::RunTrapped(services_, "SaveChanges", [&] {
+        SavingDisplay display(gui, services_);
+        CheckForUnReferencedNodes();
+        gui.StatusBar1.SetPanelText("Saving node information. Please wait...");
+
+        const NodeKeyText key{std::to_string(gui.ConfigID()), std::to_string(gui.PartitionID()),
+                              std::to_string(nodeNumber)};
+        // The prompt rows, the node's row and its pool entry change together
+        // or not at all.
+        TransactionScope transaction(db_);
+        db_.Execute("Delete_DBN_PromptsNode", {key.config, key.partition, key.number});
+        if (db_.Execute("Update_DBN_Node_Part1", Part1Arguments(gui, key)) == 0) {
+            // Deleted by another program since it was loaded.
+            transaction.Rollback();
+            vanished = true;
+            return;
+        }
+        db_.Execute("Update_DBN_Node_Part2", Part2Arguments(gui, key));
+        db_.Execute("Update_Node_General_Pool",
+                    {gui.txtDescription.Text(), CurrentModificationTime(), key.config,
+                     key.partition, kDbnTypeID, key.number});
+        WritePromptRows(db_, gui, key);
+        transaction.Commit();
+        committed = true;
+    });
+    if (vanished) {
+        form::RunTrapped(services_, "SaveChanges", [&] {
+            gui.ShowInformation(gui.NodeNameCollection().Item(kDbnTypeID) + " " +
+                                std::to_string(nodeNumber) +
+                                " no longer exists in the configuration database. Nothing was "
+                                "saved.");
+        });
+    }
+    return committed;
+}
+
+}  // namespace dbn
