@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace dbn::form {
@@ -38,6 +39,10 @@ public:
     static constexpr int kClientWidth = 10515;  // twips
     static constexpr int kClientHeight = 8415;  // twips
     static constexpr int kCustomWidth = 10590;  // width that shows the custom section
+    // The form's font; captioned frames draw it bold, the two match headings
+    // bold and underlined (Label::Font).
+    static constexpr const char* kFontName = "Tahoma";
+    static constexpr double kFontPoints = 8.25;
     int Width() const noexcept { return width_; }
     void SetWidth(int width);
     int Height() const noexcept { return kClientHeight; }
@@ -55,7 +60,9 @@ public:
     std::int16_t ConfigID() const noexcept { return configID_; }
     void SetConfigID(std::int16_t Given_ConfigID) noexcept { configID_ = Given_ConfigID; }
     std::int16_t PartitionID() const noexcept { return partitionID_; }
-    void SetPartitionID(std::int16_t Given_PartitionID) noexcept { partitionID_ = Given_PartitionID; }
+    void SetPartitionID(std::int16_t Given_PartitionID) noexcept {
+        partitionID_ = Given_PartitionID;
+    }
     std::int16_t nodeNumber() const noexcept { return nodeNumber_; }
     void SetnodeNumber(std::int16_t Given_NodeNumber) noexcept { nodeNumber_ = Given_NodeNumber; }
 
@@ -301,4 +308,4 @@ public:
     bool ConfirmRowsSuppressed() const noexcept { return suppressConfirmRows_; }
 };
 
-} // namespace dbn::form
+}  // namespace dbn::form
