@@ -1,0 +1,304 @@
+// The confirmation list: the prompts played before, after and for each
+// offered name. Switched on and off as a section (the rows wait in LVTemp
+// while it is off), sized by the number of matches, and edited in place by
+// one picker pair that floats over the selected row.
+
+#include "core/component_error.h"
+#include "form/gui.h"
+#include "form/list_rows.h"
+
+#include <string>
+
+namespace dbn::form {
+
+namespace rows = list_rows;
+
+namespace {
+
+constexpr const char* kEditCaption = "Edit";
+constexpr const char* kEditOffCaption = "Edit Off";
+
+constexpr int kYesIndex = 1;
+constexpr int kDefaultMatchesIndex = 4;  // the entry "5"
+
+// The pickers cover the list from the "Command/Node" column on.
+constexpr int kPickerOffsetLeft = 1600;
+constexpr int kPickerOffsetTop = 50;
+constexpr int kNodePickerWidth = 900;
+constexpr int kNumberPickerWidth = 700;
+constexpr int kNodePickerWideWidth = 1600;
+
+// New rows point at node 1 of the message type.
+constexpr std::int32_t kNewRowType = 0;
+
+void HideConfirmPickers(GUI& gui) {
+    gui.cmbConfirmNode.SetVisible(false);
+    gui.cmbConfirmNumber.SetVisible(false);
+}
+
+void AddNewRow(GUI& gui, int position, const std::string& name) {
+    const std::string typeKey = std::to_string(kNewRowType);
+    const std::string& code = gui.NodeNameCollection().Item(typeKey);
+    rows::AddRow(gui.LVConfirm, position, name, code + " 1", "", code, typeKey, "1");
+}
+
+std::string MatchRowName(int match) {
+    return "Name" + std::to_string(match);
+}
+
+// "Before Names", "After Names" and one row per match of cmbMaxMatches.
+void AddNewRows(GUI& gui) {
+    AddNewRow(gui, 1, "Before Names");
+    AddNewRow(gui, 2, "After Names");
+    const std::string& matches = gui.cmbMaxMatches.Text();
+    if (!rows::IsNumeric(matches)) {
+        return;
+    }
+    const int count = rows::ToInt16(matches);
+    for (int match = 1; match <= count; ++match) {
+        AddNewRow(gui, match + 2, MatchRowName(match));
+    }
+}
+
+void AddColumns(ListView& list) {
+    list.AddColumn({"#", 0, ColumnAlignment::Left});
+    list.AddColumn({"", 1600, ColumnAlignment::Left});
+    list.AddColumn({"Command/Node", 1600, ColumnAlignment::Left});
+    list.AddColumn({"Label", 1600, ColumnAlignment::Left});
+    list.AddColumn({"NodeName", 0, ColumnAlignment::Left});
+    list.AddColumn({"NodeTypeID", 0, ColumnAlignment::Left});
+    list.AddColumn({"NodeNumber", 0, ColumnAlignment::Left});
+}
+
+ListViewDisplay EditingDisplay(const ListView& list, bool multiSelect) {
+    ListViewDisplay display = list.Display();
+    display.manualLabelEdit = true;
+    display.fullRowSelect = true;
+    display.gridLines = true;
+    display.reportView = true;
+    display.multiSelect = multiSelect;
+    display.hideColumnHeaders = false;
+    return display;
+}
+
+}  // namespace
+
+void GUI::ResetConfirmationListView() {
+    Trapped("ResetConfirmationListView", [&] {
+        ListViewDisplay display = EditingDisplay(LVConfirm, true);
+        LVConfirm.SetDisplay(display);
+        LVConfirm.ClearColumns();
+        AddColumns(LVConfirm);
+        display.smallIcons = ImageList1.Name();
+        LVConfirm.SetDisplay(display);
+
+        LVTemp.SetDisplay(EditingDisplay(LVTemp, false));
+        LVTemp.ClearColumns();
+        for (int column = 0; column < LVConfirm.ColumnCount(); ++column) {
+            ColumnHeader header;
+            header.text = LVConfirm.Column(column).text;
+            LVTemp.AddColumn(header);
+        }
+    });
+}
+
+void GUI::cmbConfirmation_Click() {
+    Trapped("cmbConfirmation_Click", [&] {
+        if (cmbConfirmation.ListIndex() == kYesIndex) {
+            lblMaxMatches.SetEnabled(true);
+            cmbMaxMatches.SetEnabled(true);
+            LVConfirm.SetTabStop(true);
+            cmdConfirmEdit.SetEnabled(true);
+            cmdConfirmDefault.SetEnabled(true);
+            LVConfirm.ClearItems();
+            // Loading and Default put their own rows in afterwards.
+            if (!ConfirmRowsSuppressed()) {
+                if (LVTemp.ItemCount() > 0) {
+                    rows::CopyRows(LVTemp, LVConfirm);
+                    LVTemp.ClearItems();
+                } else {
+                    AddNewRows(*this);
+                }
+            }
+        } else {
+            lblMaxMatches.SetEnabled(false);
+            cmbMaxMatches.SetEnabled(false);
+            LVConfirm.SetTabStop(false);
+            cmdConfirmEdit.SetEnabled(false);
+            cmdConfirmDefault.SetEnabled(false);
+            // Set the rows aside; LVTemp holds exactly these afterwards.
+            LVTemp.ClearItems();
+            rows::CopyRows(LVConfirm, LVTemp);
+            LVConfirm.ClearItems();
+        }
+        HideConfirmPickers(*this);
+        EnableApply();
+    });
+}
+
+void GUI::cmbMaxMatches_Click() {
+    Trapped("cmbMaxMatches_Click", [&] {
+        const int count = LVConfirm.ItemCount();
+        if (count == 0) {
+            return;
+        }
+        const std::string& matches = cmbMaxMatches.Text();
+        if (!ConfirmRowsSuppressed() && rows::IsNumeric(matches)) {
+            const int wanted = rows::ToInt16(matches);
+            if (wanted > count - 2) {
+                // Name rows for the new matches, numbered on after the last row.
+                for (int match = count - 1; match <= wanted; ++match) {
+                    AddNewRow(*this, match + 2, MatchRowName(match));
+                }
+            } else if (wanted < count - 2) {
+                for (int position = count; position >= wanted + 3; --position) {
+                    LVConfirm.RemoveItem(position - 1);
+                }
+            }
+        }
+        HideConfirmPickers(*this);
+        EnableApply();
+    });
+}
+
+void GUI::cmbMaxMatches_Change() {
+    GenericNumber_Change(cmbMaxMatches, 2);
+    cmbMaxMatches_Click();
+}
+
+void GUI::cmdConfirmDefault_Click() {
+    Trapped("cmdConfirmDefault_Click", [&] {
+        ClearListItems(LVConfirm);
+        {
+            // The rows are added below; the two selections must add none.
+            ConfirmRowsGuard guard(*this);
+            cmbConfirmation.SetListIndex(kYesIndex);
+            cmbMaxMatches.SetListIndex(kDefaultMatchesIndex);
+        }
+        lblMaxMatches.SetEnabled(true);
+        cmbMaxMatches.SetEnabled(true);
+        AddNewRows(*this);
+        EnableApply();
+    });
+}
+
+void GUI::cmdConfirmEdit_Click() {
+    Trapped("cmdConfirmEdit_Click", [&] {
+        if (ConfirmEditMode) {
+            ConfirmEditMode = false;
+            cmdConfirmDefault.SetEnabled(true);
+            HideConfirmPickers(*this);
+            cmdConfirmEdit.SetCaption(kEditCaption);
+        } else {
+            ConfirmEditMode = true;
+            cmdConfirmDefault.SetEnabled(false);
+            cmdConfirmEdit.SetCaption(kEditOffCaption);
+            const ListItem* selected = LVConfirm.SelectedItem();
+            if (selected == nullptr) {
+                RaiseError(91, "Object variable or With block variable not set");
+            }
+            LVConfirm.EnsureVisible(*selected);
+            LVConfirm_ItemClick(LVConfirm.ItemAt(selected->Index()));
+            if (cmdActionsEdit.Caption() == kEditOffCaption) {
+                cmdActionsEdit_Click();
+            }
+        }
+        EnableApply();
+    });
+}
+
+void GUI::LVConfirm_ItemClick(ListItem& item) {
+    Trapped("LVConfirm_ItemClick", [&] {
+        ResetConfirmationListView();
+        if (cmdConfirmEdit.Caption() == kEditCaption) {
+            return;
+        }
+        cmbConfirmNode.SetVisible(true);
+        cmbConfirmNode.SetFocus();
+        const RowPosition position = LVConfirm.RowPositionOf(item);
+        const int top = LVConfirm.Top() + position.top + kPickerOffsetTop;
+        cmbConfirmNode.SetLeft(LVConfirm.Left() + position.left + kPickerOffsetLeft);
+        cmbConfirmNode.SetTop(top);
+        cmbConfirmNumber.SetVisible(cmbConfirmNumber.ListCount() > 0);
+        cmbConfirmNumber.SetLeft(cmbConfirmNode.Left() + cmbConfirmNode.Width());
+        cmbConfirmNumber.SetTop(top);
+
+        const std::string code = item.SubItem(rows::kNodeName);
+        if (IsPromptTypeAvailable(code)) {
+            // Selecting the type runs cmbConfirmNode_Click, which refills the
+            // numbers for that type.
+            cmbConfirmNode.SetText(code);
+            if (rows::NodeNumberOf(item) <= cmbConfirmNumber.ListCount()) {
+                cmbConfirmNumber.SetText(item.SubItem(rows::kNodeNumber));
+                return;
+            }
+            if (cmbConfirmNode.ItemData(cmbConfirmNode.ListIndex()) == rows::kNoNumberType) {
+                return;
+            }
+        }
+        ShowInformation(rows::MaxNumberNotice(code));
+        HideConfirmPickers(*this);
+    });
+}
+
+void GUI::cmbConfirmNode_Click() {
+    Trapped("cmbConfirmNode_Click", [&] {
+        const std::int32_t typeId = cmbConfirmNode.ItemData(cmbConfirmNode.ListIndex());
+        const std::string typeKey = std::to_string(typeId);
+        rows::RefillNumbers(cmbConfirmNumber, MaxNodeNumberCollection().Item(typeKey));
+        cmbConfirmNumber.SetVisible(true);
+        cmbConfirmNode.SetWidth(kNodePickerWidth);
+        cmbConfirmNumber.SetWidth(kNumberPickerWidth);
+        cmbConfirmNumber.SetLeft(cmbConfirmNode.Left() + cmbConfirmNode.Width());
+
+        ListItem* row = LVConfirm.SelectedItem();
+        if (row == nullptr) {
+            return;
+        }
+        const int numbers = cmbConfirmNumber.ListCount();
+        row->SetSubItem(rows::kNodeTypeID, typeKey);
+        if (rows::NodeNumberOf(*row) > numbers) {
+            row->SetSubItem(rows::kNodeNumber, "1");
+        }
+        if (typeId != rows::kNoNumberType) {
+            if (rows::NodeNumberOf(*row) <= 0) {
+                row->SetSubItem(rows::kNodeNumber, "1");
+            }
+            row->SetSubItem(rows::kCommandNode, NodeNameCollection().Item(typeKey) + " " +
+                                                    row->SubItem(rows::kNodeNumber));
+        } else {
+            row->SetSubItem(rows::kCommandNode, NodeNameCollection().Item(typeKey));
+            row->SetSubItem(rows::kNodeNumber, "0");
+            cmbConfirmNumber.SetVisible(false);
+            cmbConfirmNode.SetWidth(kNodePickerWideWidth);
+        }
+        row->SetSubItem(rows::kLabel, "");
+        row->SetSubItem(rows::kNodeName, cmbConfirmNode.Text());
+        if (rows::NodeNumberOf(*row) <= numbers) {
+            cmbConfirmNumber.SetText(row->SubItem(rows::kNodeNumber));
+        }
+    });
+}
+
+void GUI::cmbConfirmNumber_Click() {
+    Trapped("cmbConfirmNumber_Click", [&] {
+        ListItem* row = LVConfirm.SelectedItem();
+        if (row == nullptr || !row->Selected()) {
+            return;
+        }
+        const std::string number = cmbConfirmNumber.Text();
+        row->SetSubItem(rows::kCommandNode,
+                        NodeNameCollection().Item(row->SubItem(rows::kNodeTypeID)) + " " + number);
+        row->SetSubItem(rows::kNodeNumber, number);
+    });
+}
+
+void GUI::LVConfirm_MouseUp() {
+    Trapped("LVConfirm_MouseUp", [&] {
+        if (cmbConfirmNode.Visible()) {
+            cmbConfirmNode.SetFocus();
+        }
+    });
+}
+
+}  // namespace dbn::form
