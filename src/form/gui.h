@@ -264,6 +264,9 @@ public:
 private:
     void RegisterControls();
     void WireEvents();
+    // Asks the label validator about txtDescription; a refused label is told
+    // to the operator and answers false.
+    bool CheckLabel();
 
     FormServices& services_;
     std::vector<Control*> controls_;

@@ -1,0 +1,61 @@
+// OK, Cancel and Apply, and the unsaved-changes mark (cmdApply's enabled state).
+
+#include "form/gui.h"
+
+#include "form/controls/text_rules.h"
+
+namespace dbn::form {
+
+void GUI::EnableApply() {
+    cmdApply.SetEnabled(true);
+}
+
+void GUI::cmdApply_Click() {
+    Trapped("cmdApply_Click", [&] {
+        LeaveEditModes(true, true);
+        if (!ValidateBeforeSave()) {
+            return;
+        }
+        if (!CheckLabel()) {
+            // Hand the label back to the operator, wholly selected.
+            txtDescription.SetSelStart(0);
+            txtDescription.SetSelLength(CharacterCount(txtDescription.Text()));
+            txtDescription.SetFocus();
+            return;
+        }
+        // Only a save that committed clears the mark: a failed save must not
+        // look saved.
+        if (formBusinessRules_ != nullptr && formBusinessRules_->SaveChanges(nodeNumber())) {
+            cmdApply.SetEnabled(false);
+        }
+    });
+}
+
+void GUI::cmdOK_Click() {
+    Trapped("cmdOK_Click", [&] {
+        LeaveEditModes(true, true);
+        if (cmdApply.Enabled()) {
+            cmdApply_Click();
+            if (cmdApply.Enabled()) {
+                return;
+            }
+        }
+        Unload();
+    });
+}
+
+void GUI::cmdCancel_Click() {
+    Trapped("cmdCancel_Click", [&] {
+        LeaveEditModes(true, true);
+        if (!ValidateBeforeSave()) {
+            return;
+        }
+        if (AskToSaveChanges() == kAnswerCancel) {
+            return;
+        }
+        cmdApply.SetEnabled(false);
+        Unload();
+    });
+}
+
+}  // namespace dbn::form

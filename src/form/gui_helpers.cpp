@@ -1,0 +1,217 @@
+// Operations several handlers share: clamping a typed number, ending the
+// lists' edit modes, the save question, emptying a list view, the two
+// availability tests of node types and the check of the search settings.
+
+#include "form/gui.h"
+
+#include "core/component_factory.h"
+#include "form/controls/text_rules.h"
+#include "form/list_rows.h"
+#include "form/text_validator.h"
+
+#include <cctype>
+#include <cstdint>
+#include <string>
+
+namespace dbn::form {
+
+namespace {
+
+constexpr const char* kEditOff = "Edit Off";
+constexpr const char* kSaveQuestion = "Do you want to save changes?";
+constexpr const char* kLabelRefused =
+    "Double quotes and continuous single quotes are not allowed in the Label field";
+constexpr const char* kNoLanguage = "Please select a language in Language 1";
+constexpr const char* kSameMatch =
+    "Second Match must be different from the First Match.  Please select another option in "
+    "Second Match.";
+constexpr const char* kMinAboveMax =
+    "Min Digits value must be less than or equal to Max Digits value.";
+
+constexpr std::int32_t kMethodDefaultLastName = 1;
+constexpr std::int32_t kNoLanguageTag = 0;
+
+bool IsDigit(char c) {
+    return std::isdigit(static_cast<unsigned char>(c)) != 0;
+}
+
+// The leading number of a text (blanks skipped, an optional sign), 0 when it
+// starts with none: how an entry of a number list is read.
+long long LeadingNumber(const std::string& text) {
+    std::size_t at = text.find_first_not_of(" \t");
+    if (at == std::string::npos) {
+        return 0;
+    }
+    const bool negative = text[at] == '-';
+    if (text[at] == '+' || text[at] == '-') {
+        ++at;
+    }
+    long long value = 0;
+    for (; at < text.size() && IsDigit(text[at]) && value < 1'000'000'000LL; ++at) {
+        value = value * 10 + (text[at] - '0');
+    }
+    return negative ? -value : value;
+}
+
+// An entry of a list read as a number; an entry that is not there reads as
+// the empty text, as the list's platform answered.
+long long EntryNumber(const ListControl& list, int index) {
+    return index >= 0 && index < list.ListCount() ? LeadingNumber(list.List(index)) : 0;
+}
+
+std::string UpperCase(std::string text) {
+    for (char& c : text) {
+        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    }
+    return text;
+}
+
+// The tag of the selected entry (error 381 when nothing is selected).
+std::int32_t SelectedTag(const ListControl& list) {
+    return list.ItemData(list.ListIndex());
+}
+
+}  // namespace
+
+void GUI::GenericNumber_Change(ListControl& list, std::int16_t mode) {
+    Trapped("GenericNumber_Change", [&] {
+        EnableApply();
+        if (!list.Visible()) {
+            return;
+        }
+        const long long first = EntryNumber(list, 0);
+        const long long last = EntryNumber(list, list.ListCount() - 1);
+        long long value = 0;
+        for (const char c : list.Text()) {
+            if (!IsDigit(c)) {
+                break;
+            }
+            const int digit = c - '0';
+            value = value * 10 + digit;
+            if (value > last || value < first) {
+                value = (value - digit) / 10;
+                break;
+            }
+        }
+        if (value == 0) {
+            value = first;
+        }
+        const std::string text = std::to_string(value);
+        list.SetText(text);
+        list.SetSelStart(CharacterCount(text));
+        if (mode == 0) {
+            GenericActionsSectionNodeNumber_Click(list);
+        } else if (mode == 1) {
+            cmbConfirmNumber_Click();
+        }
+    });
+}
+
+void GUI::LeaveEditModes(bool endActions, bool endConfirmation) {
+    if (endActions && cmdActionsEdit.Caption() == kEditOff) {
+        cmdActionsEdit_Click();
+    }
+    if (endConfirmation && cmdConfirmEdit.Caption() == kEditOff) {
+        cmdConfirmEdit_Click();
+    }
+}
+
+std::int16_t GUI::AskToSaveChanges() {
+    if (!cmdApply.Enabled()) {
+        return kAnswerNo;
+    }
+    auto answer = static_cast<std::int16_t>(services_.MsgBox(
+        kSaveQuestion, MsgBoxButtons::YesNoCancel, MsgBoxIcon::Question, "Confirmation"));
+    if (answer != kAnswerYes) {
+        return answer;
+    }
+    if (!CheckLabel()) {
+        return kAnswerCancel;
+    }
+    // A save that did not commit leaves the node dirty and the caller where it is.
+    if (formBusinessRules_ == nullptr || !formBusinessRules_->SaveChanges(nodeNumber())) {
+        return kAnswerCancel;
+    }
+    cmdApply.SetEnabled(false);
+    return answer;
+}
+
+bool GUI::CheckLabel() {
+    // The validator is created for this one question and released after it.
+    const auto validator = CreateObjectAs<TextValidator>(kTextValidatorClass);
+    if (validator->IsValidText(txtDescription.Text())) {
+        return true;
+    }
+    ShowInformation(kLabelRefused);
+    return false;
+}
+
+void GUI::ClearListItems(ListView& list) {
+    list.ClearItems();
+}
+
+bool GUI::IsInstructionTypeAvailable(const std::string& name) {
+    const std::string wanted = UpperCase(name);
+    const bool messageVariant = wanted == "M_ON" || wanted == "M_OFF";
+    KeyedCollection& unavailable = NotAvailableAllInstructionsNode();
+    for (int i = 0; i < unavailable.Count(); ++i) {
+        const std::string entry = UpperCase(unavailable.ItemAt(i));
+        // The on/off variants of message nodes go with the message type.
+        if (entry == wanted || (messageVariant && entry == "MSG")) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool GUI::IsPromptTypeAvailable(const std::string& name) {
+    const std::string wanted = UpperCase(name);
+    KeyedCollection& unavailable = NotAvailableMSGLISTNOOPNode();
+    for (int i = 0; i < unavailable.Count(); ++i) {
+        if (UpperCase(unavailable.ItemAt(i)) == wanted) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool GUI::ValidateBeforeSave() {
+    if (SelectedTag(cmbMethod) == kMethodDefaultLastName) {
+        const std::int32_t language1 = SelectedTag(cmbLanguage1);
+        const std::int32_t language2 = SelectedTag(cmbLanguage2);
+        if (language1 == kNoLanguageTag && language2 != kNoLanguageTag) {
+            cmbLanguage1.SetListIndex(cmbLanguage2.ListIndex());
+            cmbLanguage2.SetListIndex(0);
+        } else if (language1 == kNoLanguageTag) {
+            ShowInformation(kNoLanguage);
+            cmbLanguage1.SetFocus();
+            return false;
+        } else if (language1 == language2) {
+            cmbLanguage2.SetListIndex(0);
+        }
+        return true;
+    }
+    if (cmbfirstMatch.Text() == cmbsecondMatch.Text()) {
+        ShowInformation(kSameMatch);
+        cmbsecondMatch.SetFocus();
+        return false;
+    }
+    if (list_rows::ToInt16(cmbFirstMinDigits.Text()) >
+        list_rows::ToInt16(cmbFirstMaxDigits.Text())) {
+        ShowInformation(kMinAboveMax);
+        cmbFirstMinDigits.SetFocus();
+        return false;
+    }
+    if (cmbsecondMatch.Text() == "None") {
+        return true;
+    }
+    if (list_rows::ToInt16(cmbSecondMinDigits.Text()) >
+        list_rows::ToInt16(cmbSecondMaxDigits.Text())) {
+        ShowInformation(kMinAboveMax);
+        cmbSecondMinDigits.SetFocus();
+        return false;
+    }
+    return true;
+}
+
+}  // namespace dbn::form
