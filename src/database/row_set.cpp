@@ -1,0 +1,80 @@
+#include "database/row_set.h"
+
+#include "core/component_error.h"
+#include "database/database_errors.h"
+
+#include <algorithm>
+#include <cctype>
+
+namespace dbn {
+namespace {
+
+bool SameColumnName(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+        return std::tolower(static_cast<unsigned char>(x)) ==
+               std::tolower(static_cast<unsigned char>(y));
+    });
+}
+
+}  // namespace
+
+RowSet::RowSet(std::string name) : name_(std::move(name)) {}
+
+bool RowSet::Eof() const {
+    if (!open_) {
+        RaiseDatabaseError(kErrObjectClosed, kMsgObjectClosed);
+    }
+    return position_ >= rows_.size();
+}
+
+FieldValue RowSet::Field(std::string_view column) const {
+    if (!open_) {
+        RaiseDatabaseError(kErrObjectClosed, kMsgObjectClosed);
+    }
+    // Column names are looked up without regard to case, first match wins.
+    const auto found =
+        std::find_if(columns_.begin(), columns_.end(),
+                     [column](const std::string& c) { return SameColumnName(c, column); });
+    if (found == columns_.end()) {
+        RaiseDatabaseError(kErrItemNotFound, kMsgItemNotFound);
+    }
+    if (position_ >= rows_.size()) {
+        RaiseDatabaseError(kErrNoCurrentRow, kMsgNoCurrentRow);
+    }
+    return rows_[position_][static_cast<std::size_t>(found - columns_.begin())];
+}
+
+void RowSet::MoveNext() {
+    if (Eof()) {
+        RaiseDatabaseError(kErrNoCurrentRow, kMsgNoCurrentRow);
+    }
+    ++position_;
+}
+
+void RowSet::MoveLast() {
+    if (!open_) {
+        RaiseDatabaseError(kErrObjectClosed, kMsgObjectClosed);
+    }
+    if (rows_.empty()) {
+        RaiseDatabaseError(kErrNoCurrentRow, kMsgNoCurrentRow);
+    }
+    position_ = rows_.size() - 1;
+}
+
+// Closing a closed row set does nothing, so that clean-up paths may close
+// unconditionally.
+void RowSet::Close() {
+    open_ = false;
+    columns_.clear();
+    rows_.clear();
+    position_ = 0;
+}
+
+void RowSet::Open(std::vector<std::string> columns, std::vector<std::vector<FieldValue>> rows) {
+    columns_ = std::move(columns);
+    rows_ = std::move(rows);
+    position_ = 0;
+    open_ = true;
+}
+
+}  // namespace dbn

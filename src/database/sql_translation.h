@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace dbn {
+
+// A catalogue statement rewritten for SQLite.
+struct TranslatedStatement {
+    std::string sql;
+    // Distinct parameter names (blanks trimmed) in order of first appearance;
+    // the name at index i is bound as ?(i+1).
+    std::vector<std::string> parameters;
+};
+
+// Rewrites a catalogue statement: every Given_/GIVEN_ name, bare or inside
+// grave accents (blanks inside the accents allowed), becomes ?N numbered by
+// first appearance, a repeated name reusing its number (names compare without
+// regard to case); every other grave-accented name becomes a double-quoted
+// identifier. Text inside single quotes is kept as it is.
+TranslatedStatement TranslateToSqlite(std::string_view text);
+
+}  // namespace dbn

@@ -1,0 +1,115 @@
+#pragma once
+
+// A throw-away data root for tests: a fresh temporary folder made the data
+// root of the process, holding a configuration database (schema only, or the
+// demo content), with raw SQL access to the file for arranging and checking.
+
+#include "database/data_location.h"
+#include "database/database_setup.h"
+
+#include <sqlite3.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace dbn::testing {
+
+class TempDataRoot {
+public:
+    enum class Content { Empty, Demo };
+
+    explicit TempDataRoot(Content content = Content::Empty) {
+        std::string pattern = (std::filesystem::temp_directory_path() / "dbn-test-XXXXXX").string();
+        if (::mkdtemp(pattern.data()) == nullptr) {
+            throw std::runtime_error("cannot make a temporary folder from " + pattern);
+        }
+        root_ = pattern;
+        SetDataRootOverride(root_);
+        path_ = DataSourceOf(BuildConnectionString());
+        CreateConfigurationDatabase(path_, content == Content::Demo);
+    }
+
+    ~TempDataRoot() {
+        SetDataRootOverride(std::nullopt);
+        std::error_code ignored;
+        std::filesystem::remove_all(root_, ignored);
+    }
+
+    TempDataRoot(const TempDataRoot&) = delete;
+    TempDataRoot& operator=(const TempDataRoot&) = delete;
+
+    // The temporary folder that serves as the data root.
+    const std::string& Root() const { return root_; }
+    std::string DatabasePath() const { return path_; }
+
+    // Runs SQL on the file through a short-lived connection of its own.
+    void Exec(const std::string& sql) const {
+        auto db = Open();
+        char* message = nullptr;
+        if (sqlite3_exec(db.get(), sql.c_str(), nullptr, nullptr, &message) != SQLITE_OK) {
+            std::string text = message != nullptr ? message : "unknown error";
+            sqlite3_free(message);
+            throw std::runtime_error("SQL failed: " + text + " in: " + sql);
+        }
+    }
+
+    // First column of the first row; 0 when there is no row.
+    long long QueryInt(const std::string& sql) const {
+        long long value = 0;
+        Query(sql, [&value](sqlite3_stmt* row) { value = sqlite3_column_int64(row, 0); });
+        return value;
+    }
+
+    // First column of the first row as text; empty when there is no row.
+    std::string QueryText(const std::string& sql) const {
+        std::string value;
+        Query(sql, [&value](sqlite3_stmt* row) {
+            const auto* text = sqlite3_column_text(row, 0);
+            value = text != nullptr ? reinterpret_cast<const char*>(text) : "";
+        });
+        return value;
+    }
+
+private:
+    struct Closer {
+        void operator()(sqlite3* db) const { sqlite3_close_v2(db); }
+        void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+    };
+
+    std::unique_ptr<sqlite3, Closer> Open() const {
+        sqlite3* raw = nullptr;
+        const int rc = sqlite3_open_v2(path_.c_str(), &raw, SQLITE_OPEN_READWRITE, nullptr);
+        std::unique_ptr<sqlite3, Closer> db(raw);
+        if (rc != SQLITE_OK) {
+            throw std::runtime_error("cannot open " + path_ + ": " + sqlite3_errstr(rc));
+        }
+        sqlite3_busy_timeout(db.get(), 5000);
+        return db;
+    }
+
+    template <class ReadRow>
+    void Query(const std::string& sql, ReadRow readRow) const {
+        auto db = Open();
+        sqlite3_stmt* raw = nullptr;
+        if (sqlite3_prepare_v2(db.get(), sql.c_str(), -1, &raw, nullptr) != SQLITE_OK) {
+            throw std::runtime_error("SQL failed: " + std::string(sqlite3_errmsg(db.get())) +
+                                     " in: " + sql);
+        }
+        std::unique_ptr<sqlite3_stmt, Closer> statement(raw);
+        const int rc = sqlite3_step(statement.get());
+        if (rc == SQLITE_ROW) {
+            readRow(statement.get());
+        } else if (rc != SQLITE_DONE) {
+            throw std::runtime_error("SQL failed: " + std::string(sqlite3_errmsg(db.get())) +
+                                     " in: " + sql);
+        }
+    }
+
+    std::string root_;
+    std::string path_;
+};
+
+}  // namespace dbn::testing
