@@ -189,9 +189,12 @@ void Business_Rules::CheckForUnReferencedNodes() {
         gui.lstNodeTypeID.Clear();
         gui.lstNodeNumber.Clear();
 
+        // A pair without a number refers to no node (it is stored as node 0).
         auto gatherPair = [&](const form::ListControl& node, const form::ListControl& number) {
-            AddNodeTolstRequired(node.Text() + " " + number.Text(), SelectedTagText(node),
-                                 number.Text());
+            const std::string typeID = SelectedTagText(node);
+            if (!number.Text().empty()) {
+                AddNodeTolstRequired(node.Text() + " " + number.Text(), typeID, number.Text());
+            }
         };
         auto gatherRows = [&](const form::ListView& list) {
             for (int position = 0; position < list.ItemCount(); ++position) {
