@@ -1,0 +1,222 @@
+// The C entry point: an editor whose toolkit services are C callbacks.
+#include "session/c_api.h"
+
+#include "database/data_location.h"
+#include "form/controls/operator_input.h"
+#include "form/gui.h"
+#include "session/business_rules.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <string>
+
+struct cvl_dbn_form {
+    dbn::form::GUI* gui = nullptr;
+};
+
+namespace {
+
+using dbn::form::GUI;
+using dbn::form::MsgBoxButtons;
+using dbn::form::MsgBoxIcon;
+
+class CallbackServices : public dbn::form::FormServices {
+public:
+    explicit CallbackServices(const cvl_dbn_callbacks& callbacks) : callbacks_(callbacks) {}
+
+    int MsgBox(const std::string& text, MsgBoxButtons buttons, MsgBoxIcon icon,
+               const std::string& title) override {
+        const int buttonCode =
+            buttons == MsgBoxButtons::OK ? CVL_DBN_BUTTONS_OK : CVL_DBN_BUTTONS_YES_NO_CANCEL;
+        int iconCode = CVL_DBN_ICON_INFORMATION;
+        if (icon == MsgBoxIcon::Exclamation) {
+            iconCode = CVL_DBN_ICON_EXCLAMATION;
+        } else if (icon == MsgBoxIcon::Question) {
+            iconCode = CVL_DBN_ICON_QUESTION;
+        }
+        return callbacks_.msg_box(callbacks_.user, text.c_str(), buttonCode, iconCode,
+                                  title.c_str());
+    }
+
+    long Confirm(const std::string& text, const std::string& title) override {
+        return callbacks_.confirm(callbacks_.user, text.c_str(), title.c_str());
+    }
+
+    void SetBusyCursor(bool busy) override {
+        if (callbacks_.set_busy_cursor != nullptr) {
+            callbacks_.set_busy_cursor(callbacks_.user, busy ? 1 : 0);
+        }
+    }
+
+    void DoEvents() override {
+        if (callbacks_.do_events != nullptr) {
+            callbacks_.do_events(callbacks_.user);
+        }
+    }
+
+    void ShowModal(GUI& form) override {
+        cvl_dbn_form handle{&form};
+        if (callbacks_.run_modal != nullptr) {
+            callbacks_.run_modal(callbacks_.user, &handle);
+        }
+        if (form.IsLoaded()) {
+            // Abandoned: close without asking to save.
+            form.cmdApply.SetEnabled(false);
+            form.Unload();
+        }
+    }
+
+    void EndModal(GUI&) override {
+        if (callbacks_.end_modal != nullptr) {
+            callbacks_.end_modal(callbacks_.user);
+        }
+    }
+
+private:
+    cvl_dbn_callbacks callbacks_;
+};
+
+template <class T>
+T* FindAs(const cvl_dbn_form* form, const char* name) {
+    if (form == nullptr || form->gui == nullptr || name == nullptr || !form->gui->IsLoaded()) {
+        return nullptr;
+    }
+    return dynamic_cast<T*>(form->gui->FindControl(name));
+}
+
+int Outcome(bool accepted) {
+    return accepted ? 1 : 0;
+}
+
+// Runs an operator action; nothing thrown may cross into the C host.
+template <class Action>
+int Guarded(Action action) {
+    try {
+        return action();
+    } catch (...) {
+        return -1;
+    }
+}
+
+}  // namespace
+
+struct cvl_dbn_editor {
+    explicit cvl_dbn_editor(const cvl_dbn_callbacks& callbacks)
+        : services(callbacks), rules(std::make_unique<dbn::Business_Rules>(services)) {}
+
+    CallbackServices services;
+    std::unique_ptr<dbn::Business_Rules> rules;
+};
+
+extern "C" {
+
+cvl_dbn_editor* cvl_dbn_create(const cvl_dbn_callbacks* callbacks) {
+    if (callbacks == nullptr || callbacks->msg_box == nullptr || callbacks->confirm == nullptr) {
+        return nullptr;
+    }
+    try {
+        return std::make_unique<cvl_dbn_editor>(*callbacks).release();
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+int cvl_dbn_show_node_editor(cvl_dbn_editor* editor, int16_t config_id, int16_t partition_id,
+                             int16_t node_number) {
+    if (editor == nullptr) {
+        return 0;
+    }
+    try {
+        return editor->rules->ShowNodeEditor(config_id, partition_id, node_number) ? 1 : 0;
+    } catch (...) {
+        return 0;
+    }
+}
+
+void cvl_dbn_release(cvl_dbn_editor* editor) {
+    std::unique_ptr<cvl_dbn_editor> owned(editor);
+}
+
+void cvl_dbn_set_data_root(const char* dir) {
+    dbn::SetDataRootOverride(dir == nullptr ? std::nullopt : std::optional<std::string>(dir));
+}
+
+int cvl_dbn_form_press(cvl_dbn_form* form, const char* button) {
+    return Guarded([&] {
+        auto* control = FindAs<dbn::form::Button>(form, button);
+        return control == nullptr ? -1 : Outcome(dbn::form::operator_input::Press(*control));
+    });
+}
+
+int cvl_dbn_form_pick(cvl_dbn_form* form, const char* list, const char* text) {
+    return Guarded([&] {
+        auto* control = FindAs<dbn::form::ListControl>(form, list);
+        if (control == nullptr || text == nullptr) {
+            return -1;
+        }
+        int index = -1;
+        for (int i = 0; i < control->ListCount() && index < 0; ++i) {
+            if (control->List(i) == text) {
+                index = i;
+            }
+        }
+        if (index < 0) {
+            index = control->FindEntry(text);
+        }
+        return index < 0 ? -1 : Outcome(dbn::form::operator_input::Pick(*control, index));
+    });
+}
+
+int cvl_dbn_form_type(cvl_dbn_form* form, const char* control, const char* text) {
+    return Guarded([&] {
+        if (text == nullptr) {
+            return -1;
+        }
+        if (auto* field = FindAs<dbn::form::TextField>(form, control)) {
+            return Outcome(dbn::form::operator_input::Type(*field, text));
+        }
+        auto* list = FindAs<dbn::form::ListControl>(form, control);
+        if (list == nullptr || !list->IsEditable()) {
+            return -1;
+        }
+        return Outcome(dbn::form::operator_input::Type(*list, text));
+    });
+}
+
+int cvl_dbn_form_close(cvl_dbn_form* form) {
+    return Guarded([&] {
+        if (form == nullptr || form->gui == nullptr || !form->gui->IsLoaded()) {
+            return -1;
+        }
+        return Outcome(form->gui->Unload());
+    });
+}
+
+int cvl_dbn_form_is_open(const cvl_dbn_form* form) {
+    return form != nullptr && form->gui != nullptr && form->gui->IsLoaded() ? 1 : 0;
+}
+
+long cvl_dbn_form_text(const cvl_dbn_form* form, const char* control, char* buffer, size_t size) {
+    std::string text;
+    if (auto* list = FindAs<const dbn::form::ListControl>(form, control)) {
+        text = list->Text();
+    } else if (auto* field = FindAs<const dbn::form::TextField>(form, control)) {
+        text = field->Text();
+    } else if (auto* label = FindAs<const dbn::form::Label>(form, control)) {
+        text = label->Caption();
+    } else if (auto* button = FindAs<const dbn::form::Button>(form, control)) {
+        text = button->Caption();
+    } else {
+        return -1;
+    }
+    if (buffer != nullptr && size > 0) {
+        const std::size_t copied = std::min(size - 1, text.size());
+        std::memcpy(buffer, text.data(), copied);
+        buffer[copied] = '\0';
+    }
+    return static_cast<long>(text.size());
+}
+
+}  // extern "C"

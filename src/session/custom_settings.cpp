@@ -1,0 +1,134 @@
+// Loading the custom-settings half of a node: match modes, error settings,
+// the confirmation section with its prompt rows, the exit prompt and the
+// play-name switch.
+#include "session/business_rules.h"
+
+#include "form/error_trap.h"
+#include "form/gui.h"
+#include "session/load_helpers.h"
+
+namespace dbn {
+namespace {
+
+enum class Availability { Prompt, Instruction };
+
+// Shows a stored target in a picker pair: "NOOP" (and a pending warning)
+// when its type may not be used in the partition, else the stored type with
+// its number matched against the refilled number list.
+void ShowTarget(form::GUI& form, const RowSet& node, const std::string& role,
+                form::ListControl& typeList, form::ListControl& numberList,
+                Availability availability) {
+    const std::string code = node.Field(role + "NodeType").ToText();
+    const bool available = availability == Availability::Prompt
+                               ? form.IsPromptTypeAvailable(code)
+                               : form.IsInstructionTypeAvailable(code);
+    if (!available) {
+        typeList.SetText("NOOP");
+        form.PendingWarning = session::MaxNumberWarning(code);
+        return;
+    }
+    typeList.SetText(code);
+    session::SelectByEntryRange(numberList, node.Field(role + "NodeNumber").ToInt16(), -1);
+}
+
+// The entry of cmbMaxMatches a stored MaxMatch selects: values above the
+// list's top select "9", zero or below select nothing.
+int MaxMatchIndex(std::int16_t maxMatch) {
+    if (maxMatch <= 0) {
+        return -1;
+    }
+    return maxMatch > 9 ? 8 : maxMatch - 1;
+}
+
+}  // namespace
+
+bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeNumber) {
+    form::RunTrapped(services_, "AssignCustomSettingsValues", [&] {
+        form::GUI& form = Form();
+        const std::int16_t config = form.ConfigID();
+        const std::int16_t partition = form.PartitionID();
+        auto value = [&](const char* column) { return node.Field(column).ToInt16(); };
+
+        // First match; "Both Names" and "Extension" force the second to "None".
+        session::SelectInRange(form.cmbfirstMatch, value("FirstMode"), 1, 4, 0);
+        session::SelectByEntryRange(form.cmbFirstMinDigits, value("FirstMinDigits"), 2);
+        session::SelectByEntryRange(form.cmbFirstMaxDigits, value("FirstMaxDigits"), 4);
+        ShowTarget(form, node, "FirstPrompt", form.cmbFirstMatchPrompt,
+                   form.cmbFirstMatchPromptNumber, Availability::Prompt);
+
+        // Second match; its handler sets defaults that the stored values replace.
+        const std::int16_t secondMode = value("SecondMode");
+        form.cmbsecondMatch.SetListIndex(secondMode >= 0 && secondMode <= 2 ? secondMode : 0);
+        session::SelectByEntryRange(form.cmbSecondMinDigits, value("SecondMinDigits"), 0);
+        session::SelectByEntryRange(form.cmbSecondMaxDigits, value("SecondMaxDigits"), 4);
+        ShowTarget(form, node, "SecondPrompt", form.cmbSecondMatchPrompt,
+                   form.cmbSecondMatchPromptNumber, Availability::Prompt);
+
+        // Error settings.
+        ShowTarget(form, node, "Timeout", form.cmbTimeoutNode, form.cmbTimeoutNumber,
+                   Availability::Instruction);
+        ShowTarget(form, node, "Invalid", form.cmbInvalidNode, form.cmbInvalidNumber,
+                   Availability::Instruction);
+        session::SelectInRange(form.cmbSelTimeOut, value("SelectionTimeout"), 1, 60, 4);
+        session::SelectInRange(form.cmbDigitTimeOut, value("DigitTimeout"), 1, 15, 9);
+        session::SelectInRange(form.cmbRetryLimit, value("RetryLimit"), 1, 5, 0);
+
+        // Confirmation: the list ends with exactly the stored rows, so the
+        // switch-on and number-of-matches handling add none, and rows set
+        // aside for another node are dropped.
+        form.ClearListItems(form.LVConfirm);
+        form.ClearListItems(form.LVTemp);
+        const std::int16_t confirm = value("Confirm");
+        const std::int16_t maxMatch = value("MaxMatch");
+        {
+            form::GUI::ConfirmRowsGuard guard(form);
+            if (confirm == 0) {
+                form.cmbConfirmation.SetListIndex(0);
+                form.lblMaxMatches.SetEnabled(false);
+                form.cmbMaxMatches.SetEnabled(false);
+                form.cmbMaxMatches.SetListIndex(4);
+            } else {
+                form.cmbConfirmation.SetListIndex(1);
+                form.lblMaxMatches.SetEnabled(true);
+                form.cmbMaxMatches.SetEnabled(true);
+                form.cmbMaxMatches.SetListIndex(MaxMatchIndex(maxMatch));
+            }
+        }
+        if (confirm == 1) {
+            const form::KeyedCollection& names = form.NodeNameCollection();
+            auto addRow = [&](int position, const std::string& name,
+                              const session::StoredRef& ref) {
+                const std::string description =
+                    session::LookUpDescription(db_, config, partition, ref.typeID, ref.number);
+                session::AddTargetRow(form.LVConfirm, position, name, ref, description, names);
+            };
+            addRow(1, "Before Names", session::ReadRef(node, "BeforePrompt"));
+            addRow(2, "After Names", session::ReadRef(node, "AfterPrompt"));
+
+            db_.Execute("Get_DBN_PromptsNode",
+                        {session::Arg(config), session::Arg(partition), session::Arg(nodeNumber)});
+            RowSet& prompts = db_.Recordset("Get_DBN_PromptsNode");
+            session::RowSetCloser closer(prompts);
+            // At most MaxMatch name rows; with MaxMatch 0 or below every stored row.
+            const int stopAt = maxMatch + 3;
+            for (int position = 3; !prompts.Eof();) {
+                addRow(position, "Name" + session::Arg(prompts.Field("PromptNumber").ToInt16()),
+                       session::ReadRef(prompts, "Prompt"));
+                ++position;
+                prompts.MoveNext();
+                if (position == stopAt) {
+                    prompts.MoveLast();
+                    break;
+                }
+            }
+            prompts.Close();
+        }
+
+        ShowTarget(form, node, "ConfirmationExit", form.cmbExitPromptNode, form.cmbExitPromptNumber,
+                   Availability::Prompt);
+        form.cmbPlayName.SetListIndex(value("PlayName") == 0 ? 0 : 1);
+    });
+    return true;
+}
+
+}  // namespace dbn

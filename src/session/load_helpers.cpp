@@ -1,0 +1,94 @@
+#include "session/load_helpers.h"
+
+#include "core/component_error.h"
+#include "database/database.h"
+
+#include <charconv>
+
+namespace dbn::session {
+
+StoredRef ReadRef(const RowSet& rows, const std::string& role) {
+    StoredRef ref;
+    ref.code = rows.Field(role + "NodeType").ToText();
+    ref.number = rows.Field(role + "NodeNumber").ToInt16();
+    ref.typeID = rows.Field(role + "NodeTypeID").ToInt16();
+    return ref;
+}
+
+std::string TargetText(const StoredRef& ref) {
+    if (ref.typeID == kNoNumberTypeID) {
+        return ref.code;
+    }
+    return ref.code + " " + std::to_string(ref.number);
+}
+
+std::string LookUpDescription(DataBase& db, std::int16_t configID, std::int16_t partitionID,
+                              std::int16_t typeID, std::int16_t number) {
+    db.Execute("Get_Description", {Arg(configID), Arg(partitionID), Arg(typeID), Arg(number)});
+    RowSet& rows = db.Recordset("Get_Description");
+    RowSetCloser closer(rows);
+    if (rows.Eof()) {
+        return {};
+    }
+    return rows.Field("NodeDescription").ToText();
+}
+
+void AddTargetRow(form::ListView& list, int position, const std::string& name, const StoredRef& ref,
+                  const std::string& description, const form::KeyedCollection& nodeNames) {
+    const std::string typeName = nodeNames.Item(Arg(ref.typeID));
+    form::ListItem& row = list.AddItem(std::to_string(position) + "a", std::to_string(position));
+    row.SetSubItem(1, name);
+    row.SetSubItem(2, TargetText(ref));
+    row.SetSubItem(3, description);
+    row.SetSubItem(4, typeName);
+    row.SetSubItem(5, Arg(ref.typeID));
+    row.SetSubItem(6, Arg(ref.number));
+}
+
+std::int32_t EntryNumber(const form::ListControl& list, int index) {
+    const std::string& text = list.List(index);
+    std::size_t begin = text.find_first_not_of(' ');
+    std::size_t end = text.find_last_not_of(' ');
+    std::int32_t value = 0;
+    if (begin != std::string::npos) {
+        const char* first = text.data() + begin;
+        const char* last = text.data() + end + 1;
+        auto [stop, error] = std::from_chars(first, last, value);
+        if (error == std::errc() && stop == last) {
+            return value;
+        }
+    }
+    RaiseError(13, "Type mismatch");
+}
+
+void SelectByEntryRange(form::ListControl& list, std::int32_t value, int fallback) {
+    const int count = list.ListCount();
+    if (count > 0 && value >= EntryNumber(list, 0) && value <= EntryNumber(list, count - 1)) {
+        list.SetListIndex(static_cast<int>(value) - 1);
+    } else if (fallback >= 0) {
+        list.SetListIndex(fallback);
+    } else if (count > 0) {
+        list.SetListIndex(0);
+    }
+}
+
+void SelectInRange(form::ListControl& list, std::int32_t value, std::int32_t low, std::int32_t high,
+                   int fallback) {
+    if (value >= low && value <= high) {
+        list.SetListIndex(static_cast<int>(value) - 1);
+    } else {
+        list.SetListIndex(fallback);
+    }
+}
+
+void AddEntry(form::ListControl& list, const std::string& text, std::int32_t tag) {
+    list.AddItem(text);
+    list.SetItemData(list.NewIndex(), tag);
+}
+
+std::string MaxNumberWarning(const std::string& code) {
+    return "Please check the \"Max Number of each Node\" Section for " + code +
+           " Node in Partition Settings.";
+}
+
+}  // namespace dbn::session

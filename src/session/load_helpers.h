@@ -1,0 +1,107 @@
+#pragma once
+
+// Small pieces shared by the session's loading operations: reading stored
+// references, describing targets, filling list-view rows and picking list
+// entries by stored values. Internal to the session layer.
+
+#include "database/row_set.h"
+#include "form/controls/list_control.h"
+#include "form/controls/list_view.h"
+#include "form/form_services.h"
+#include "form/keyed_collection.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace dbn {
+
+class DataBase;
+
+namespace session {
+
+// The dial-by-name node type, as used in commands and collection keys.
+inline constexpr std::int16_t kDbnTypeID = 15;
+// The node type whose references carry no number.
+inline constexpr std::int16_t kNoNumberTypeID = 814;
+
+// A reference as stored: the role's NodeType, NodeNumber and NodeTypeID.
+struct StoredRef {
+    std::string code;
+    std::int16_t number = 0;
+    std::int16_t typeID = 0;
+};
+
+// Reads <role>NodeType, <role>NodeNumber and <role>NodeTypeID of the current row.
+StoredRef ReadRef(const RowSet& rows, const std::string& role);
+
+// The target as the operator sees it: "MSG 12", or the code alone for 814.
+std::string TargetText(const StoredRef& ref);
+
+// The NodeDescription of a node's Node_General_Pool row ("" when there is
+// none or it is Null), through Get_Description.
+std::string LookUpDescription(DataBase& db, std::int16_t configID, std::int16_t partitionID,
+                              std::int16_t typeID, std::int16_t number);
+
+// Adds row `position` (key "<position>a", text "<position>") with its six
+// cells: name, target, description, type name, type ID, number.
+void AddTargetRow(form::ListView& list, int position, const std::string& name, const StoredRef& ref,
+                  const std::string& description, const form::KeyedCollection& nodeNames);
+
+// A list entry's text read as a whole number (error 13 when it is none).
+std::int32_t EntryNumber(const form::ListControl& list, int index);
+
+// Selects index value - 1 when value lies between the list's first and last
+// entries (compared as numbers), else `fallback` (-1: nothing when the list
+// is empty, else index 0).
+void SelectByEntryRange(form::ListControl& list, std::int32_t value, int fallback);
+
+// Selects index value - 1 when value lies in low..high, else `fallback`.
+void SelectInRange(form::ListControl& list, std::int32_t value, std::int32_t low, std::int32_t high,
+                   int fallback);
+
+// Adds an entry and sets its tag on the entry just added.
+void AddEntry(form::ListControl& list, const std::string& text, std::int32_t tag = 0);
+
+// Decimal text of a 16-bit value, as every command argument is passed.
+inline std::string Arg(std::int32_t value) {
+    return std::to_string(value);
+}
+
+// The text composed when a stored target's type is not available.
+std::string MaxNumberWarning(const std::string& code);
+
+// Shows the busy cursor for its lifetime; restores it on every path.
+class BusyCursor {
+public:
+    explicit BusyCursor(form::FormServices& services) : services_(services) {
+        services_.SetBusyCursor(true);
+    }
+    ~BusyCursor() { services_.SetBusyCursor(false); }
+    BusyCursor(const BusyCursor&) = delete;
+    BusyCursor& operator=(const BusyCursor&) = delete;
+
+private:
+    form::FormServices& services_;
+};
+
+// Closes a row set when the scope ends, whatever the path, so that an
+// operation that stops on an error does not leave its command unusable.
+class RowSetCloser {
+public:
+    explicit RowSetCloser(RowSet& rows) : rows_(rows) {}
+    ~RowSetCloser() {
+        if (rows_.IsOpen()) {
+            rows_.Close();
+        }
+    }
+    RowSetCloser(const RowSetCloser&) = delete;
+    RowSetCloser& operator=(const RowSetCloser&) = delete;
+
+private:
+    RowSet& rows_;
+};
+
+}  // namespace session
+}  // namespace dbn
