@@ -1,0 +1,227 @@
+// OK, Cancel and Apply, the save question, and moving between nodes.
+
+#include "form_fixture.h"
+
+#include "core/component_factory.h"
+#include "form/controls/operator_input.h"
+#include "form/text_validator.h"
+
+#include <gtest/gtest.h>
+
+namespace dbn::testing {
+namespace {
+
+namespace input = form::operator_input;
+
+const std::string kLabelRefused =
+    "Double quotes and continuous single quotes are not allowed in the Label field";
+
+class GuiCommit : public FormFixture {
+protected:
+    bool Closed() const { return !gui.IsLoaded() && services.endModals == 1; }
+    void RefusedLabel() { gui.txtDescription.SetText("Say \"hi\""); }
+};
+
+TEST_F(GuiCommit, OkWithoutChangesClosesWithoutSavingOrAsking) {
+    ASSERT_TRUE(input::Press(gui.cmdOK));
+    EXPECT_TRUE(Closed());
+    EXPECT_TRUE(link.saves.empty());
+    EXPECT_TRUE(services.boxes.empty());
+}
+
+TEST_F(GuiCommit, OkWithChangesSavesThenCloses) {
+    MakeDirty();
+    ASSERT_TRUE(input::Press(gui.cmdOK));
+    EXPECT_EQ(link.saves, std::vector<std::int16_t>{5});
+    EXPECT_TRUE(Closed());
+    EXPECT_TRUE(services.boxes.empty());
+}
+
+TEST_F(GuiCommit, OkStaysOpenWhenTheSaveDoesNotHappen) {
+    // A refused label: told, handed back selected, nothing saved.
+    RefusedLabel();
+    input::Press(gui.cmdOK);
+    EXPECT_EQ(services.TakeBoxTexts(), std::vector<std::string>{kLabelRefused});
+    EXPECT_TRUE(gui.IsLoaded());
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+    EXPECT_TRUE(link.saves.empty());
+    EXPECT_TRUE(gui.txtDescription.HasFocus());
+    EXPECT_EQ(gui.txtDescription.SelStart(), 0);
+    EXPECT_EQ(gui.txtDescription.SelLength(), 8);
+
+    // A save that does not commit.
+    gui.txtDescription.SetText("Fine");
+    link.onSave = [](std::int16_t) { return false; };
+    input::Press(gui.cmdOK);
+    EXPECT_EQ(link.saves.size(), 1U);
+    EXPECT_TRUE(gui.IsLoaded());
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+
+    // Search settings that do not pass the check.
+    link.onSave = [](std::int16_t) { return true; };
+    gui.cmbsecondMatch.SetListIndex(1);
+    input::Press(gui.cmdOK);
+    EXPECT_EQ(services.boxes.size(), 1U);
+    EXPECT_EQ(link.saves.size(), 1U);
+    EXPECT_TRUE(gui.IsLoaded());
+}
+
+TEST_F(GuiCommit, ApplySavesOnceAndEndsTheEditModes) {
+    gui.LVActions.SetSelectedItem(gui.LVActions.FindItem("1a"));
+    gui.cmdActionsEdit_Click();
+    ASSERT_TRUE(gui.cmdApply.Enabled());
+    ASSERT_TRUE(input::Press(gui.cmdApply));
+    EXPECT_EQ(gui.cmdActionsEdit.Caption(), "Edit");
+    EXPECT_EQ(link.saves, std::vector<std::int16_t>{5});
+    EXPECT_FALSE(gui.cmdApply.Enabled());
+    EXPECT_TRUE(gui.IsLoaded());
+}
+
+TEST_F(GuiCommit, ApplyReportsAMissingValidatorThroughItsTrap) {
+    UnregisterComponent(form::kTextValidatorClass);
+    MakeDirty();
+    gui.cmdApply_Click();
+    form::RegisterTextValidator();
+    EXPECT_EQ(services.TakeBoxTexts(),
+              std::vector<std::string>{
+                  "Source: CVL_DBN_Node - cmdApply_Click \r\nDescription: Can't create object: "
+                  "CVL_Validate_TEXTField.Business_Rules"});
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+    EXPECT_TRUE(link.saves.empty());
+}
+
+TEST_F(GuiCommit, CancelAsksWhenChangedAndFollowsTheAnswer) {
+    MakeDirty();
+    services.answers = {form::kAnswerCancel};
+    input::Press(gui.cmdCancel);
+    ASSERT_EQ(services.boxes.size(), 1U);
+    EXPECT_EQ(services.boxes[0].text, "Do you want to save changes?");
+    EXPECT_EQ(services.boxes[0].title, "Confirmation");
+    EXPECT_EQ(services.boxes[0].buttons, form::MsgBoxButtons::YesNoCancel);
+    EXPECT_EQ(services.boxes[0].icon, form::MsgBoxIcon::Question);
+    EXPECT_TRUE(gui.IsLoaded());
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+
+    services.answers = {form::kAnswerNo};
+    input::Press(gui.cmdCancel);
+    EXPECT_TRUE(Closed());
+    EXPECT_TRUE(link.saves.empty());
+    EXPECT_EQ(services.boxes.size(), 2U);
+}
+
+TEST_F(GuiCommit, CancelWithYesSavesAndCloses) {
+    MakeDirty();
+    services.answers = {form::kAnswerYes};
+    input::Press(gui.cmdCancel);
+    EXPECT_EQ(link.saves, std::vector<std::int16_t>{5});
+    EXPECT_TRUE(Closed());
+}
+
+TEST_F(GuiCommit, CancelIsBlockedByTheChecksEvenWithoutChanges) {
+    gui.cmbMethod.SetListIndex(1);
+    gui.cmbLanguage1.SetListIndex(0);
+    gui.cmdApply.SetEnabled(false);
+    input::Press(gui.cmdCancel);
+    EXPECT_EQ(services.TakeBoxTexts(),
+              std::vector<std::string>{"Please select a language in Language 1"});
+    EXPECT_TRUE(gui.IsLoaded());
+}
+
+TEST_F(GuiCommit, SaveQuestionAnswers) {
+    EXPECT_EQ(gui.AskToSaveChanges(), form::kAnswerNo);
+    EXPECT_TRUE(services.boxes.empty());
+
+    MakeDirty();
+    services.answers = {form::kAnswerNo};
+    EXPECT_EQ(gui.AskToSaveChanges(), form::kAnswerNo);
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+
+    RefusedLabel();
+    services.answers = {form::kAnswerYes};
+    EXPECT_EQ(gui.AskToSaveChanges(), form::kAnswerCancel);
+    EXPECT_EQ(services.boxes.back().text, kLabelRefused);
+    EXPECT_TRUE(link.saves.empty());
+
+    gui.txtDescription.SetText("Fine");
+    link.onSave = [](std::int16_t) { return false; };
+    services.answers = {form::kAnswerYes};
+    EXPECT_EQ(gui.AskToSaveChanges(), form::kAnswerCancel);
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+
+    link.onSave = [](std::int16_t) { return true; };
+    services.answers = {form::kAnswerYes};
+    EXPECT_EQ(gui.AskToSaveChanges(), form::kAnswerYes);
+    EXPECT_FALSE(gui.cmdApply.Enabled());
+    EXPECT_EQ(link.saves.size(), 2U);
+}
+
+class GuiNavigation : public FormFixture {};
+
+TEST_F(GuiNavigation, ButtonsMoveTheSelectorAndLoadTheNode) {
+    ASSERT_TRUE(input::Press(gui.cmdNext));
+    EXPECT_EQ(gui.cmbNode.Text(), "DBN 7");
+    EXPECT_EQ(gui.nodeNumber(), 7);
+    EXPECT_EQ(link.loads, std::vector<std::int16_t>{7});
+    // At the end already: nothing loads.
+    gui.cmdNext_Click();
+    gui.cmdLast_Click();
+    EXPECT_EQ(link.loads.size(), 1U);
+    gui.cmdFirst_Click();
+    EXPECT_EQ(gui.nodeNumber(), 3);
+    gui.cmdPrevious_Click();
+    gui.cmdLast_Click();
+    gui.cmdPrevious_Click();
+    EXPECT_EQ(link.loads, (std::vector<std::int16_t>{7, 3, 7, 5}));
+    EXPECT_EQ(gui.cmbNode.Text(), "DBN 5");
+    EXPECT_FALSE(gui.cmdApply.Enabled());
+    EXPECT_TRUE(services.boxes.empty());
+}
+
+TEST_F(GuiNavigation, UnsavedChangesAreOfferedOncePerMove) {
+    MakeDirty();
+    services.answers = {form::kAnswerCancel};
+    gui.cmdNext_Click();
+    EXPECT_EQ(gui.nodeNumber(), 5);
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+
+    services.answers = {form::kAnswerNo};
+    gui.cmdNext_Click();
+    EXPECT_EQ(services.boxes.size(), 2U);
+    EXPECT_EQ(gui.nodeNumber(), 7);
+    EXPECT_FALSE(gui.cmdApply.Enabled());
+    EXPECT_TRUE(link.saves.empty());
+
+    // Not moving still asks and still clears the mark.
+    MakeDirty();
+    services.answers = {form::kAnswerNo};
+    gui.cmdLast_Click();
+    EXPECT_EQ(services.boxes.size(), 3U);
+    EXPECT_FALSE(gui.cmdApply.Enabled());
+}
+
+TEST_F(GuiNavigation, CancelledPickPutsTheSelectorBack) {
+    MakeDirty();
+    services.answers = {form::kAnswerCancel};
+    ASSERT_TRUE(input::Pick(gui.cmbNode, 0));
+    EXPECT_EQ(gui.cmbNode.Text(), "DBN 5");
+    EXPECT_EQ(gui.nodeNumber(), 5);
+    EXPECT_TRUE(link.loads.empty());
+    EXPECT_EQ(services.boxes.size(), 1U);
+
+    services.answers = {form::kAnswerNo};
+    ASSERT_TRUE(input::Pick(gui.cmbNode, 0));
+    EXPECT_EQ(gui.nodeNumber(), 3);
+    EXPECT_EQ(link.loads, std::vector<std::int16_t>{3});
+}
+
+TEST_F(GuiNavigation, LoadingWithoutTheSessionObjectIsTrapped) {
+    gui.Unload();
+    gui.cmbNode.SetListIndex(2);
+    EXPECT_EQ(services.TakeBoxTexts(),
+              std::vector<std::string>{"Source: CVL_DBN_Node - cmbNode_Click \r\nDescription: "
+                                       "Object variable or With block variable not set"});
+    EXPECT_EQ(gui.nodeNumber(), 5);
+}
+
+}  // namespace
+}  // namespace dbn::testing
