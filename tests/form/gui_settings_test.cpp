@@ -68,10 +68,8 @@ TEST_F(GuiMethod, BothNamesOrExtensionForceAndDisableTheSecondMatch) {
 }
 
 TEST_F(GuiMethod, PlainSelectionsOnlyMarkTheNodeChanged) {
-    for (form::ListControl* list :
-         {&gui.cmbDirectory, &gui.cmbLanguage1, &gui.cmbLanguage2, &gui.cmbFirstMinDigits,
-          &gui.cmbFirstMaxDigits, &gui.cmbSelTimeOut, &gui.cmbDigitTimeOut, &gui.cmbRetryLimit,
-          &gui.cmbPlayName, &gui.cmbGreetingNumber, &gui.cmbTimeoutNumber}) {
+    for (form::ListControl* list : {&gui.cmbDirectory, &gui.cmbLanguage2, &gui.cmbSecondMaxDigits,
+                                    &gui.cmbRetryLimit, &gui.cmbPlayName, &gui.cmbGreetingNumber}) {
         SCOPED_TRACE(list->Name());
         gui.cmdApply.SetEnabled(false);
         const int width = gui.Width();
@@ -231,19 +229,6 @@ TEST_F(GuiEditModes, FocusEndsTheEditModesOfTheOtherLists) {
     StartActionsEdit();
     input::Focus(gui.cmbRetryLimit);
     EXPECT_EQ(gui.cmdActionsEdit.Caption(), "Edit");
-}
-
-TEST_F(GuiEditModes, LeaveEditModesEndsOnlyTheModesAsked) {
-    StartActionsEdit();
-    gui.LeaveEditModes(false, true);
-    EXPECT_EQ(gui.cmdActionsEdit.Caption(), "Edit Off");
-    gui.LeaveEditModes(true, false);
-    EXPECT_EQ(gui.cmdActionsEdit.Caption(), "Edit");
-    EXPECT_FALSE(gui.ActionsEditMode);
-    // Nothing in edit mode: nothing happens.
-    gui.cmdApply.SetEnabled(false);
-    gui.LeaveEditModes(true, true);
-    EXPECT_FALSE(gui.cmdApply.Enabled());
 }
 
 }  // namespace
