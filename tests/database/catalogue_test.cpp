@@ -47,6 +47,16 @@ TEST(Catalogue, KeepsStoredTextsWithTheirStrayBlanks) {
               "SELECT * FROM SR_Node_Type_Names ORDER BY ID");
 }
 
+TEST(Translation, NumbersParametersByFirstAppearance) {
+    const TranslatedStatement statement = TranslateToSqlite(
+        "SELECT `Password`, NodeType FROM `Node_MSG` WHERE A = `Given_A` AND (B = Given_B) AND "
+        "C = ` GIVEN_a ` AND D = 'Given_D' AND E = Given_Ex AND F = XGiven_F");
+    EXPECT_EQ(statement.sql,
+              "SELECT \"Password\", NodeType FROM \"Node_MSG\" WHERE A = ?1 AND (B = ?2) AND "
+              "C = ?1 AND D = 'Given_D' AND E = ?3 AND F = XGiven_F");
+    EXPECT_EQ(statement.parameters, (std::vector<std::string>{"Given_A", "Given_B", "Given_Ex"}));
+}
+
 // Every statement translates to the declared number of parameters and
 // prepares against the schema with exactly that many placeholders.
 TEST(Catalogue, EveryStatementPreparesWithItsDeclaredParameterCount) {

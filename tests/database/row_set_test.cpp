@@ -1,0 +1,154 @@
+// Row sets of the row-returning commands, and reading their values.
+
+#include "core/component_error.h"
+#include "database/database.h"
+#include "database/database_errors.h"
+#include "temp_database.h"
+
+#include <gtest/gtest.h>
+
+namespace dbn {
+namespace {
+
+using testing::TempDataRoot;
+
+long ErrorNumberOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const ComponentError& error) {
+        return error.Number();
+    }
+    return 0;
+}
+
+class RowSets : public ::testing::Test {
+protected:
+    TempDataRoot root_{TempDataRoot::Content::Demo};
+    DataBase db_;
+};
+
+TEST_F(RowSets, OpenRowSetRefusesReExecutionUntilClosed) {
+    EXPECT_EQ(db_.Execute("Get_Max_NodeNumber", {"1", "2", "8"}), 1);
+    RowSet& limits = db_.Recordset("Get_Max_NodeNumber");
+    EXPECT_EQ(limits.Name(), "rsGet_Max_NodeNumber");
+    EXPECT_TRUE(limits.IsOpen());
+
+    try {
+        db_.Execute("Get_Max_NodeNumber", {"1", "1", "8"});
+        ADD_FAILURE() << "executed over an open row set";
+    } catch (const ComponentError& error) {
+        EXPECT_EQ(error.Number(), 3705);
+        EXPECT_EQ(error.Description(), "Operation is not allowed when the object is open.");
+    }
+    // The refused execution left the open rows alone.
+    EXPECT_EQ(limits.Field("Max_Number").ToInt16(), 0);
+
+    // Other commands have row sets of their own.
+    EXPECT_EQ(db_.Execute("Get_Node_Names"), 18);
+
+    limits.Close();
+    EXPECT_FALSE(limits.IsOpen());
+    limits.Close();  // closing twice is harmless
+    EXPECT_EQ(db_.Execute("Get_Max_NodeNumber", {"1", "1", "8"}), 1);
+    EXPECT_EQ(limits.Field("Max_Number").ToInt16(), 20);
+}
+
+TEST_F(RowSets, ReadsFrontToBackAndMovesToTheLast) {
+    ASSERT_EQ(db_.Execute("Get_DBN_PromptsNode", {"1", "1", "1"}), 9);
+    RowSet& prompts = db_.Recordset("Get_DBN_PromptsNode");
+    std::vector<int> numbers;
+    while (!prompts.Eof()) {
+        numbers.push_back(prompts.Field("PromptNumber").ToInt16());
+        prompts.MoveNext();
+    }
+    EXPECT_EQ(numbers, (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9}));
+    EXPECT_EQ(ErrorNumberOf([&] { prompts.MoveNext(); }), kErrNoCurrentRow);
+    EXPECT_EQ(ErrorNumberOf([&] { prompts.Field("PromptNumber"); }), kErrNoCurrentRow);
+
+    prompts.MoveLast();
+    EXPECT_FALSE(prompts.Eof());
+    EXPECT_EQ(prompts.Field("PromptNumber").ToInt16(), 9);
+    // Column names are found without regard to case.
+    EXPECT_EQ(prompts.Field("promptnodetype").ToText(), "MSG");
+    prompts.Close();
+    EXPECT_EQ(ErrorNumberOf([&] { prompts.Eof(); }), kErrObjectClosed);
+    EXPECT_EQ(ErrorNumberOf([&] { prompts.Field("PromptNumber"); }), kErrObjectClosed);
+}
+
+TEST_F(RowSets, EmptyResultIsAtItsEndAtOnce) {
+    EXPECT_EQ(db_.Execute("Get_Description", {"1", "2", "0", "12"}), 0);
+    RowSet& description = db_.Recordset("Get_Description");
+    EXPECT_TRUE(description.IsOpen());
+    EXPECT_TRUE(description.Eof());
+    EXPECT_EQ(ErrorNumberOf([&] { description.MoveLast(); }), kErrNoCurrentRow);
+    description.Close();
+}
+
+TEST_F(RowSets, NullFieldsAndUnknownColumns) {
+    root_.Exec(
+        "UPDATE Node_General_Pool SET NodeDescription = NULL WHERE PartID = 1 AND "
+        "NodeTypeID = 0 AND NodeNumber = 3");
+    ASSERT_EQ(db_.Execute("Get_Description", {"1", "1", "0", "3"}), 1);
+    RowSet& description = db_.Recordset("Get_Description");
+    const FieldValue value = description.Field("NodeDescription");
+    EXPECT_TRUE(value.IsNull());
+    EXPECT_EQ(value.ToText(), "");
+    EXPECT_EQ(value.ToInt16(), 0);
+    EXPECT_EQ(description.Field("NodeType").ToText(), "MSG");
+
+    try {
+        description.Field("NoSuchColumn");
+        ADD_FAILURE() << "an unknown column was read";
+    } catch (const ComponentError& error) {
+        EXPECT_EQ(error.Number(), 3265);
+        EXPECT_EQ(error.Description(),
+                  "Item cannot be found in the collection corresponding to the requested name or "
+                  "ordinal.");
+    }
+    description.Close();
+}
+
+TEST_F(RowSets, OnlyRowReturningCommandsHaveRowSets) {
+    EXPECT_EQ(ErrorNumberOf([&] { db_.Recordset("Update_Node_General_Pool"); }), 3265);
+    EXPECT_EQ(ErrorNumberOf([&] { db_.Recordset("Get_Nothing"); }), 3265);
+    EXPECT_EQ(ErrorNumberOf([&] { db_.Execute("Get_Nothing"); }), kErrUnknownCommand);
+    EXPECT_EQ(ErrorNumberOf([&] { db_.Execute("Get_Node_Names", {"1"}); }), kErrArgumentCount);
+    EXPECT_EQ(ErrorNumberOf([&] {
+                  db_.Execute("Get_Description", {"1", "1"});
+              }),
+              kErrArgumentCount);
+}
+
+TEST(FieldValues, ConvertToSmallIntegersWithOverflowAndTypeChecks) {
+    using S = FieldValue::Storage;
+    EXPECT_EQ(FieldValue(S{std::int64_t{-32768}}).ToInt16(), -32768);
+    EXPECT_EQ(FieldValue(S{std::int64_t{32767}}).ToInt16(), 32767);
+    EXPECT_EQ(ErrorNumberOf([] { FieldValue(S{std::int64_t{32768}}).ToInt16(); }), 6);
+    EXPECT_EQ(FieldValue(S{std::int64_t{32768}}).ToInt32(), 32768);
+    EXPECT_EQ(ErrorNumberOf([] { FieldValue(S{std::int64_t{1} << 40}).ToInt32(); }), 6);
+
+    // Reals round half to even.
+    EXPECT_EQ(FieldValue(S{2.5}).ToInt16(), 2);
+    EXPECT_EQ(FieldValue(S{3.5}).ToInt16(), 4);
+    EXPECT_EQ(FieldValue(S{-1.6}).ToInt16(), -2);
+    EXPECT_EQ(ErrorNumberOf([] { FieldValue(S{1e9}).ToInt16(); }), 6);
+
+    EXPECT_EQ(FieldValue(S{std::string(" 42 ")}).ToInt16(), 42);
+    EXPECT_EQ(FieldValue(S{std::string("-7")}).ToInt16(), -7);
+    EXPECT_EQ(ErrorNumberOf([] { FieldValue(S{std::string("70000")}).ToInt16(); }), 6);
+    for (const char* text : {"", "MSG", "12a", "1.5"}) {
+        EXPECT_EQ(ErrorNumberOf([text] { FieldValue(S{std::string(text)}).ToInt16(); }), 13)
+            << text;
+    }
+}
+
+TEST(FieldValues, ConvertToText) {
+    using S = FieldValue::Storage;
+    EXPECT_EQ(FieldValue().ToText(), "");
+    EXPECT_EQ(FieldValue(S{std::int64_t{-15}}).ToText(), "-15");
+    EXPECT_EQ(FieldValue(S{0.25}).ToText(), "0.25");
+    EXPECT_EQ(FieldValue(S{std::string("DBN")}).ToText(), "DBN");
+}
+
+}  // namespace
+}  // namespace dbn
