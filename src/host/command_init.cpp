@@ -14,7 +14,9 @@ namespace {
 constexpr const char* kInitUsage = "init [--data-root DIR] [--empty] [--force]";
 constexpr const char* kWhereUsage = "where [--data-root DIR]";
 
-std::string DatabasePath() { return DataSourceOf(BuildConnectionString()); }
+std::string DatabasePath() {
+    return DataSourceOf(BuildConnectionString());
+}
 
 int RunInit(std::vector<std::string> args) {
     if (!TakeDataRootOption(args)) {
@@ -54,8 +56,8 @@ int RunWhere(std::vector<std::string> args) {
         return 2;
     }
     if (!args.empty()) {
-        std::cerr << "where: unexpected argument: " << args.front()
-                  << "\nusage: dbn-node-editor " << kWhereUsage << "\n";
+        std::cerr << "where: unexpected argument: " << args.front() << "\nusage: dbn-node-editor "
+                  << kWhereUsage << "\n";
         return 2;
     }
     std::cout << DatabasePath() << "\n";
