@@ -1,5 +1,7 @@
 #include "session/form_references.h"
 
+#include "form/list_rows.h"
+
 namespace dbn {
 
 std::string SelectedTagText(const form::ListControl& list) {
@@ -16,7 +18,8 @@ StoredNodeRef PairReference(const form::ListControl& node, const form::ListContr
 
 StoredNodeRef RowReference(const form::ListView& list, int position) {
     const form::ListItem& row = list.ItemAt(position);
-    return {row.SubItem(kNodeNameCell), row.SubItem(kNodeNumberCell), row.SubItem(kNodeTypeIDCell)};
+    return {row.SubItem(form::list_rows::kNodeName), row.SubItem(form::list_rows::kNodeNumber),
+            row.SubItem(form::list_rows::kNodeTypeID)};
 }
 
 }  // namespace dbn

@@ -15,12 +15,6 @@ struct StoredNodeRef {
     std::string typeID;
 };
 
-// Cells of a row of the actions and confirmation lists (sub-item numbers).
-inline constexpr int kShownTargetCell = 2;  // "Command/Node"
-inline constexpr int kNodeNameCell = 4;     // "NodeName"
-inline constexpr int kNodeTypeIDCell = 5;   // "NodeTypeID"
-inline constexpr int kNodeNumberCell = 6;   // "NodeNumber"
-
 // The tag of the selected entry as decimal text. No selection raises error
 // 381 "Invalid property array index".
 std::string SelectedTagText(const form::ListControl& list);

@@ -5,6 +5,7 @@
 #include "core/component_error.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
+#include "form/list_rows.h"
 #include "session/business_rules.h"
 #include "session/confirmation_dialog.h"
 #include "session/form_references.h"
@@ -199,8 +200,9 @@ void Business_Rules::CheckForUnReferencedNodes() {
         auto gatherRows = [&](const form::ListView& list) {
             for (int position = 0; position < list.ItemCount(); ++position) {
                 const form::ListItem& row = list.ItemAt(position);
-                AddNodeTolstRequired(row.SubItem(kShownTargetCell), row.SubItem(kNodeTypeIDCell),
-                                     row.SubItem(kNodeNumberCell));
+                AddNodeTolstRequired(row.SubItem(form::list_rows::kCommandNode),
+                                     row.SubItem(form::list_rows::kNodeTypeID),
+                                     row.SubItem(form::list_rows::kNodeNumber));
             }
         };
 
