@@ -36,12 +36,6 @@ TEST(PlayRunnerErrors, ScriptErrorsNameTheLineAndStopTheRun) {
     EXPECT_EQ(outcome.err, "error: 1: no form is shown\n");
 }
 
-TEST(PlayRunnerErrors, EmptyScriptCompletes) {
-    Outcome outcome = Play({});
-    EXPECT_EQ(outcome.status, kRunCompleted);
-    EXPECT_EQ(outcome.out + outcome.err, "");
-}
-
 class PlayRunnerSession : public ::testing::Test {
 protected:
     testing::TempDataRoot root{testing::TempDataRoot::Content::Demo};
