@@ -1,10 +1,13 @@
 // The C entry point: an editor whose toolkit services are C callbacks.
 #include "session/c_api.h"
 
+#include "core/component_factory.h"
 #include "database/data_location.h"
 #include "form/controls/operator_input.h"
 #include "form/gui.h"
 #include "session/business_rules.h"
+#include "session/component_registration.h"
+#include "session/confirmation_dialog.h"
 
 #include <algorithm>
 #include <cstring>
@@ -100,6 +103,10 @@ int Guarded(Action action) {
     }
 }
 
+// The services whose makers the component registry holds, so that a
+// released editor never leaves makers behind that refer to it.
+const dbn::form::FormServices* registeredServices = nullptr;
+
 }  // namespace
 
 struct cvl_dbn_editor {
@@ -129,6 +136,9 @@ int cvl_dbn_show_node_editor(cvl_dbn_editor* editor, int16_t config_id, int16_t 
         return 0;
     }
     try {
+        // The editor creates its question dialog by name, for its own callbacks.
+        dbn::RegisterEditorComponents(editor->services);
+        registeredServices = &editor->services;
         return editor->rules->ShowNodeEditor(config_id, partition_id, node_number) ? 1 : 0;
     } catch (...) {
         return 0;
@@ -136,6 +146,11 @@ int cvl_dbn_show_node_editor(cvl_dbn_editor* editor, int16_t config_id, int16_t 
 }
 
 void cvl_dbn_release(cvl_dbn_editor* editor) {
+    if (editor != nullptr && registeredServices == &editor->services) {
+        dbn::UnregisterComponent(dbn::kBusinessRulesClass);
+        dbn::UnregisterComponent(dbn::kConfirmationDialogClass);
+        registeredServices = nullptr;
+    }
     std::unique_ptr<cvl_dbn_editor> owned(editor);
 }
 

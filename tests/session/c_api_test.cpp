@@ -1,0 +1,84 @@
+// The C entry point and creation by class name.
+#include "session_support.h"
+
+#include "core/component_factory.h"
+#include "session/c_api.h"
+#include "session/component_registration.h"
+#include "session/confirmation_dialog.h"
+
+namespace dbn::testing {
+namespace {
+
+struct Host {
+    std::vector<std::string> boxes;
+    std::string seen;
+    int ended = 0;
+};
+
+cvl_dbn_callbacks Callbacks(Host& host) {
+    cvl_dbn_callbacks callbacks{};
+    callbacks.user = &host;
+    callbacks.msg_box = [](void* user, const char* text, int, int, const char* title) {
+        static_cast<Host*>(user)->boxes.push_back(std::string(title) + ": " + text);
+        return static_cast<int>(CVL_DBN_ANSWER_OK);
+    };
+    callbacks.confirm = [](void*, const char*, const char*) { return 5L; };
+    callbacks.end_modal = [](void* user) { ++static_cast<Host*>(user)->ended; };
+    return callbacks;
+}
+
+TEST(CApi, TheHostOperatesTheShownFormThroughItsModalRun) {
+    TempDataRoot root(TempDataRoot::Content::Demo);
+    Host host;
+    cvl_dbn_callbacks callbacks = Callbacks(host);
+    EXPECT_EQ(cvl_dbn_create(nullptr), nullptr);
+    callbacks.confirm = nullptr;
+    EXPECT_EQ(cvl_dbn_create(&callbacks), nullptr);
+
+    callbacks = Callbacks(host);
+    callbacks.run_modal = [](void* user, cvl_dbn_form* form) {
+        char buffer[8];
+        const long length = cvl_dbn_form_text(form, "txtDescription", buffer, sizeof buffer);
+        const int typed = cvl_dbn_form_type(form, "txtDescription", "Renamed");
+        const int noEntry = cvl_dbn_form_pick(form, "cmbMethod", "no such entry");
+        const int applied = cvl_dbn_form_press(form, "cmdApply");
+        const int again = cvl_dbn_form_press(form, "cmdApply");  // disabled after the save
+        const int closed = cvl_dbn_form_press(form, "cmdOK");
+        static_cast<Host*>(user)->seen =
+            std::string(buffer) + "/" + std::to_string(length) + " " + std::to_string(typed) +
+            std::to_string(noEntry) + std::to_string(applied) + std::to_string(again) +
+            std::to_string(closed) + std::to_string(cvl_dbn_form_is_open(form));
+    };
+    cvl_dbn_editor* editor = cvl_dbn_create(&callbacks);
+    ASSERT_NE(editor, nullptr);
+    EXPECT_EQ(cvl_dbn_show_node_editor(editor, 1, 1, 1), 0);
+    EXPECT_EQ(host.seen, "Staff d/15 1-11010");
+    EXPECT_EQ(root.QueryText("SELECT NodeDescription FROM Node_DBN WHERE NodeNumber = 1"),
+              "Renamed");
+
+    // Without a modal run the form is abandoned; a missing node is told.
+    callbacks.run_modal = nullptr;
+    cvl_dbn_release(editor);
+    editor = cvl_dbn_create(&callbacks);
+    EXPECT_EQ(cvl_dbn_show_node_editor(editor, 1, 1, 2), 0);
+    EXPECT_EQ(cvl_dbn_show_node_editor(editor, 1, 1, 9), 0);
+    cvl_dbn_release(editor);
+    EXPECT_EQ(host.ended, 3);
+    EXPECT_EQ(host.boxes, std::vector<std::string>{"Information: DBN 9 doesn't exist."});
+}
+
+TEST(ComponentRegistration, CreatesTheEditorAndTheQuestionDialogByName) {
+    FakeServices services;
+    RegisterEditorComponents(services);
+    EXPECT_NE(CreateObjectAs<Business_Rules>("CVL_DBN_Node.Business_Rules"), nullptr);
+    services.confirmAnswers = {form::kConfirmYesToAll};
+    EXPECT_EQ(
+        CreateObjectAs<ConfirmationDialog>("ConfirmationDialog")->Show(0, "Create?", 0, 0, ""),
+        form::kConfirmYesToAll);
+    EXPECT_EQ(services.confirmations, std::vector<std::string>{"Create?"});
+    UnregisterComponent(kBusinessRulesClass);
+    UnregisterComponent(kConfirmationDialogClass);
+}
+
+}  // namespace
+}  // namespace dbn::testing
