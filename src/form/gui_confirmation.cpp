@@ -126,10 +126,14 @@ void GUI::cmbConfirmation_Click() {
             LVConfirm.SetTabStop(false);
             cmdConfirmEdit.SetEnabled(false);
             cmdConfirmDefault.SetEnabled(false);
-            // Set the rows aside; LVTemp holds exactly these afterwards.
-            LVTemp.ClearItems();
-            rows::CopyRows(LVConfirm, LVTemp);
-            LVConfirm.ClearItems();
+            // Set the rows aside; LVTemp holds exactly these afterwards. With
+            // the section already off there is nothing to set aside, and the
+            // rows kept from before must survive a second "No".
+            if (LVConfirm.ItemCount() > 0) {
+                LVTemp.ClearItems();
+                rows::CopyRows(LVConfirm, LVTemp);
+                LVConfirm.ClearItems();
+            }
         }
         HideConfirmPickers(*this);
         EnableApply();
