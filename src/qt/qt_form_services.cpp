@@ -1,0 +1,161 @@
+#include "qt/qt_form_services.h"
+
+#include "form/gui.h"
+#include "qt/form_view.h"
+
+#include <QApplication>
+#include <QPushButton>
+#include <QTimer>
+
+#include <utility>
+#include <vector>
+
+namespace dbn::qt {
+
+namespace {
+
+// The model writes line breaks as CR LF.
+QString DialogText(const std::string& text) {
+    QString shown = QString::fromStdString(text);
+    shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    return shown;
+}
+
+QMessageBox::Icon IconOf(form::MsgBoxIcon icon) {
+    switch (icon) {
+        case form::MsgBoxIcon::Exclamation:
+            return QMessageBox::Warning;
+        case form::MsgBoxIcon::Question:
+            return QMessageBox::Question;
+        case form::MsgBoxIcon::Information:
+            break;
+    }
+    return QMessageBox::Information;
+}
+
+int AnswerOf(QMessageBox::StandardButton button) {
+    switch (button) {
+        case QMessageBox::Yes:
+            return form::kAnswerYes;
+        case QMessageBox::No:
+            return form::kAnswerNo;
+        case QMessageBox::Cancel:
+            return form::kAnswerCancel;
+        default:
+            return form::kAnswerOK;
+    }
+}
+
+// Restores the view the services had when a modal show ends, on every path.
+class ViewScope {
+public:
+    ViewScope(FormView*& current, FormView& view) : current_(current), previous_(current) {
+        current_ = &view;
+    }
+    ~ViewScope() { current_ = previous_; }
+    ViewScope(const ViewScope&) = delete;
+    ViewScope& operator=(const ViewScope&) = delete;
+
+private:
+    FormView*& current_;
+    FormView* previous_;
+};
+
+}  // namespace
+
+QtFormServices::~QtFormServices() {
+    SetBusyCursor(false);
+}
+
+void QtFormServices::Run(QMessageBox& box) {
+    if (whenAsked) {
+        QTimer::singleShot(0, &box, [this, &box] { whenAsked(box); });
+    }
+    box.exec();
+}
+
+int QtFormServices::MsgBox(const std::string& text, form::MsgBoxButtons buttons,
+                           form::MsgBoxIcon icon, const std::string& title) {
+    const QMessageBox::StandardButtons shown =
+        buttons == form::MsgBoxButtons::OK
+            ? QMessageBox::StandardButtons(QMessageBox::Ok)
+            : QMessageBox::StandardButtons(QMessageBox::Yes | QMessageBox::No |
+                                           QMessageBox::Cancel);
+    QMessageBox box(IconOf(icon), QString::fromStdString(title), DialogText(text), shown, view_);
+    box.setEscapeButton(buttons == form::MsgBoxButtons::OK ? QMessageBox::Ok : QMessageBox::Cancel);
+    Run(box);
+    if (box.clickedButton() == nullptr) {
+        return buttons == form::MsgBoxButtons::OK ? form::kAnswerOK : form::kAnswerCancel;
+    }
+    return AnswerOf(box.standardButton(box.clickedButton()));
+}
+
+long QtFormServices::Confirm(const std::string& text, const std::string& title) {
+    QMessageBox box(QMessageBox::Question, QString::fromStdString(title), DialogText(text),
+                    QMessageBox::NoButton, view_);
+    const std::pair<const char*, long> choices[] = {{"Yes", form::kConfirmYes},
+                                                    {"Yes to All", form::kConfirmYesToAll},
+                                                    {"No", form::kConfirmNo},
+                                                    {"Cancel", form::kConfirmCancel}};
+    std::vector<std::pair<QAbstractButton*, long>> answers;
+    for (const auto& [caption, code] : choices) {
+        const QMessageBox::ButtonRole role =
+            code == form::kConfirmCancel ? QMessageBox::RejectRole : QMessageBox::AcceptRole;
+        answers.emplace_back(box.addButton(QString::fromLatin1(caption), role), code);
+    }
+    // Closing the dialog is its cancel.
+    box.setEscapeButton(answers.back().first);
+    Run(box);
+    for (const auto& [button, code] : answers) {
+        if (box.clickedButton() == button) {
+            return code;
+        }
+    }
+    return form::kConfirmCancel;
+}
+
+void QtFormServices::SetBusyCursor(bool busy) {
+    if (busy == busy_) {
+        return;
+    }
+    busy_ = busy;
+    if (busy) {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    } else {
+        QApplication::restoreOverrideCursor();
+    }
+}
+
+void QtFormServices::DoEvents() {
+    QCoreApplication::processEvents();
+}
+
+void QtFormServices::ShowModal(form::GUI& form) {
+    FormView view(form);
+    const ViewScope scope(view_, view);
+    if (whenShown) {
+        QTimer::singleShot(0, &view, [this, &form, &view] {
+            whenShown(form, view);
+            if (form.IsLoaded()) {
+                Abandon(form);
+            }
+        });
+    }
+    view.exec();
+}
+
+void QtFormServices::EndModal(form::GUI& form) {
+    if (view_ != nullptr && &view_->Form() == &form) {
+        view_->done(QDialog::Accepted);
+    }
+}
+
+void QtFormServices::Abandon(form::GUI& form) {
+    form.cmdApply.SetEnabled(false);
+    form.Unload();
+    if (view_ != nullptr && view_->isVisible()) {
+        view_->done(QDialog::Rejected);
+    }
+}
+
+}  // namespace dbn::qt

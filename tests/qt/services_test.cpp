@@ -1,0 +1,125 @@
+// The Qt services: message boxes and the question dialog answered through the
+// test hook, the busy cursor, and the close box asking to save.
+
+#include "window_support.h"
+
+#include <QAbstractButton>
+#include <QPushButton>
+
+#include <algorithm>
+
+namespace dbn::testing {
+namespace {
+
+using form::MsgBoxButtons;
+using form::MsgBoxIcon;
+
+class ServicesTest : public EditorWindowTest {
+protected:
+    // Answers the next dialog by clicking the button with this caption (or
+    // closing it when empty), noting what it showed.
+    void AnswerWith(const QString& caption) {
+        services.whenAsked = [this, caption](QMessageBox& box) {
+            title = box.windowTitle().toStdString();
+            text = box.text().toStdString();
+            icon = box.icon();
+            captions.clear();
+            for (QAbstractButton* button : box.buttons()) {
+                captions.push_back(button->text().remove('&').toStdString());
+            }
+            for (QAbstractButton* button : box.buttons()) {
+                if (button->text().remove('&') == caption) {
+                    button->click();
+                    return;
+                }
+            }
+            box.reject();
+        };
+    }
+
+    std::string title;
+    std::string text;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    std::vector<std::string> captions;
+};
+
+TEST_F(ServicesTest, MessageBoxesShowTheModelsBoxAndAnswerItsCodes) {
+    AnswerWith("No");
+    EXPECT_EQ(services.MsgBox("Save?\r\nNow", MsgBoxButtons::YesNoCancel, MsgBoxIcon::Question,
+                              "Confirmation"),
+              form::kAnswerNo);
+    EXPECT_EQ(title, "Confirmation");
+    EXPECT_EQ(text, "Save?\nNow");
+    EXPECT_EQ(icon, QMessageBox::Question);
+    EXPECT_EQ(captions.size(), 3u);
+
+    AnswerWith("Yes");
+    EXPECT_EQ(services.MsgBox("t", MsgBoxButtons::YesNoCancel, MsgBoxIcon::Question, "c"),
+              form::kAnswerYes);
+    AnswerWith("");  // closed
+    EXPECT_EQ(services.MsgBox("t", MsgBoxButtons::YesNoCancel, MsgBoxIcon::Question, "c"),
+              form::kAnswerCancel);
+
+    AnswerWith("OK");
+    EXPECT_EQ(services.MsgBox("Oops", MsgBoxButtons::OK, MsgBoxIcon::Exclamation, "Error"),
+              form::kAnswerOK);
+    EXPECT_EQ(icon, QMessageBox::Warning);
+    EXPECT_EQ(captions, std::vector<std::string>{"OK"});
+    AnswerWith("");
+    EXPECT_EQ(services.MsgBox("i", MsgBoxButtons::OK, MsgBoxIcon::Information, "Information"),
+              form::kAnswerOK);
+    EXPECT_EQ(icon, QMessageBox::Information);
+}
+
+TEST_F(ServicesTest, TheQuestionDialogAnswersEachButtonsCode) {
+    const std::pair<const char*, long> expected[] = {{"Yes", form::kConfirmYes},
+                                                     {"Yes to All", form::kConfirmYesToAll},
+                                                     {"No", form::kConfirmNo},
+                                                     {"Cancel", form::kConfirmCancel},
+                                                     {"", form::kConfirmCancel}};
+    for (const auto& [caption, code] : expected) {
+        AnswerWith(caption);
+        EXPECT_EQ(services.Confirm("Create MSG 12?", "Missing node"), code) << caption;
+    }
+    EXPECT_EQ(title, "Missing node");
+    EXPECT_EQ(text, "Create MSG 12?");
+    std::sort(captions.begin(), captions.end());
+    EXPECT_EQ(captions, (std::vector<std::string>{"Cancel", "No", "Yes", "Yes to All"}));
+}
+
+TEST_F(ServicesTest, BusyCursorIsOneOverrideCursorUntilEnded) {
+    services.SetBusyCursor(true);
+    services.SetBusyCursor(true);
+    ASSERT_NE(QApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    services.SetBusyCursor(false);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(ServicesTest, CloseBoxWithUnsavedChangesAsksAndStaysOpenOnCancel) {
+    const std::string query =
+        "SELECT NodeDescription FROM Node_DBN WHERE ConfigID = 1 AND PartID = 1 AND "
+        "NodeTypeID = 15 AND NodeNumber = 1";
+    const std::string stored = data.QueryText(query);
+    Open(1, [&](form::GUI& form, qt::FormView& view) {
+        TypeKeys(WidgetOf<QLineEdit>(view, "txtDescription"), "Changed");
+
+        AnswerWith("Cancel");
+        view.close();
+        EXPECT_EQ(title, "Confirmation");
+        EXPECT_EQ(icon, QMessageBox::Question);
+        EXPECT_TRUE(view.isVisible());
+        EXPECT_TRUE(form.IsLoaded());
+        EXPECT_EQ(services.ShownView(), &view);
+
+        AnswerWith("No");
+        view.close();
+        EXPECT_FALSE(view.isVisible());
+        EXPECT_FALSE(form.IsLoaded());
+    });
+    EXPECT_EQ(data.QueryText(query), stored);
+    EXPECT_EQ(services.ShownView(), nullptr);
+}
+
+}  // namespace
+}  // namespace dbn::testing

@@ -1,0 +1,132 @@
+// The operator's input on the real widgets reaches the model's handlers, and
+// what the handlers change comes back to the widgets.
+
+#include "window_support.h"
+
+#include <QHeaderView>
+#include <QPushButton>
+#include <QScrollBar>
+
+namespace dbn::testing {
+namespace {
+
+// The widgets of the actions list's in-place pickers.
+const char* const kActionPickers[] = {"cmbValidMatchNode", "cmbValidMatchNumber", "cmbAbortNode",
+                                      "cmbAbortNumber",    "cmbStarNode",         "cmbStarNumber",
+                                      "cmbPoundNode",      "cmbPoundNumber",      "cmbZeroNode",
+                                      "cmbZeroNumber"};
+
+int VisiblePickers(const qt::FormView& view) {
+    int visible = 0;
+    for (const char* name : kActionPickers) {
+        visible += view.WidgetOf(name)->isVisible() ? 1 : 0;
+    }
+    return visible;
+}
+
+// The distance in pixels from a row's top to the top of a picker over it.
+int PickerOffset(const qt::FormView& view, const QTreeWidget& tree, int row,
+                 const std::string& picker) {
+    const QRect rect = tree.visualItemRect(tree.topLevelItem(row));
+    const QPoint rowTop = tree.viewport()->mapTo(&view, rect.topLeft());
+    const QWidget* widget = view.WidgetOf(picker);
+    return widget->mapTo(&view, QPoint(0, 0)).y() - rowTop.y();
+}
+
+TEST_F(EditorWindowTest, PickingAMethodRunsItsHandlerAndResizesTheWindow) {
+    Open(1, [&](form::GUI& form, qt::FormView& view) {
+        const int wide = view.width();
+        auto& apply = WidgetOf<QPushButton>(view, "cmdApply");
+        ASSERT_FALSE(apply.isEnabled());
+
+        PickEntry(WidgetOf<QComboBox>(view, "cmbMethod"), "Default Last Name");
+        EXPECT_EQ(form.cmbMethod.Text(), "Default Last Name");
+        EXPECT_TRUE(form.cmdApply.Enabled());
+        EXPECT_TRUE(apply.isEnabled());
+        EXPECT_EQ(view.width(), view.Scale().ToPixels(form.Width()));
+        EXPECT_LT(view.width(), wide);
+        EXPECT_TRUE(WidgetOf<QWidget>(view, "fraLanguage").isEnabled());
+
+        PickEntry(WidgetOf<QComboBox>(view, "cmbMethod"), "Custom");
+        EXPECT_EQ(view.width(), wide);
+    });
+}
+
+TEST_F(EditorWindowTest, TypingGoesToTheModelAndItsCorrectionComesBack) {
+    Open(1, [&](form::GUI& form, qt::FormView& view) {
+        auto& description = WidgetOf<QLineEdit>(view, "txtDescription");
+        TypeKeys(description, "Front desk");
+        EXPECT_EQ(form.txtDescription.Text(), "Front desk");
+        EXPECT_TRUE(WidgetOf<QPushButton>(view, "cmdApply").isEnabled());
+
+        // A number beyond the list's last entry is cut back by the model to
+        // the digits that fit, and the edit field shows the cut number.
+        auto& retries = WidgetOf<QComboBox>(view, "cmbRetryLimit");
+        const std::string last = form.cmbRetryLimit.List(form.cmbRetryLimit.ListCount() - 1);
+        ASSERT_LT(std::stoi(last), 10);
+        TypeKeys(*retries.lineEdit(), QString::fromStdString(last) + "5");
+        EXPECT_EQ(form.cmbRetryLimit.Text(), last);
+        EXPECT_EQ(retries.currentText().toStdString(), last);
+
+        TypeKeys(*retries.lineEdit(), "2");
+        EXPECT_EQ(form.cmbRetryLimit.Text(), "2");
+        EXPECT_EQ(retries.currentText(), "2");
+    });
+}
+
+TEST_F(EditorWindowTest, EditButtonRowClicksAndHeaderPressMoveThePickers) {
+    Open(1, [&](form::GUI& form, qt::FormView& view) {
+        auto& edit = WidgetOf<QPushButton>(view, "cmdActionsEdit");
+        auto& tree = WidgetOf<QTreeWidget>(view, "LVActions");
+        const int offset = view.Scale().ToPixels(50);
+        edit.click();
+        EXPECT_TRUE(form.ActionsEditMode);
+        EXPECT_EQ(edit.text(), "Edit Off");
+        EXPECT_FALSE(WidgetOf<QPushButton>(view, "cmdActionsDefault").isEnabled());
+        EXPECT_EQ(VisiblePickers(view), 2);
+        EXPECT_TRUE(view.WidgetOf("cmbValidMatchNode")->isVisible());
+        EXPECT_NEAR(PickerOffset(view, tree, 0, "cmbValidMatchNode"), offset, 1);
+
+        ClickRow(tree, 2);
+        EXPECT_EQ(form.LVActions.SelectedItem(), &form.LVActions.ItemAt(2));
+        EXPECT_TRUE(tree.topLevelItem(2)->isSelected());
+        EXPECT_TRUE(view.WidgetOf("cmbStarNode")->isVisible());
+        EXPECT_FALSE(view.WidgetOf("cmbValidMatchNode")->isVisible());
+        EXPECT_NEAR(PickerOffset(view, tree, 2, "cmbStarNode"), offset, 1);
+        EXPECT_EQ(WidgetOf<QComboBox>(view, "cmbStarNode").currentText().toStdString(),
+                  form.LVActions.ItemAt(2).SubItem(4));
+
+        ClickAt(*tree.header()->viewport(), QPoint(5, 5));
+        EXPECT_EQ(VisiblePickers(view), 0);
+        EXPECT_TRUE(form.ActionsEditMode);
+    });
+}
+
+TEST_F(EditorWindowTest, ScrollingTheConfirmationListHidesItsPickers) {
+    Open(1, [&](form::GUI& form, qt::FormView& view) {
+        WidgetOf<QPushButton>(view, "cmdConfirmEdit").click();
+        auto& tree = WidgetOf<QTreeWidget>(view, "LVConfirm");
+        ClickRow(tree, 1);
+        ASSERT_TRUE(view.WidgetOf("cmbConfirmNode")->isVisible());
+        EXPECT_NEAR(PickerOffset(view, tree, 1, "cmbConfirmNode"), view.Scale().ToPixels(50), 1);
+
+        ASSERT_GT(tree.verticalScrollBar()->maximum(), 0);
+        tree.verticalScrollBar()->setValue(1);
+        EXPECT_FALSE(form.cmbConfirmNode.Visible());
+        EXPECT_FALSE(view.WidgetOf("cmbConfirmNode")->isVisible());
+    });
+}
+
+TEST_F(EditorWindowTest, EscPressesCancelAndClosesTheWindow) {
+    bool closed = false;
+    Open(1, [&](form::GUI& form, qt::FormView& view) {
+        QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        QApplication::sendEvent(&view, &escape);
+        closed = !form.IsLoaded() && !view.isVisible();
+    });
+    EXPECT_TRUE(closed);
+    EXPECT_TRUE(unexpectedBoxes.empty());
+}
+
+}  // namespace
+}  // namespace dbn::testing
