@@ -67,6 +67,14 @@ void LabelBinding::Sync(form::ChangeAspect aspect) {
         return;
     }
     ControlBinding::Sync(aspect);
+    // A label is never lower than its line of text, so that descenders are
+    // not cut off where the platform's font is taller than the form's.
+    if (aspect == form::ChangeAspect::Geometry) {
+        const int lineHeight = widget_.fontMetrics().height();
+        if (widget_.height() < lineHeight) {
+            widget_.resize(widget_.width(), lineHeight);
+        }
+    }
 }
 
 // ---- Button -----------------------------------------------------------------

@@ -102,6 +102,27 @@ TEST_F(EditorWindowTest, EditButtonRowClicksAndHeaderPressMoveThePickers) {
     });
 }
 
+TEST_F(EditorWindowTest, OperatorFocusOnAnInputEndsTheListEditing) {
+    Open(1, [&](form::GUI& form, qt::FormView& view) {
+        auto& edit = WidgetOf<QPushButton>(view, "cmdActionsEdit");
+        auto& description = WidgetOf<QLineEdit>(view, "txtDescription");
+        edit.click();
+        ASSERT_TRUE(form.ActionsEditMode);
+
+        // The window getting active again is not the operator's move.
+        QFocusEvent windowBack(QEvent::FocusIn, Qt::ActiveWindowFocusReason);
+        QApplication::sendEvent(&description, &windowBack);
+        EXPECT_TRUE(form.ActionsEditMode);
+
+        QFocusEvent click(QEvent::FocusIn, Qt::MouseFocusReason);
+        QApplication::sendEvent(&description, &click);
+        EXPECT_TRUE(form.txtDescription.HasFocus());
+        EXPECT_FALSE(form.ActionsEditMode);
+        EXPECT_EQ(edit.text(), "Edit");
+        EXPECT_EQ(VisiblePickers(view), 0);
+    });
+}
+
 TEST_F(EditorWindowTest, ScrollingTheConfirmationListHidesItsPickers) {
     Open(1, [&](form::GUI& form, qt::FormView& view) {
         WidgetOf<QPushButton>(view, "cmdConfirmEdit").click();

@@ -8,6 +8,8 @@
 #include <QLabel>
 #include <QPushButton>
 
+#include <algorithm>
+
 namespace dbn::testing {
 namespace {
 
@@ -16,7 +18,12 @@ using form::ControlKind;
 // Compares the widget of one control with the control; empty when they agree.
 std::string Mismatch(const form::Control& control, QWidget& widget, const qt::FormView& view) {
     const std::string name = control.Name() + ": ";
-    if (widget.geometry() != view.Scale().ToPixels(control.Bounds())) {
+    QRect expected = view.Scale().ToPixels(control.Bounds());
+    if (control.Kind() == ControlKind::Label) {
+        // Labels grow to their line of text.
+        expected.setHeight(std::max(expected.height(), widget.fontMetrics().height()));
+    }
+    if (widget.geometry() != expected) {
         return name + "geometry";
     }
     if (widget.isHidden() == control.Visible() ||
