@@ -55,12 +55,13 @@ bool TakeScreenshotOption(std::vector<std::string>& args, std::optional<std::str
 
 // Prints a box to standard error and answers it: OK, or Cancel where it asks.
 void AnswerUnattended(QMessageBox& box) {
-    std::cerr << "box " << box.windowTitle().toStdString() << ": "
-              << box.text().replace('\n', QStringLiteral("\\n")).toStdString() << "\n";
-    QAbstractButton* answer = box.escapeButton();
-    if (QAbstractButton* ok = box.button(QMessageBox::Ok)) {
-        answer = ok;
+    QAbstractButton* answer = box.button(QMessageBox::Ok);
+    if (answer == nullptr) {
+        answer = box.escapeButton();
     }
+    std::cerr << "box " << box.windowTitle().toStdString() << ": "
+              << box.text().replace('\n', QStringLiteral("\\n")).toStdString() << " => "
+              << (answer != nullptr ? answer->text().remove('&').toStdString() : "closed") << "\n";
     if (answer != nullptr) {
         answer->click();
     } else {

@@ -28,6 +28,9 @@ ListBinding::ListBinding(form::ListControl& list, QComboBox& combo, const TwipsS
         // nor completes them.
         combo.setInsertPolicy(QComboBox::NoInsert);
         combo.setCompleter(nullptr);
+        // Enter in the edit field would otherwise pick the entry that matches
+        // its text; it belongs to the default button.
+        combo.setDuplicatesEnabled(true);
         WatchFocus(*edit);
         QObject::connect(edit, &QLineEdit::textEdited, Context(), [this](const QString& text) {
             Input([this, text] { return form::operator_input::Type(list_, text.toStdString()); });
