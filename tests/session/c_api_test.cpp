@@ -1,10 +1,7 @@
-// The C entry point and creation by class name.
+// The C entry point a host in another language uses.
 #include "session_support.h"
 
-#include "core/component_factory.h"
 #include "session/c_api.h"
-#include "session/component_registration.h"
-#include "session/confirmation_dialog.h"
 
 namespace dbn::testing {
 namespace {
@@ -65,19 +62,6 @@ TEST(CApi, TheHostOperatesTheShownFormThroughItsModalRun) {
     cvl_dbn_release(editor);
     EXPECT_EQ(host.ended, 3);
     EXPECT_EQ(host.boxes, std::vector<std::string>{"Information: DBN 9 doesn't exist."});
-}
-
-TEST(ComponentRegistration, CreatesTheEditorAndTheQuestionDialogByName) {
-    FakeServices services;
-    RegisterEditorComponents(services);
-    EXPECT_NE(CreateObjectAs<Business_Rules>("CVL_DBN_Node.Business_Rules"), nullptr);
-    services.confirmAnswers = {form::kConfirmYesToAll};
-    EXPECT_EQ(
-        CreateObjectAs<ConfirmationDialog>("ConfirmationDialog")->Show(0, "Create?", 0, 0, ""),
-        form::kConfirmYesToAll);
-    EXPECT_EQ(services.confirmations, std::vector<std::string>{"Create?"});
-    UnregisterComponent(kBusinessRulesClass);
-    UnregisterComponent(kConfirmationDialogClass);
 }
 
 }  // namespace

@@ -1,12 +1,12 @@
 // The referenced-node check: which references are gathered, how the
-// operator's answers steer it, and what it tells the operator.
-
-#include "save_support.h"
-
-#include "form/controls/operator_input.h"
+// operator's answers steer it, what it tells the operator, and the creation of
+// each type's node from its template.
+#include "session_support.h"
 
 namespace dbn::testing {
 namespace {
+
+using ReferencedCheck = SessionTest;
 
 // The required-node lists as "key|type ID|number" rows.
 std::vector<std::string> Required(const form::GUI& gui) {
@@ -18,17 +18,15 @@ std::vector<std::string> Required(const form::GUI& gui) {
     return rows;
 }
 
-class ReferencedCheckTest : public SavingTest {};
-
-TEST_F(ReferencedCheckTest, GathersInOrderOnceEachAndSkipsTypesWithoutNodes) {
-    Edit(1, 1, [&](form::GUI& gui, Business_Rules& rules) {
-        PickTarget(gui.cmbGreetingNode, gui.cmbGreetingNumber, "MSG", "3");
+TEST_F(ReferencedCheck, GathersInOrderOnceEachAndSkipsTypesWithoutNodes) {
+    Open(1, 1, [&](form::GUI& gui) {
+        Set(gui,
+            "cmbGreetingNode=MSG; cmbGreetingNumber=3; cmbInvalidNode=MSG; cmbInvalidNumber=4");
         SetTarget(gui.LVActions, 1, "msg 3", "MSG", "0", "3");  // the greeting, other case
         SetTarget(gui.LVActions, 2, "M_ON 5", "M_ON", "817", "5");
         SetTarget(gui.LVActions, 3, "GOTO 2", "GOTO", "816", "2");
         SetTarget(gui.LVActions, 4, "HANGUP", "HANGUP", "999", "0");
-        PickTarget(gui.cmbInvalidNode, gui.cmbInvalidNumber, "MSG", "4");
-        rules.CheckForUnReferencedNodes();
+        Rules(gui).CheckForUnReferencedNodes();
         // Greeting, directory, actions, then the custom method's prompts,
         // error targets, confirmation rows and exit prompt.
         EXPECT_EQ(Required(gui),
@@ -39,9 +37,9 @@ TEST_F(ReferencedCheckTest, GathersInOrderOnceEachAndSkipsTypesWithoutNodes) {
         EXPECT_EQ(services.doEventsCalls, 1);
 
         // "Default Last Name" uses only the greeting, the directory and the actions.
-        gui.cmbMethod.SetListIndex(1);
-        PickTarget(gui.cmbFirstMatchPrompt, gui.cmbFirstMatchPromptNumber, "MSG", "40");
-        rules.CheckForUnReferencedNodes();
+        Set(gui,
+            "cmbMethod=Default Last Name; cmbFirstMatchPrompt=MSG; cmbFirstMatchPromptNumber=40");
+        Rules(gui).CheckForUnReferencedNodes();
         EXPECT_EQ(Required(gui),
                   (std::vector<std::string>{"MSG 3|0|3", "DIR 1|16|1", "XFER 1|4|1", "MSG 5|0|5"}));
     });
@@ -49,114 +47,131 @@ TEST_F(ReferencedCheckTest, GathersInOrderOnceEachAndSkipsTypesWithoutNodes) {
     EXPECT_TRUE(services.boxes.empty());
 }
 
-struct AnswerCase {
-    std::vector<long> answers;
-    std::size_t questions;
-    std::vector<bool> created;  // XFER 21, MSG 21, CMD 5
-};
-
-class ReferencedAnswerTest : public SavingTest, public ::testing::WithParamInterface<AnswerCase> {};
-
-TEST_P(ReferencedAnswerTest, AnswersDecideWhatIsCreatedAndWhetherToAskOn) {
-    const AnswerCase& answerCase = GetParam();
-    services.confirmAnswers.assign(answerCase.answers.begin(), answerCase.answers.end());
-    std::vector<int> busyWhenAsked;
-    services.onConfirm = [&] { busyWhenAsked.push_back(services.busyDepth); };
-    Edit(1, 2, [&](form::GUI& gui, Business_Rules& rules) {
-        SetTarget(gui.LVActions, 0, "XFER 21", "XFER", "4", "21");
-        SetTarget(gui.LVActions, 1, "MSG 21", "MSG", "0", "21");
-        SetTarget(gui.LVActions, 2, "CMD 5", "CMD", "1", "5");
-        services.SetBusyCursor(true);
-        rules.CheckForUnReferencedNodes();
-        EXPECT_GT(services.busyDepth, 0) << "busy cursor not shown again after asking";
-    });
-    ASSERT_EQ(services.confirmations.size(), answerCase.questions);
-    EXPECT_EQ(services.confirmations[0],
-              "XFER 21 is referenced but it does not exist.\r\nDo you want to auto create node "
-              "'XFER 21'?");
-    EXPECT_EQ(services.confirmTitles[0], "Confirmation");
-    EXPECT_EQ(busyWhenAsked, std::vector<int>(answerCase.questions, 0));
-    EXPECT_EQ(PoolHas(1, 4, 21), answerCase.created[0]);
-    EXPECT_EQ(PoolHas(1, 0, 21), answerCase.created[1]);
-    EXPECT_EQ(PoolHas(1, 1, 5), answerCase.created[2]);
+TEST_F(ReferencedCheck, AnswersDecideWhatIsCreatedAndWhetherToAskOn) {
+    struct Case {
+        std::deque<long> answers;
+        std::size_t questions;
+        std::vector<bool> created;  // XFER 21, MSG 21, CMD 5
+    };
+    const Case cases[] = {{{4}, 1, {true, true, true}},          // yes to all
+                          {{5}, 1, {false, false, false}},       // cancel
+                          {{0}, 1, {false, false, false}},       // closed
+                          {{7, 2, 5}, 3, {false, true, false}},  // no, yes, cancel
+                          {{3, 2, 2}, 3, {false, true, true}}};  // another code skips the node
+    for (const Case& answerCase : cases) {
+        TempDataRoot fresh(TempDataRoot::Content::Demo);
+        services.confirmations.clear();
+        services.confirmAnswers = answerCase.answers;
+        std::vector<int> busyWhenAsked;
+        services.onConfirm = [&] { busyWhenAsked.push_back(services.busyDepth); };
+        Open(1, 2, [&](form::GUI& gui) {
+            SetTarget(gui.LVActions, 0, "XFER 21", "XFER", "4", "21");
+            SetTarget(gui.LVActions, 1, "MSG 21", "MSG", "0", "21");
+            SetTarget(gui.LVActions, 2, "CMD 5", "CMD", "1", "5");
+            services.SetBusyCursor(true);
+            Rules(gui).CheckForUnReferencedNodes();
+            EXPECT_GT(services.busyDepth, 0) << "busy cursor not shown again after asking";
+        });
+        ASSERT_EQ(services.confirmations.size(), answerCase.questions);
+        EXPECT_EQ(services.confirmations[0],
+                  "XFER 21 is referenced but it does not exist.\r\nDo you want to auto create "
+                  "node 'XFER 21'?");
+        EXPECT_EQ(busyWhenAsked, std::vector<int>(answerCase.questions, 0));
+        const auto has = [&](int type, int number) {
+            return fresh.QueryInt("SELECT count(*) FROM Node_General_Pool" +
+                                  Where(1, "NodeNumber", number) +
+                                  " AND NodeTypeID = " + std::to_string(type)) > 0;
+        };
+        const std::vector<bool> created = {has(4, 21), has(0, 21), has(1, 5)};
+        EXPECT_EQ(created, answerCase.created) << answerCase.answers.front();
+    }
+    EXPECT_EQ(services.confirmTitles.front(), "Confirmation");
     EXPECT_TRUE(services.boxes.empty());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Answers, ReferencedAnswerTest,
-    ::testing::Values(AnswerCase{{4}, 1, {true, true, true}},           // yes to all
-                      AnswerCase{{5}, 1, {false, false, false}},        // cancel
-                      AnswerCase{{0}, 1, {false, false, false}},        // closed
-                      AnswerCase{{7, 2, 5}, 3, {false, true, false}},   // no, yes, cancel
-                      AnswerCase{{3, 2, 2}, 3, {false, true, true}}));  // other code skips
-
-TEST_F(ReferencedCheckTest, NodesThatCannotBeCreatedAreReportedAndTheCheckGoesOn) {
-    root.Exec(
-        "DELETE FROM Node_General_Pool WHERE PartID = 1 AND NodeTypeID = 2 AND "
-        "NodeNumber = 0");
+TEST_F(ReferencedCheck, NodesThatCannotBeCreatedAreReportedAndTheCheckGoesOn) {
+    root.Exec("DELETE FROM Node_General_Pool" + Where(1, "NodeNumber", 0) + " AND NodeTypeID = 2");
     services.confirmAnswers = {2, 2, 2};
-    Edit(1, 2, [&](form::GUI& gui, Business_Rules& rules) {
+    Open(1, 2, [&](form::GUI& gui) {
         SetTarget(gui.LVActions, 0, "XYZ 3", "XYZ", "5", "3");
         SetTarget(gui.LVActions, 1, "TIME 7", "TIME", "2", "7");
         SetTarget(gui.LVActions, 2, "M_OFF 12", "M_OFF", "818", "12");
-        rules.CheckForUnReferencedNodes();
+        Rules(gui).CheckForUnReferencedNodes();
         EXPECT_EQ(gui.StatusBar1.PanelText(), "MSG 12 is created.");
     });
-    ASSERT_EQ(services.boxes.size(), 2u);
-    EXPECT_EQ(services.boxes[0].title, "Information");
-    EXPECT_EQ(services.boxes[0].text,
-              "XYZ 3 could not be created: its type cannot be created here.");
-    EXPECT_EQ(services.boxes[1].text,
-              "TIME 7 could not be created: there is no template node 0 of its type.");
+    EXPECT_EQ(services.boxes.at(0).title, "Information");
+    EXPECT_EQ(services.TakeBoxTexts(),
+              (std::vector<std::string>{
+                  "XYZ 3 could not be created: its type cannot be created here.",
+                  "TIME 7 could not be created: there is no template node 0 of its type."}));
     EXPECT_EQ(Count("Node_TIME", Where(1, "NodeNumber", 7)), 0);
     EXPECT_EQ(root.QueryText("SELECT OrvFilename FROM Node_MSG" + Where(1, "NodeNumber", 12)),
               "P01M012.wav");
 }
 
-TEST_F(ReferencedCheckTest, FailedCreationIsUndoneAndTheSaveStillHappens) {
+TEST_F(ReferencedCheck, FailedCreationIsUndoneAndTheSaveStillHappens) {
     root.Exec(
         "CREATE TRIGGER injected BEFORE INSERT ON Node_General_Pool BEGIN "
         "SELECT RAISE(ABORT, 'injected'); END");
     services.confirmAnswers = {2};
-    Edit(2, 5, [&](form::GUI& gui, Business_Rules& rules) {
-        SetTarget(gui.LVActions, 1, "MSG 12", "MSG", "0", "12");
-        EXPECT_TRUE(rules.SaveChanges(5));
-    });
-    ASSERT_EQ(services.boxes.size(), 1u);
-    EXPECT_NE(services.boxes[0].text.find(" - CheckForUnReferencedNodes \r\n"), std::string::npos);
-    EXPECT_EQ(Count("Node_MSG", Where(2, "NodeNumber", 12)), 0);
-    EXPECT_EQ(NodeColumn("AbortNodeNumber", 2, 5), "12");
-}
-
-TEST_F(ReferencedCheckTest, OperatorCreatesAMissingAbortTargetWhileApplying) {
-    services.confirmAnswers = {2};
-    Edit(2, 5, [&](form::GUI& gui, Business_Rules&) {
-        namespace input = form::operator_input;
-        services.onConfirm = [&] {
+    Open(2, 5, [&](form::GUI& gui) {
+        services.onConfirm = [&] {  // asked in the middle of the save
             EXPECT_FALSE(gui.Frame1.Enabled());
             EXPECT_TRUE(gui.StatusBar1.Visible());
             EXPECT_EQ(services.busyDepth, 0);
         };
-        ASSERT_TRUE(input::Press(gui.cmdActionsEdit));
-        ASSERT_TRUE(input::ClickRow(gui.LVActions, gui.LVActions.ItemAt(1)));
-        ASSERT_TRUE(input::Pick(gui.cmbAbortNode, gui.cmbAbortNode.FindEntry("MSG")));
-        ASSERT_TRUE(input::Pick(gui.cmbAbortNumber, 11));
-        ASSERT_TRUE(input::Press(gui.cmdApply));
-        EXPECT_FALSE(gui.cmdApply.Enabled());
-        EXPECT_TRUE(gui.Frame1.Enabled());
-        EXPECT_FALSE(gui.StatusBar1.Visible());
-        ASSERT_TRUE(input::Press(gui.cmdOK));
-        EXPECT_FALSE(gui.IsLoaded());
+        SetTarget(gui.LVActions, 1, "MSG 12", "MSG", "0", "12");
+        EXPECT_TRUE(Rules(gui).SaveChanges(5));
     });
-    EXPECT_EQ(services.confirmations,
-              std::vector<std::string>{"MSG 12 is referenced but it does not exist.\r\nDo you "
-                                       "want to auto create node 'MSG 12'?"});
-    EXPECT_TRUE(services.boxes.empty()) << services.boxes.front().text;
-    EXPECT_EQ(root.QueryText("SELECT OrvFilename FROM Node_MSG" + Where(2, "NodeNumber", 12)),
-              "P02M012.wav");
-    EXPECT_TRUE(PoolHas(2, 0, 12));
-    EXPECT_EQ(NodeColumn("AbortNodeType", 2, 5) + " " + NodeColumn("AbortNodeNumber", 2, 5),
-              "MSG 12");
+    ASSERT_EQ(services.boxes.size(), 1u);
+    EXPECT_NE(services.boxes[0].text.find(" - CheckForUnReferencedNodes \r\n"), std::string::npos);
+    EXPECT_EQ(services.confirmations.size(), 1u);
+    EXPECT_EQ(Count("Node_MSG", Where(2, "NodeNumber", 12)), 0);
+    EXPECT_EQ(NodeColumn("AbortNodeNumber", 2, 5), "12");
+}
+
+// Each type's template node 0 is copied under the new number with its detail
+// rows, and a pool row like the template's.
+TEST_F(ReferencedCheck, EveryTypeIsCreatedFromItsTemplate) {
+    const std::tuple<const char*, int, const char*, std::vector<std::string>> types[] = {
+        {"0", 0, "Node_MSG", {}},
+        {"817", 0, "Node_MSG", {}},
+        {"818", 0, "Node_MSG", {}},
+        {"1", 1, "Node_CMD", {"Detail_CMD"}},
+        {"2", 2, "Node_TIME", {"Detail_TIME"}},
+        {"3", 3, "Node_DATE", {"Detail_DATE"}},
+        {"4", 4, "Node_XFER", {}},
+        {"6", 6, "Node_DTMF", {"Detail_DTMF_Prompts", "Detail_DTMF_Action"}},
+        {"7", 7, "Node_VOX", {"Detail_VOX_Prompts", "Detail_VOX_Action"}},
+        {"8", 8, "Node_LIST", {"Detail_LIST"}},
+        {"9", 9, "Node_AUTO", {"Detail_AUTO_Prompts", "Detail_AUTO_Action"}},
+        {"12", 12, "Node_PAAS", {"Detail_PAAS"}},
+        {"13", 13, "Node_TABLE", {"Detail_TABLE_Action"}},
+        {"15", 15, "Node_DBN", {"Detail_DBN_Prompts"}},
+        {"16", 16, "Node_DIR", {"Detail_DIR"}},
+        {"5", 5, "Node_General_Pool", {}}};  // no such type: nothing is copied
+    int number = 30;
+    for (const auto& [typeID, poolTypeID, nodeTable, details] : types) {
+        SCOPED_TRACE(typeID);
+        const std::string newNumber = std::to_string(++number);
+        const long long poolRows = Count("Node_General_Pool", "");
+        Open(1, 1, [&](form::GUI& gui) { Rules(gui).AutoCreateNode("0", newNumber, typeID); });
+        if (poolTypeID == 5) {
+            EXPECT_EQ(Count("Node_General_Pool", ""), poolRows);
+            continue;
+        }
+        EXPECT_EQ(Count(nodeTable, Where(1, "NodeNumber", number)), 1);
+        for (const std::string& detail : details) {
+            const long long copied = Count(detail, Where(1, "NodeMasterID", number));
+            EXPECT_GT(copied, 0) << detail;
+            EXPECT_EQ(copied, Count(detail, Where(1, "NodeMasterID", 0))) << detail;
+        }
+        const std::string pool = "SELECT NodeType || NodeDescription FROM Node_General_Pool" +
+                                 Where(1, "NodeTypeID", poolTypeID) + " AND NodeNumber = ";
+        EXPECT_EQ(root.QueryText(pool + newNumber), root.QueryText(pool + "0"));
+    }
+    EXPECT_EQ(root.QueryText("SELECT OrvFilename FROM Node_MSG" + Where(1, "NodeNumber", 31)),
+              "P01M031.wav");
 }
 
 }  // namespace

@@ -1,31 +1,40 @@
 #pragma once
 
 // Shared set-up of the session tests: a demo database, services that note the
-// form's state when it unloads, the editor opened through ShowNodeEditor, and
-// a bare form on which single loaders run.
+// form at unload and at each confirmation, the editor opened through
+// ShowNodeEditor, readers for what a save wrote, and a bare form for loaders.
 
 #include "fake_services.h"
 #include "temp_database.h"
 
 #include "form/gui.h"
 #include "session/business_rules.h"
+#include "session/component_registration.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace dbn::testing {
 
-class UnloadServices : public FakeServices {
+class SessionServices : public FakeServices {
 public:
     bool hookedAtUnload = true;
     std::string descriptionAtUnload;
+    std::vector<std::string> confirmTitles;
+    std::function<void()> onConfirm = [] {};
 
     void EndModal(form::GUI& form) override {
         FakeServices::EndModal(form);
         hookedAtUnload = form.ListViewsHooked();
         descriptionAtUnload = form.txtDescription.Text();
+    }
+    long Confirm(const std::string& text, const std::string& title) override {
+        confirmTitles.push_back(title);
+        onConfirm();
+        return FakeServices::Confirm(text, title);
     }
 };
 
@@ -52,21 +61,61 @@ inline std::string Entries(const form::ListControl& list) {
     return text;
 }
 
+// Writes the target cells of a row: shown text, code, type ID and number.
+inline void SetTarget(form::ListView& list, int position, const std::string& shown,
+                      const std::string& code, const std::string& typeID,
+                      const std::string& number) {
+    form::ListItem& row = list.ItemAt(position);
+    row.SetSubItem(2, shown);
+    row.SetSubItem(4, code);
+    row.SetSubItem(5, typeID);
+    row.SetSubItem(6, number);
+}
+
+// Writes lists and text fields by name, in order, as code does (a list selects
+// the entry of that text, raising its events): "name=text; name=text; ...".
+inline void Set(form::GUI& gui, const std::string& assignments) {
+    std::size_t start = 0;
+    while (start < assignments.size()) {
+        const std::size_t end = std::min(assignments.find("; ", start), assignments.size());
+        const std::string item = assignments.substr(start, end - start);
+        const std::size_t equals = item.find('=');
+        form::Control* control = gui.FindControl(item.substr(0, equals));
+        if (auto* list = dynamic_cast<form::ListControl*>(control)) {
+            list->SetText(item.substr(equals + 1));
+        } else {
+            dynamic_cast<form::TextField&>(*control).SetText(item.substr(equals + 1));
+        }
+        start = end + 2;
+    }
+}
+
+inline Business_Rules& Rules(form::GUI& gui) {
+    return dynamic_cast<Business_Rules&>(*gui.FormBusinessRules());
+}
+
 class SessionTest : public ::testing::Test {
 protected:
-    // Opens the editor on a node of configuration 1; `look` runs while the
-    // form shows, after which the form is closed without saving.
-    bool Open(int partition, int node, const std::function<void(form::GUI&)>& look = {}) {
+    SessionTest() { RegisterEditorComponents(services); }
+
+    // Opens a node of configuration 1; `look` runs while the form shows (not
+    // showing it is a failure then), after which a form still open is closed
+    // without saving.
+    void Open(int partition, int node, const std::function<void(form::GUI&)>& look = {}) {
+        bool shown = false;
         services.whileShown = [&](form::GUI& gui) {
+            shown = true;
             if (look) {
                 look(gui);
             }
-            gui.cmdApply.SetEnabled(false);
-            gui.Unload();
+            if (gui.IsLoaded()) {
+                gui.cmdApply.SetEnabled(false);
+                gui.Unload();
+            }
         };
-        Business_Rules editor(services);
-        return editor.ShowNodeEditor(1, static_cast<std::int16_t>(partition),
-                                     static_cast<std::int16_t>(node));
+        EXPECT_FALSE(Business_Rules(services).ShowNodeEditor(
+            1, static_cast<std::int16_t>(partition), static_cast<std::int16_t>(node)));
+        EXPECT_TRUE(shown || !look) << "node " << node << " was not shown";
     }
 
     // The selected index of a list after loading, for each stored change.
@@ -84,12 +133,35 @@ protected:
     }
 
     void SetNode(int partition, int node, const std::string& assignments) {
-        root.Exec("UPDATE Node_DBN SET " + assignments + " WHERE ConfigID = 1 AND PartID = " +
-                  std::to_string(partition) + " AND NodeNumber = " + std::to_string(node));
+        root.Exec("UPDATE Node_DBN SET " + assignments + Where(partition, "NodeNumber", node));
+    }
+
+    static std::string Where(int partition, const std::string& numberColumn, int number) {
+        return " WHERE ConfigID = 1 AND PartID = " + std::to_string(partition) + " AND " +
+               numberColumn + " = " + std::to_string(number);
+    }
+
+    std::string NodeColumn(const std::string& column, int partition, int node) {
+        return root.QueryText("SELECT " + column + " FROM Node_DBN" +
+                              Where(partition, "NodeNumber", node));
+    }
+
+    // Rows of a table, every column quoted and joined by ",", rows sorted.
+    std::string TableRows(const std::string& table, const std::string& where = "") {
+        const std::string row = root.QueryText(
+            "SELECT group_concat('quote(' || name || ')', ' || '','' || ') FROM "
+            "pragma_table_info('" +
+            table + "')");
+        return root.QueryText("SELECT group_concat(r, char(10)) FROM (SELECT " + row +
+                              " AS r FROM " + table + where + " ORDER BY r)");
+    }
+
+    long long Count(const std::string& table, const std::string& where) {
+        return root.QueryInt("SELECT count(*) FROM " + table + where);
     }
 
     TempDataRoot root{TempDataRoot::Content::Demo};
-    UnloadServices services;
+    SessionServices services;
 };
 
 // A form with its collections and keys and the session object working on it.

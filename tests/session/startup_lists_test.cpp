@@ -7,7 +7,7 @@ namespace {
 
 using StartupLists = SessionTest;
 
-TEST_F(StartupLists, LimitsWithoutARowFallBack) {
+TEST_F(StartupLists, LimitsFallBackAndAMissingMessageTypeStopsTheNamesAt817) {
     root.Exec("DELETE FROM Node_Type_Max WHERE PartitionID = 1 AND NodeType_ID <> 0");
     root.Exec("UPDATE Node_Type_Max SET Max_Number = 500 WHERE PartitionID = 1");
     BareForm form(services, 1);
@@ -16,25 +16,20 @@ TEST_F(StartupLists, LimitsWithoutARowFallBack) {
     EXPECT_EQ(limits.Item("0") + limits.Item("15") + " " + limits.Item("816") + " " +
                   limits.Item("817") + " " + limits.Item("818"),
               "5000 999 500 500");
-
     root.Exec("DELETE FROM Node_Type_Max");
     EXPECT_EQ(BareForm(services, 1).gui.MaxNodeNumberCollection().Item("818"), "0");
     EXPECT_TRUE(services.boxes.empty());
-}
 
-TEST_F(StartupLists, AMissingMessageTypeStopsAt817AndAnEmptyCatalogueLoadsNothing) {
     root.Exec("DELETE FROM SR_Node_Type_Names WHERE ID = 0");
     BareForm noMessages(services, 1);
     ASSERT_EQ(services.boxes.size(), 1u);
     EXPECT_NE(services.boxes[0].text.find(" - LoadNodeName "), std::string::npos);
     EXPECT_EQ(noMessages.gui.NodeNameCollection().Count(), 15);  // up to M_ON
     EXPECT_EQ(noMessages.gui.MaxNodeNumberCollection().Count(), 14);
-
     root.Exec("DELETE FROM SR_Node_Type_Names");
     EXPECT_EQ(BareForm(services, 1).gui.NodeNameCollection().Count(), 0);
     EXPECT_EQ(services.boxes.size(), 1u);
 }
-
 TEST_F(StartupLists, TypesWithoutNumbersAreHeldBackFromEveryListOfTheirSet) {
     root.Exec("UPDATE Node_Type_Max SET Max_Number = -1 WHERE PartitionID = 2 AND NodeType_ID = 3");
     BareForm form(services, 2);

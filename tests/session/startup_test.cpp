@@ -1,5 +1,5 @@
-// ShowNodeEditor: the selector's state, Apply, the missing node, the node 0
-// session, the hooks and the error path.
+// ShowNodeEditor: the selector's state, Apply, the hooks, missing nodes and the
+// error path.
 #include "session_support.h"
 
 #include "database/data_location.h"
@@ -10,21 +10,25 @@ namespace {
 TEST_F(SessionTest, OpensTheRequestedNodeWithTheSelectorOnItAndApplyDisabled) {
     root.Exec("UPDATE Node_DBN SET NodeNumber = NodeNumber * 4 - 1 WHERE NodeNumber > 0");
     bool hooked = false;
-    EXPECT_FALSE(Open(1, 3, [&](form::GUI& gui) {  // nodes 0, 3 and 7
+    Open(1, 3, [&](form::GUI& gui) {  // nodes 0, 3 and 7
         EXPECT_EQ(Entries(gui.cmbNode), "DBN 3(3) DBN 7(7)");
         EXPECT_EQ(gui.cmbNode.Text() + " " + gui.lblRecordPosition.Caption(), "DBN 3 1 of 2");
-        EXPECT_FALSE(gui.cmdFirst.Enabled() || gui.cmdPrevious.Enabled());
+        EXPECT_FALSE(gui.cmdFirst.Enabled() || gui.cmdPrevious.Enabled() || gui.cmdApply.Enabled());
         EXPECT_TRUE(gui.cmdNext.Enabled() && gui.cmdLast.Enabled());
-        EXPECT_FALSE(gui.cmdApply.Enabled());
         EXPECT_EQ(gui.txtDescription.Text(), "Staff directory");
         hooked = gui.ListViewsHooked();
-    }));
-    EXPECT_EQ(services.modalShows, 1);
+    });
     EXPECT_TRUE(hooked);
     EXPECT_FALSE(services.hookedAtUnload);
     EXPECT_TRUE(services.boxes.empty());
     EXPECT_EQ(services.busyDepth, 0);
 
+    Open(1, 3, [&](form::GUI& gui) {  // a node gone since: told, the form stays as it was
+        EXPECT_FALSE(gui.FormBusinessRules()->LoadData(42));
+        EXPECT_EQ(services.TakeBoxTexts(), std::vector<std::string>{"DBN 42 doesn't exist."});
+        EXPECT_EQ(gui.txtDescription.Text() + " " + std::to_string(gui.LVActions.ItemCount()),
+                  "Staff directory 5");
+    });
     Open(2, 19, [](form::GUI& gui) {  // the only node: all four buttons off
         EXPECT_FALSE(gui.cmdFirst.Enabled() || gui.cmdPrevious.Enabled() || gui.cmdNext.Enabled() ||
                      gui.cmdLast.Enabled());
@@ -32,31 +36,17 @@ TEST_F(SessionTest, OpensTheRequestedNodeWithTheSelectorOnItAndApplyDisabled) {
 }
 
 TEST_F(SessionTest, AMissingNodeIsReportedOnceAndNeverShown) {
-    EXPECT_FALSE(Open(1, 9));
+    Open(1, 9);
     EXPECT_EQ(services.modalShows, 0);
     EXPECT_EQ(services.TakeBoxTexts(), std::vector<std::string>{"DBN 9 doesn't exist."});
     EXPECT_FALSE(services.hookedAtUnload);
     // The selector fell back on its first entry, whose click loaded that node
     // without a save question.
     EXPECT_EQ(services.descriptionAtUnload, "Staff directory");
-}
 
-TEST_F(SessionTest, ANodeZeroSessionEditsTheTemplateAlone) {
-    Open(1, 0, [](form::GUI& gui) {
-        EXPECT_EQ(Entries(gui.cmbNode), "DBN 0(0) DBN 1(1) DBN 2(2)");
-        EXPECT_EQ(gui.txtDescription.Text(), "DBN template");
-        for (const form::Control* control : std::initializer_list<const form::Control*>{
-                 &gui.cmdFirst, &gui.cmdPrevious, &gui.cmbNode, &gui.lblRecordPosition,
-                 &gui.cmdNext, &gui.cmdLast}) {
-            EXPECT_FALSE(control->Visible()) << control->Name();
-        }
-    });
-    EXPECT_EQ(services.modalShows, 1);
-}
-
-TEST_F(SessionTest, AnUnreachableDatabaseIsReportedAndNothingIsShown) {
-    SetDataRootOverride(root.Root() + "/elsewhere");
-    EXPECT_FALSE(Open(1, 1));
+    SetDataRootOverride(root.Root() + "/elsewhere");  // no database at all
+    services.hookedAtUnload = true;
+    Open(1, 1);
     EXPECT_EQ(services.modalShows, 0);
     ASSERT_FALSE(services.boxes.empty());
     EXPECT_EQ(services.boxes.front().title, "Error");
