@@ -30,13 +30,9 @@
 
 namespace dbn::testing {
 
-inline QApplication& Application() {
-    static int argc = 1;
-    static char name[] = "test_qt";
-    static char* argv[] = {name, nullptr};
-    static QApplication application(argc, argv);
-    return application;
-}
+// The test program's one application, made on first use and ended before the
+// program exits (see qt_application.cpp).
+QApplication& Application();
 
 // A mouse press and release at a point of a widget.
 inline void ClickAt(QWidget& widget, QPoint point) {
