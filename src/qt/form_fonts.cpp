@@ -10,8 +10,10 @@ namespace {
 
 QFont BaseFont() {
     const QString family = QString::fromLatin1(form::GUI::kFontName);
+    // Only the answer is kept: a font object must not outlive the application.
+    static const bool installed = QFontDatabase::hasFamily(family);
     QFont font;
-    if (QFontDatabase::hasFamily(family)) {
+    if (installed) {
         font.setFamily(family);
     } else {
         // The platform's sans-serif, in its condensed cut where it has one:
@@ -27,8 +29,7 @@ QFont BaseFont() {
 }  // namespace
 
 QFont FormFont(form::FontStyle style) {
-    static const QFont base = BaseFont();
-    QFont font = base;
+    QFont font = BaseFont();
     font.setBold(style != form::FontStyle::Regular);
     font.setUnderline(style == form::FontStyle::BoldUnderlined);
     return font;
