@@ -22,7 +22,9 @@ namespace {
 template <class Widget>
 Widget& MakeWidget(QWidget& parent) {
     auto& widget = MakeChild<Widget>(parent);
-    widget.setFont(FormFont());
+    if (widget.font() != FormFont()) {
+        widget.setFont(FormFont());
+    }
     return widget;
 }
 
