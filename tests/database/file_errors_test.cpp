@@ -12,6 +12,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 
 namespace dbn {
 namespace {
@@ -19,73 +20,64 @@ namespace {
 namespace fs = std::filesystem;
 using testing::TempDataRoot;
 
-// The error the first command raises on the database of root.
+// The error an action raises; number 0 when it raises none.
+ComponentError ErrorOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const ComponentError& error) {
+        return error;
+    }
+    return ComponentError(0, "", "");
+}
+
+// The error the first command raises on the file at path.
 ComponentError FirstCommandError(const std::string& path,
                                  std::chrono::milliseconds timeout = std::chrono::seconds(30)) {
     DataBase db("Provider=SQLite;Data Source=" + path);
     db.SetBusyTimeout(timeout);
-    try {
-        db.Execute("Get_Node_Names");
-    } catch (const ComponentError& error) {
-        return error;
-    }
-    ADD_FAILURE() << "no error from " << path;
-    return ComponentError(0, "", "");
+    return ErrorOf([&] { db.Execute("Get_Node_Names"); });
 }
 
-void WriteFile(const fs::path& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+// Each error names the file, says what is wrong with it, and leaves it as it was.
+void ExpectError(const ComponentError& error, long number, const std::string& path,
+                 const std::string& why) {
+    EXPECT_EQ(error.Number(), number);
+    EXPECT_NE(error.Description().find(path), std::string::npos) << error.Description();
+    EXPECT_NE(error.Description().find(why), std::string::npos) << error.Description();
 }
 
-TEST(DatabaseFile, MissingFileIsNamedAndNotCreated) {
+TEST(DatabaseFile, FilesThatAreNoConfigurationDatabaseSaySo) {
     TempDataRoot root;
+    const std::string path = root.DatabasePath();
     const fs::path missing = fs::path(root.Root()) / "nowhere" / "NewDB.mdb";
-    const ComponentError error = FirstCommandError(missing.string());
-    EXPECT_EQ(error.Number(), kErrDatabaseMissing);
-    EXPECT_EQ(error.Source(), "SQLite");
-    EXPECT_NE(error.Description().find(missing.string()), std::string::npos);
-    EXPECT_NE(error.Description().find("does not exist"), std::string::npos);
-    EXPECT_FALSE(fs::exists(missing));
-    EXPECT_FALSE(fs::exists(missing.parent_path()));
+    ExpectError(FirstCommandError(missing.string()), kErrDatabaseMissing, missing.string(),
+                "does not exist");
+    EXPECT_EQ(FirstCommandError(missing.string()).Source(), "SQLite");
+    EXPECT_FALSE(fs::exists(missing.parent_path()));  // opening creates nothing
 
-    fs::remove(root.DatabasePath());
-    EXPECT_EQ(FirstCommandError(root.DatabasePath()).Number(), kErrDatabaseMissing);
-    EXPECT_FALSE(fs::exists(root.DatabasePath()));
-}
-
-TEST(DatabaseFile, AccessFilesMustBeConverted) {
-    TempDataRoot root;
-    for (const char* tag : {"Standard Jet DB", "Standard ACE DB"}) {
-        SCOPED_TRACE(tag);
-        WriteFile(root.DatabasePath(), std::string("\0\1\0\0", 4) + tag + std::string(200, '\0'));
-        const ComponentError error = FirstCommandError(root.DatabasePath());
-        EXPECT_EQ(error.Number(), kErrDatabaseIsAccessFile);
-        EXPECT_NE(error.Description().find("Access database file"), std::string::npos);
-        EXPECT_NE(error.Description().find("converted to the SQLite format"), std::string::npos);
-        EXPECT_NE(error.Description().find(root.DatabasePath()), std::string::npos);
+    const char* accessFile =
+        "is an Access database file; it must be converted to the SQLite format";
+    const struct {
+        std::string content;
+        long number;
+        const char* why;
+    } files[] = {
+        {std::string("\0\1\0\0Standard Jet DB", 19) + std::string(200, '\0'),
+         kErrDatabaseIsAccessFile, accessFile},
+        {std::string("\0\1\0\0Standard ACE DB", 19), kErrDatabaseIsAccessFile, accessFile},
+        {"just some text\n", kErrNotConfigurationDatabase, "is not a configuration database"},
+        {"", kErrNotConfigurationDatabase, "is not a configuration database"},
+        {"SQLite format 3", kErrNotConfigurationDatabase, "is not a configuration database"},
+    };
+    for (const auto& file : files) {
+        std::ofstream(path, std::ios::binary | std::ios::trunc) << file.content;
+        ExpectError(FirstCommandError(path), file.number, path, file.why);
     }
-}
-
-TEST(DatabaseFile, OtherFilesAreNotConfigurationDatabases) {
-    TempDataRoot root;
-    for (const std::string& content : {std::string("just some text\n"), std::string(),
-                                       std::string("SQLite format 3") /* cut short */}) {
-        WriteFile(root.DatabasePath(), content);
-        const ComponentError error = FirstCommandError(root.DatabasePath());
-        EXPECT_EQ(error.Number(), kErrNotConfigurationDatabase);
-        EXPECT_NE(error.Description().find("is not a configuration database"), std::string::npos);
-        EXPECT_NE(error.Description().find(root.DatabasePath()), std::string::npos);
-    }
-}
-
-TEST(DatabaseFile, FolderInPlaceOfTheFile) {
-    TempDataRoot root;
-    fs::remove(root.DatabasePath());
-    fs::create_directory(root.DatabasePath());
-    const ComponentError error = FirstCommandError(root.DatabasePath());
-    EXPECT_EQ(error.Number(), kErrDatabaseIsDirectory);
-    EXPECT_NE(error.Description().find("is a folder"), std::string::npos);
-    EXPECT_NE(error.Description().find(root.DatabasePath()), std::string::npos);
+    fs::remove(path);
+    EXPECT_EQ(FirstCommandError(path).Number(), kErrDatabaseMissing);
+    EXPECT_FALSE(fs::exists(path));
+    fs::create_directory(path);
+    ExpectError(FirstCommandError(path), kErrDatabaseIsDirectory, path, "is a folder");
 }
 
 TEST(DatabaseFile, LockedByAnotherProgramAfterTheTimeOut) {
@@ -93,22 +85,13 @@ TEST(DatabaseFile, LockedByAnotherProgramAfterTheTimeOut) {
     sqlite3* other = nullptr;
     ASSERT_EQ(sqlite3_open(root.DatabasePath().c_str(), &other), SQLITE_OK);
     ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
-
-    const ComponentError error =
-        FirstCommandError(root.DatabasePath(), std::chrono::milliseconds(20));
-    EXPECT_EQ(error.Number(), kErrDatabaseLocked);
-    EXPECT_NE(error.Description().find("locked by another program"), std::string::npos);
-    EXPECT_NE(error.Description().find(root.DatabasePath()), std::string::npos);
+    ExpectError(FirstCommandError(root.DatabasePath(), std::chrono::milliseconds(20)),
+                kErrDatabaseLocked, root.DatabasePath(), "locked by another program");
 
     // A save's transaction waits for the writer the same way.
     DataBase db;
     db.SetBusyTimeout(std::chrono::milliseconds(20));
-    try {
-        db.BeginTrans();
-        ADD_FAILURE() << "BeginTrans went through a held lock";
-    } catch (const ComponentError& beginError) {
-        EXPECT_EQ(beginError.Number(), kErrDatabaseLocked);
-    }
+    EXPECT_EQ(ErrorOf([&] { db.BeginTrans(); }).Number(), kErrDatabaseLocked);
     EXPECT_FALSE(db.InTransaction());
 
     sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
@@ -118,24 +101,20 @@ TEST(DatabaseFile, LockedByAnotherProgramAfterTheTimeOut) {
 
 TEST(DatabaseFile, ReadOnlyFileCannotBeWritten) {
     TempDataRoot root(TempDataRoot::Content::Demo);
+    const fs::path folder = fs::path(root.DatabasePath()).parent_path();
     fs::permissions(root.DatabasePath(), fs::perms::owner_read | fs::perms::group_read);
-    fs::permissions(fs::path(root.DatabasePath()).parent_path(),
-                    fs::perms::owner_read | fs::perms::owner_exec);
+    fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec);
     if (::access(root.DatabasePath().c_str(), W_OK) == 0) {
-        fs::permissions(fs::path(root.DatabasePath()).parent_path(), fs::perms::owner_all);
+        fs::permissions(folder, fs::perms::owner_all);
         GTEST_SKIP() << "this user may write read-only files";
     }
     DataBase db;
     EXPECT_EQ(db.Execute("Get_Node_Names"), 18);  // reading still works
-    try {
-        db.Execute("Update_Node_General_Pool", {"x", "y", "1", "1", "0", "1"});
-        ADD_FAILURE() << "a read-only database was written";
-    } catch (const ComponentError& error) {
-        EXPECT_EQ(error.Number(), kErrDatabaseReadOnly);
-        EXPECT_NE(error.Description().find("cannot be written"), std::string::npos);
-        EXPECT_NE(error.Description().find(root.DatabasePath()), std::string::npos);
-    }
-    fs::permissions(fs::path(root.DatabasePath()).parent_path(), fs::perms::owner_all);
+    ExpectError(ErrorOf([&] {
+                    db.Execute("Update_Node_General_Pool", {"x", "y", "1", "1", "0", "1"});
+                }),
+                kErrDatabaseReadOnly, root.DatabasePath(), "cannot be written");
+    fs::permissions(folder, fs::perms::owner_all);
 }
 
 }  // namespace
