@@ -164,6 +164,9 @@ long DataBase::Execute(std::string_view commandName, const std::vector<std::stri
                           static_cast<int>(args[i].size()), SQLITE_TRANSIENT);
     }
     ++executed_;
+    if (observer_) {
+        observer_({DataBaseStep::Execute, command.name, &args, {}});
+    }
 
     std::vector<std::vector<FieldValue>> rows;
     const int columnCount = sqlite3_column_count(statement);
@@ -211,21 +214,38 @@ RowSet& DataBase::Recordset(std::string_view commandName) {
         found = impl_->rowSets
                     .emplace(std::string(commandName), RowSet("rs" + std::string(commandName)))
                     .first;
+        found->second.SetObserver(&observer_);
     }
     return found->second;
+}
+
+void DataBase::SetObserver(DataBaseObserver observer) {
+    observer_ = std::move(observer);
+    for (auto& [name, rowSet] : impl_->rowSets) {
+        rowSet.SetObserver(&observer_);
+    }
+}
+
+void DataBase::Notify(DataBaseStep step) {
+    if (observer_) {
+        observer_({step, {}, nullptr, {}});
+    }
 }
 
 void DataBase::BeginTrans() {
     // IMMEDIATE takes the write lock at once, waiting up to the busy time-out
     // for another writer, so a save never fails half way for want of a lock.
+    Notify(DataBaseStep::BeginTrans);
     impl_->RunSql(Connection(), "BEGIN IMMEDIATE", "BeginTrans");
 }
 
 void DataBase::CommitTrans() {
+    Notify(DataBaseStep::CommitTrans);
     impl_->RunSql(Connection(), "COMMIT", "CommitTrans");
 }
 
 void DataBase::RollbackTrans() {
+    Notify(DataBaseStep::RollbackTrans);
     impl_->RunSql(Connection(), "ROLLBACK", "RollbackTrans");
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "database/database_observer.h"
 #include "database/row_set.h"
 
 #include <chrono>
@@ -48,14 +49,20 @@ public:
     // Number of commands executed through this object (for measurements).
     long ExecutedCount() const noexcept { return executed_; }
 
+    // Reports every command, row-set read and transaction step to observer
+    // until it is replaced; an empty observer stops the reports.
+    void SetObserver(DataBaseObserver observer);
+
 private:
     struct Impl;
     sqlite3* Connection();
+    void Notify(DataBaseStep step);
 
     std::string connectionString_;
     std::chrono::milliseconds busyTimeout_{30000};
     std::unique_ptr<Impl> impl_;
     long executed_ = 0;
+    DataBaseObserver observer_;
 };
 
 } // namespace dbn

@@ -20,14 +20,27 @@ bool SameColumnName(std::string_view a, std::string_view b) {
 
 RowSet::RowSet(std::string name) : name_(std::move(name)) {}
 
-bool RowSet::Eof() const {
+void RowSet::Notify(DataBaseStep step, std::string_view column) const {
+    if (observer_ != nullptr && *observer_) {
+        // The row set's name is "rs" + the command's name.
+        (*observer_)({step, std::string_view(name_).substr(2), nullptr, column});
+    }
+}
+
+bool RowSet::AtEnd() const {
     if (!open_) {
         RaiseDatabaseError(kErrObjectClosed, kMsgObjectClosed);
     }
     return position_ >= rows_.size();
 }
 
+bool RowSet::Eof() const {
+    Notify(DataBaseStep::Eof);
+    return AtEnd();
+}
+
 FieldValue RowSet::Field(std::string_view column) const {
+    Notify(DataBaseStep::Field, column);
     if (!open_) {
         RaiseDatabaseError(kErrObjectClosed, kMsgObjectClosed);
     }
@@ -45,13 +58,15 @@ FieldValue RowSet::Field(std::string_view column) const {
 }
 
 void RowSet::MoveNext() {
-    if (Eof()) {
+    Notify(DataBaseStep::MoveNext);
+    if (AtEnd()) {
         RaiseDatabaseError(kErrNoCurrentRow, kMsgNoCurrentRow);
     }
     ++position_;
 }
 
 void RowSet::MoveLast() {
+    Notify(DataBaseStep::MoveLast);
     if (!open_) {
         RaiseDatabaseError(kErrObjectClosed, kMsgObjectClosed);
     }
@@ -64,6 +79,7 @@ void RowSet::MoveLast() {
 // Closing a closed row set does nothing, so that clean-up paths may close
 // unconditionally.
 void RowSet::Close() {
+    Notify(DataBaseStep::Close);
     open_ = false;
     columns_.clear();
     rows_.clear();

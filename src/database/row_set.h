@@ -1,5 +1,6 @@
 #pragma once
 
+#include "database/database_observer.h"
 #include "database/field_value.h"
 
 #include <string>
@@ -29,9 +30,15 @@ public:
 
     // Used by DataBase when a command has run.
     void Open(std::vector<std::string> columns, std::vector<std::vector<FieldValue>> rows);
+    // Used by DataBase: reads are reported to observer while it is set.
+    void SetObserver(const DataBaseObserver* observer) noexcept { observer_ = observer; }
 
 private:
+    bool AtEnd() const;
+    void Notify(DataBaseStep step, std::string_view column = {}) const;
+
     std::string name_;
+    const DataBaseObserver* observer_ = nullptr;
     bool open_ = false;
     std::vector<std::string> columns_;
     std::vector<std::vector<FieldValue>> rows_;
