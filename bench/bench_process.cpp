@@ -1,0 +1,127 @@
+// Whole processes: the editor's window shown and captured offscreen beside an
+// empty dialog of the same size, and the peak memory of a scripted run that
+// opens the large partition.
+#include "support/bench_data.h"
+#include "support/child_process.h"
+#include "support/editor_run.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <exception>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+namespace dbn::bench {
+namespace {
+
+const ChildOptions kOffscreen{{"QT_QPA_PLATFORM=offscreen"}, {}};
+
+std::string InRoot(const std::string& name) {
+    return DemoRoot().Root() + "/" + name;
+}
+
+// Width and height of a PNG file (from its header chunk).
+std::pair<std::uint32_t, std::uint32_t> PngSize(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    unsigned char header[24] = {};
+    if (!file.read(reinterpret_cast<char*>(header), sizeof header) || header[1] != 'P' ||
+        header[12] != 'I') {
+        throw std::runtime_error("no PNG picture in " + path);
+    }
+    auto word = [&header](int at) {
+        return std::uint32_t{header[at]} << 24 | std::uint32_t{header[at + 1]} << 16 |
+               std::uint32_t{header[at + 2]} << 8 | std::uint32_t{header[at + 3]};
+    };
+    return {word(16), word(20)};
+}
+
+std::vector<std::string> EditCommand() {
+    return {DBN_EDITOR_PATH,
+            "edit",
+            "--data-root",
+            DemoRoot().Root(),
+            "--screenshot",
+            InRoot("editor.png"),
+            "1",
+            "1",
+            "1"};
+}
+
+ChildRun RunOrThrow(const std::vector<std::string>& argv, const ChildOptions& options) {
+    const ChildRun run = RunChild(argv, options);
+    if (run.exitStatus != 0) {
+        throw std::runtime_error(argv[0] + " ended with status " + std::to_string(run.exitStatus));
+    }
+    return run;
+}
+
+void TimeRuns(benchmark::State& state, const std::vector<std::string>& argv) {
+    RunOrThrow(argv, kOffscreen);  // loads the program and its libraries into the cache
+    long peak = 0;
+    for (auto _ : state) {
+        const ChildRun run = RunOrThrow(argv, kOffscreen);
+        state.SetIterationTime(Seconds(run.wallTime));
+        peak = std::max(peak, run.peakResidentKiB);
+    }
+    state.counters["peak_kib"] = static_cast<double>(peak);
+}
+
+void Window(benchmark::State& state) {
+    try {
+        TimeRuns(state, EditCommand());
+    } catch (const std::exception& error) {
+        state.SkipWithError(error.what());
+    }
+}
+
+void WindowFloor(benchmark::State& state) {
+    try {
+        RunOrThrow(EditCommand(), kOffscreen);
+        const auto [width, height] = PngSize(InRoot("editor.png"));
+        TimeRuns(state, {DBN_EMPTY_DIALOG_PATH, std::to_string(width), std::to_string(height),
+                         InRoot("empty.png")});
+        const auto [floorWidth, floorHeight] = PngSize(InRoot("empty.png"));
+        if (floorWidth != width || floorHeight != height) {
+            throw std::runtime_error("the empty dialog is not the size of the editor");
+        }
+    } catch (const std::exception& error) {
+        state.SkipWithError(error.what());
+    }
+}
+
+// `play` opening one node and closing it again; peak memory over the runs.
+void PlayMemory(benchmark::State& state, BenchDataRoot& (*root)(), std::int16_t partition) {
+    try {
+        const std::string script = root().Root() + "/open.play";
+        std::ofstream(script) << "open 1 " << partition << " 1\nclose\n";
+        TimeRuns(state, {DBN_EDITOR_PATH, "play", "--data-root", root().Root(), script});
+    } catch (const std::exception& error) {
+        state.SkipWithError(error.what());
+    }
+}
+
+void Register(const char* name, const std::function<void(benchmark::State&)>& measure) {
+    benchmark::RegisterBenchmark(name, measure)
+        ->UseManualTime()
+        ->Unit(benchmark::kMillisecond)
+        ->Iterations(10);
+}
+
+}  // namespace
+}  // namespace dbn::bench
+
+int main(int argc, char** argv) {
+    using namespace dbn::bench;
+    Register("window/demo", Window);
+    Register("window/demo/floor", WindowFloor);
+    Register("memory/play-large",
+             [](benchmark::State& s) { PlayMemory(s, LargeRoot, kLargePartition); });
+    Register("memory/play-demo", [](benchmark::State& s) { PlayMemory(s, DemoRoot, 1); });
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
