@@ -1,13 +1,16 @@
 #pragma once
 
-// A loaded editor form over FakeServices, filled the way an editing session
-// fills it: the collections with a small node-type catalogue, the node-type
-// pickers, the fixed choice lists, the record selector (nodes 3, 5, 7, showing
-// 5), the default actions and a node shown with Apply disabled. The form's own
-// session object is a fake that records loads and saves.
+// Shared by the form tests: error and event checks for the control model,
+// whole-row access to the list views, and a loaded editor form over
+// FakeServices, filled the way an editing session fills it (a small node-type
+// catalogue, the pickers, the fixed lists, the record selector showing DBN 5
+// of 3, 5, 7, the default actions, Apply disabled). The form's session object
+// is a fake that records loads and saves.
 
+#include "core/component_error.h"
 #include "fake_services.h"
 #include "form/business_rules_link.h"
+#include "form/controls/operator_input.h"
 #include "form/gui.h"
 
 #include <gtest/gtest.h>
@@ -15,17 +18,77 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace dbn::testing {
+
+namespace input = form::operator_input;
+using Texts = std::vector<std::string>;
+
+// Succeeds when action raises the component's error number with description.
+template <typename Action>
+::testing::AssertionResult RaisesError(Action&& action, long number, const std::string& text) {
+    try {
+        action();
+    } catch (const ComponentError& error) {
+        if (error.Number() == number && error.Description() == text &&
+            error.Source() == kComponentSource) {
+            return ::testing::AssertionSuccess();
+        }
+        return ::testing::AssertionFailure() << "raised " << error.Number() << " " << error.what();
+    }
+    return ::testing::AssertionFailure() << "raised nothing";
+}
+
+struct EventCount {
+    int count = 0;
+    std::function<void()> Handler() {
+        return [this] { ++count; };
+    }
+};
+
+// The aspects a control reports, in order.
+struct ChangeLog {
+    explicit ChangeLog(form::Control& control) {
+        control.Observe([this](form::Control&, form::ChangeAspect a) { aspects.push_back(a); });
+    }
+    std::vector<form::ChangeAspect> aspects;
+};
+
+// A row as "key:text|name|command|label|code|type|number".
+inline std::string Cells(const form::ListItem& row) {
+    std::string cells = row.Key() + ":" + row.Text();
+    for (int index = 1; index <= 6; ++index) {
+        cells += "|" + row.SubItem(index);
+    }
+    return cells;
+}
+
+inline Texts AllCells(const form::ListView& list) {
+    Texts rows;
+    for (int position = 0; position < list.ItemCount(); ++position) {
+        rows.push_back(Cells(list.ItemAt(position)));
+    }
+    return rows;
+}
+
+// Writes the target cells from "command|label|code|type|number".
+inline void SetTarget(form::ListItem& row, const std::string& cells) {
+    std::istringstream in(cells);
+    std::string cell;
+    for (int index = 2; index <= 6 && std::getline(in, cell, '|'); ++index) {
+        row.SetSubItem(index, cell);
+    }
+}
 
 // What the form asked of its session object; outlives the object itself.
 struct LinkLog {
     std::vector<std::int16_t> loads;
     std::vector<std::int16_t> saves;
-    // Answers whether a save committed (true unless a test says otherwise).
-    std::function<bool(std::int16_t)> onSave = [](std::int16_t) { return true; };
+    bool saveCommits = true;
     int released = 0;
 };
 
@@ -39,27 +102,12 @@ public:
     }
     bool SaveChanges(std::int16_t nodeNumber) override {
         log_.saves.push_back(nodeNumber);
-        return log_.onSave(nodeNumber);
+        return log_.saveCommits;
     }
 
 private:
     LinkLog& log_;
 };
-
-// The catalogue: type ID, code, highest number (limit 0: not available).
-struct CatalogueType {
-    int id;
-    const char* code;
-    int highest;
-};
-inline const std::vector<CatalogueType> kCatalogue = {
-    {0, "MSG", 20}, {4, "XFER", 12}, {8, "LIST", 5},   {12, "PAAS", 0},
-    {15, "DBN", 9}, {16, "DIR", 99}, {814, "NOOP", 0}, {817, "M_ON", 20},
-};
-// Types the prompt pickers and the instruction pickers offer (PAAS is held
-// back in both, as its limit is 0).
-inline const std::vector<int> kPromptTypes = {0, 8, 12, 814};
-inline const std::vector<int> kInstructionTypes = {0, 4, 8, 12, 15, 814, 817};
 
 class FormFixture : public ::testing::Test {
 protected:
@@ -76,120 +124,87 @@ protected:
         gui.SetnodeNumber(5);
         gui.ResetConfirmationListView();
         gui.ResetActionsListView();
-        FillCatalogue();
-        FillPickers(kPromptTypes,
+        // Type ID, code, highest number; PAAS (limit 0) is not available.
+        for (auto [id, code, highest] : {std::tuple{0, "MSG", 20},
+                                         {4, "XFER", 12},
+                                         {8, "LIST", 5},
+                                         {12, "PAAS", 0},
+                                         {15, "DBN", 9},
+                                         {16, "DIR", 99},
+                                         {814, "NOOP", 0},
+                                         {817, "M_ON", 20}}) {
+            gui.NodeNameCollection().Add(code, std::to_string(id));
+            gui.MaxNodeNumberCollection().Add(std::to_string(highest), std::to_string(id));
+        }
+        gui.NotAvailableMSGLISTNOOPNode().Add("PAAS", "12");
+        gui.NotAvailableAllInstructionsNode().Add("PAAS", "12");
+        FillPickers({{"MSG", 0}, {"LIST", 8}, {"NOOP", 814}},
                     {&gui.cmbGreetingNode, &gui.cmbFirstMatchPrompt, &gui.cmbSecondMatchPrompt,
                      &gui.cmbConfirmNode, &gui.cmbExitPromptNode});
-        FillPickers(kInstructionTypes,
-                    {&gui.cmbTimeoutNode, &gui.cmbInvalidNode, &gui.cmbAbortNode, &gui.cmbStarNode,
-                     &gui.cmbPoundNode, &gui.cmbZeroNode, &gui.cmbValidMatchNode});
-        FillFixedLists();
-        FillRecordSelector();
-        ShowNode();
+        FillPickers(
+            {{"MSG", 0}, {"XFER", 4}, {"LIST", 8}, {"DBN", 15}, {"NOOP", 814}, {"M_ON", 817}},
+            {&gui.cmbTimeoutNode, &gui.cmbInvalidNode, &gui.cmbAbortNode, &gui.cmbStarNode,
+             &gui.cmbPoundNode, &gui.cmbZeroNode, &gui.cmbValidMatchNode});
+        // Numbers 1 to last, and the entry selected.
+        for (auto [list, last, index] : {std::tuple{&gui.cmbDirectory, 99, 0},
+                                         {&gui.cmbFirstMinDigits, 9, 2},
+                                         {&gui.cmbFirstMaxDigits, 9, 4},
+                                         {&gui.cmbSecondMinDigits, 9, 2},
+                                         {&gui.cmbSecondMaxDigits, 9, 4},
+                                         {&gui.cmbMaxMatches, 9, 4},
+                                         {&gui.cmbRetryLimit, 5, 0},
+                                         {&gui.cmbSelTimeOut, 60, 4},
+                                         {&gui.cmbDigitTimeOut, 15, 9}}) {
+            for (int n = 1; n <= last; ++n) {
+                list->AddItem(std::to_string(n));
+            }
+            list->SetListIndex(index);
+        }
+        const Tagged languages = {{"None", 0}, {"English", 1}, {"French", 2}};
+        const Tagged noYes = {{"No", 0}, {"Yes", 1}};
+        Fill(gui.cmbMethod, {{"Custom", 0}, {"Default Last Name", 1}}, 0);
+        Fill(gui.cmbfirstMatch,
+             {{"Last Name", 1}, {"First Name", 2}, {"Both Names", 3}, {"Extension", 4}}, 0);
+        Fill(gui.cmbsecondMatch, {{"None", 0}, {"Last Name", 1}, {"First Name", 2}}, 0);
+        Fill(gui.cmbLanguage1, languages, 1);
+        Fill(gui.cmbLanguage2, languages, 0);
+        Fill(gui.cmbConfirmation, noYes, 1);
+        Fill(gui.cmbPlayName, noYes, 1);
+        Fill(gui.cmbNode, {{"DBN 3", 3}, {"DBN 5", 5}, {"DBN 7", 7}}, 1);
+        // The node on show: greeting and the other prompts MSG 1, default actions.
+        gui.txtDescription.SetText("Main directory");
+        for (form::ListControl* node :
+             {&gui.cmbGreetingNode, &gui.cmbTimeoutNode, &gui.cmbInvalidNode,
+              &gui.cmbFirstMatchPrompt, &gui.cmbExitPromptNode}) {
+            node->SetText("MSG");
+        }
+        gui.cmdActionsDefault_Click();
         gui.cmdApply.SetEnabled(false);
         services.boxes.clear();
-    }
-
-    // Numbers "1" .. "last" as entries with tag 0.
-    static void AddNumbers(form::ListControl& list, int last) {
-        for (int n = 1; n <= last; ++n) {
-            list.AddItem(std::to_string(n));
-        }
-    }
-
-    // Entries with their tags.
-    static void AddTagged(form::ListControl& list,
-                          const std::vector<std::pair<const char*, int>>& entries) {
-        for (const auto& [text, tag] : entries) {
-            list.AddItem(text);
-            list.SetItemData(list.NewIndex(), tag);
-        }
     }
 
     // Marks the node as changed, as an operator's edit would.
     void MakeDirty() { gui.txtDescription.SetText(gui.txtDescription.Text() + "x"); }
 
 private:
-    void FillCatalogue() {
-        for (const CatalogueType& type : kCatalogue) {
-            const std::string key = std::to_string(type.id);
-            gui.NodeNameCollection().Add(type.code, key);
-            gui.MaxNodeNumberCollection().Add(std::to_string(type.highest), key);
-            if (type.highest == 0 && type.id != 814) {
-                gui.NotAvailableMSGLISTNOOPNode().Add(type.code, key);
-                gui.NotAvailableAllInstructionsNode().Add(type.code, key);
-            }
+    using Tagged = std::vector<std::pair<const char*, int>>;
+
+    static void Fill(form::ListControl& list, const Tagged& entries, int index) {
+        for (const auto& [text, tag] : entries) {
+            list.AddItem(text);
+            list.SetItemData(list.NewIndex(), tag);
         }
+        list.SetListIndex(index);
     }
 
-    void FillPickers(const std::vector<int>& types, std::vector<form::ListControl*> pickers) {
+    static void FillPickers(const Tagged& types, std::vector<form::ListControl*> pickers) {
         for (form::ListControl* picker : pickers) {
             picker->Clear();
-        }
-        for (int id : types) {
-            if (gui.NotAvailableAllInstructionsNode().Contains(std::to_string(id))) {
-                continue;
-            }
-            for (form::ListControl* picker : pickers) {
-                picker->AddItem(gui.NodeNameCollection().Item(std::to_string(id)));
+            for (const auto& [code, id] : types) {
+                picker->AddItem(code);
                 picker->SetItemData(picker->NewIndex(), id);
             }
         }
-    }
-
-    void FillFixedLists() {
-        AddNumbers(gui.cmbDirectory, 99);
-        gui.cmbDirectory.SetListIndex(0);
-        for (form::ListControl* list :
-             {&gui.cmbFirstMinDigits, &gui.cmbFirstMaxDigits, &gui.cmbSecondMinDigits,
-              &gui.cmbSecondMaxDigits, &gui.cmbMaxMatches}) {
-            AddNumbers(*list, 9);
-        }
-        gui.cmbFirstMinDigits.SetListIndex(2);
-        gui.cmbFirstMaxDigits.SetListIndex(4);
-        gui.cmbSecondMinDigits.SetListIndex(2);
-        gui.cmbSecondMaxDigits.SetListIndex(4);
-        gui.cmbMaxMatches.SetListIndex(4);
-        AddNumbers(gui.cmbRetryLimit, 5);
-        gui.cmbRetryLimit.SetListIndex(0);
-        AddNumbers(gui.cmbSelTimeOut, 60);
-        gui.cmbSelTimeOut.SetListIndex(4);
-        AddNumbers(gui.cmbDigitTimeOut, 15);
-        gui.cmbDigitTimeOut.SetListIndex(9);
-        AddTagged(gui.cmbMethod, {{"Custom", 0}, {"Default Last Name", 1}});
-        AddTagged(gui.cmbfirstMatch,
-                  {{"Last Name", 1}, {"First Name", 2}, {"Both Names", 3}, {"Extension", 4}});
-        gui.cmbfirstMatch.SetListIndex(0);
-        AddTagged(gui.cmbsecondMatch, {{"None", 0}, {"Last Name", 1}, {"First Name", 2}});
-        gui.cmbsecondMatch.SetListIndex(0);
-        AddTagged(gui.cmbLanguage1, {{"None", 0}, {"English", 1}, {"French", 2}});
-        gui.cmbLanguage1.SetListIndex(1);
-        AddTagged(gui.cmbLanguage2, {{"None", 0}, {"English", 1}, {"French", 2}});
-        gui.cmbLanguage2.SetListIndex(0);
-        AddTagged(gui.cmbConfirmation, {{"No", 0}, {"Yes", 1}});
-        gui.cmbConfirmation.SetListIndex(1);
-        AddTagged(gui.cmbPlayName, {{"No", 0}, {"Yes", 1}});
-        gui.cmbPlayName.SetListIndex(1);
-    }
-
-    void FillRecordSelector() {
-        for (int number : {3, 5, 7}) {
-            gui.cmbNode.AddItem("DBN " + std::to_string(number));
-            gui.cmbNode.SetItemData(gui.cmbNode.NewIndex(), number);
-        }
-        gui.cmbNode.SetListIndex(1);
-    }
-
-    // A node on show: custom method, greeting MSG 1, default actions.
-    void ShowNode() {
-        gui.txtDescription.SetText("Main directory");
-        gui.cmbMethod.SetListIndex(0);
-        gui.cmbGreetingNode.SetText("MSG");
-        gui.cmbTimeoutNode.SetText("MSG");
-        gui.cmbInvalidNode.SetText("MSG");
-        gui.cmbFirstMatchPrompt.SetText("MSG");
-        gui.cmbExitPromptNode.SetText("MSG");
-        gui.cmdActionsDefault_Click();
     }
 };
 

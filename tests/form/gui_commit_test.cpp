@@ -1,17 +1,13 @@
-// OK, Cancel and Apply, the save question, and moving between nodes.
+// Load and unload, OK, Cancel and Apply, the save question, and moving
+// between nodes.
 
 #include "form_fixture.h"
 
 #include "core/component_factory.h"
-#include "form/controls/operator_input.h"
 #include "form/text_validator.h"
-
-#include <gtest/gtest.h>
 
 namespace dbn::testing {
 namespace {
-
-namespace input = form::operator_input;
 
 const std::string kLabelRefused =
     "Double quotes and continuous single quotes are not allowed in the Label field";
@@ -21,6 +17,34 @@ protected:
     bool Closed() const { return !gui.IsLoaded() && services.endModals == 1; }
     void RefusedLabel() { gui.txtDescription.SetText("Say \"hi\""); }
 };
+
+TEST_F(GuiCommit, LoadPreparesTheFormAndUnloadAsksThenReleasesIt) {
+    EXPECT_NE(gui.FormBusinessRules(), nullptr);
+    EXPECT_FALSE(gui.StatusBar1.Visible());
+    EXPECT_EQ(gui.StatusBar1.PanelWidth(), 10415);
+    EXPECT_TRUE(gui.ListViewsHooked());
+
+    MakeDirty();
+    services.answers = {form::kAnswerCancel, form::kAnswerNo};
+    EXPECT_FALSE(gui.Unload());
+    EXPECT_TRUE(gui.IsLoaded());
+    EXPECT_NE(gui.FormBusinessRules(), nullptr);
+    EXPECT_TRUE(gui.ListViewsHooked());
+    EXPECT_EQ(services.endModals, 0);
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+
+    std::vector<form::FormChange> changes;
+    gui.Observe([&](form::FormChange change) { changes.push_back(change); });
+    EXPECT_TRUE(gui.Unload());
+    EXPECT_TRUE(Closed());
+    EXPECT_EQ(gui.FormBusinessRules(), nullptr);
+    EXPECT_EQ(link.released, 1);
+    EXPECT_FALSE(gui.ListViewsHooked());
+    EXPECT_EQ(gui.Focus().Focused(), nullptr);
+    EXPECT_EQ(changes, std::vector<form::FormChange>{form::FormChange::Unloaded});
+    EXPECT_EQ(services.boxes.size(), 2U);
+    EXPECT_TRUE(link.saves.empty());
+}
 
 TEST_F(GuiCommit, OkWithoutChangesClosesWithoutSavingOrAsking) {
     ASSERT_TRUE(input::Press(gui.cmdOK));
@@ -41,7 +65,7 @@ TEST_F(GuiCommit, OkStaysOpenWhenTheSaveDoesNotHappen) {
     // A refused label: told, handed back selected, nothing saved.
     RefusedLabel();
     input::Press(gui.cmdOK);
-    EXPECT_EQ(services.TakeBoxTexts(), std::vector<std::string>{kLabelRefused});
+    EXPECT_EQ(services.TakeBoxTexts(), Texts{kLabelRefused});
     EXPECT_TRUE(gui.IsLoaded());
     EXPECT_TRUE(gui.cmdApply.Enabled());
     EXPECT_TRUE(link.saves.empty());
@@ -51,14 +75,14 @@ TEST_F(GuiCommit, OkStaysOpenWhenTheSaveDoesNotHappen) {
 
     // A save that does not commit.
     gui.txtDescription.SetText("Fine");
-    link.onSave = [](std::int16_t) { return false; };
+    link.saveCommits = false;
     input::Press(gui.cmdOK);
     EXPECT_EQ(link.saves.size(), 1U);
     EXPECT_TRUE(gui.IsLoaded());
     EXPECT_TRUE(gui.cmdApply.Enabled());
 
     // Search settings that do not pass the check.
-    link.onSave = [](std::int16_t) { return true; };
+    link.saveCommits = true;
     gui.cmbsecondMatch.SetListIndex(1);
     input::Press(gui.cmdOK);
     EXPECT_EQ(services.boxes.size(), 1U);
@@ -75,23 +99,29 @@ TEST_F(GuiCommit, ApplySavesOnceAndEndsTheEditModes) {
     EXPECT_EQ(link.saves, std::vector<std::int16_t>{5});
     EXPECT_FALSE(gui.cmdApply.Enabled());
     EXPECT_TRUE(gui.IsLoaded());
-}
 
-TEST_F(GuiCommit, ApplyReportsAMissingValidatorThroughItsTrap) {
+    // A missing label validator is reported through the trap.
     UnregisterComponent(form::kTextValidatorClass);
     MakeDirty();
     gui.cmdApply_Click();
     form::RegisterTextValidator();
     EXPECT_EQ(services.TakeBoxTexts(),
-              std::vector<std::string>{
-                  "Source: CVL_DBN_Node - cmdApply_Click \r\nDescription: Can't create object: "
-                  "CVL_Validate_TEXTField.Business_Rules"});
+              Texts{"Source: CVL_DBN_Node - cmdApply_Click \r\nDescription: Can't create object: "
+                    "CVL_Validate_TEXTField.Business_Rules"});
     EXPECT_TRUE(gui.cmdApply.Enabled());
-    EXPECT_TRUE(link.saves.empty());
+    EXPECT_EQ(link.saves.size(), 1U);
 }
 
-TEST_F(GuiCommit, CancelAsksWhenChangedAndFollowsTheAnswer) {
-    MakeDirty();
+TEST_F(GuiCommit, CancelChecksFirstThenAsksWhenChanged) {
+    // The checks block Cancel even without changes.
+    gui.cmbMethod.SetListIndex(1);
+    gui.cmbLanguage1.SetListIndex(0);
+    gui.cmdApply.SetEnabled(false);
+    input::Press(gui.cmdCancel);
+    EXPECT_EQ(services.TakeBoxTexts(), Texts{"Please select a language in Language 1"});
+    EXPECT_TRUE(gui.IsLoaded());
+
+    gui.cmbLanguage1.SetListIndex(1);
     services.answers = {form::kAnswerCancel};
     input::Press(gui.cmdCancel);
     ASSERT_EQ(services.boxes.size(), 1U);
@@ -106,16 +136,6 @@ TEST_F(GuiCommit, CancelAsksWhenChangedAndFollowsTheAnswer) {
     input::Press(gui.cmdCancel);
     EXPECT_TRUE(Closed());
     EXPECT_EQ(link.saves, std::vector<std::int16_t>{5});
-}
-
-TEST_F(GuiCommit, CancelIsBlockedByTheChecksEvenWithoutChanges) {
-    gui.cmbMethod.SetListIndex(1);
-    gui.cmbLanguage1.SetListIndex(0);
-    gui.cmdApply.SetEnabled(false);
-    input::Press(gui.cmdCancel);
-    EXPECT_EQ(services.TakeBoxTexts(),
-              std::vector<std::string>{"Please select a language in Language 1"});
-    EXPECT_TRUE(gui.IsLoaded());
 }
 
 TEST_F(GuiCommit, SaveQuestionAnswers) {
@@ -134,19 +154,19 @@ TEST_F(GuiCommit, SaveQuestionAnswers) {
     EXPECT_TRUE(link.saves.empty());
 
     gui.txtDescription.SetText("Fine");
-    link.onSave = [](std::int16_t) { return false; };
+    link.saveCommits = false;
     services.answers = {form::kAnswerYes};
     EXPECT_EQ(gui.AskToSaveChanges(), form::kAnswerCancel);
     EXPECT_TRUE(gui.cmdApply.Enabled());
 
-    link.onSave = [](std::int16_t) { return true; };
+    link.saveCommits = true;
     services.answers = {form::kAnswerYes};
     EXPECT_EQ(gui.AskToSaveChanges(), form::kAnswerYes);
     EXPECT_FALSE(gui.cmdApply.Enabled());
     EXPECT_EQ(link.saves.size(), 2U);
 }
 
-class GuiNavigation : public FormFixture {};
+using GuiNavigation = FormFixture;
 
 TEST_F(GuiNavigation, ButtonsMoveTheSelectorAndLoadTheNode) {
     ASSERT_TRUE(input::Press(gui.cmdNext));
@@ -190,7 +210,7 @@ TEST_F(GuiNavigation, UnsavedChangesAreOfferedOncePerMove) {
     EXPECT_FALSE(gui.cmdApply.Enabled());
 }
 
-TEST_F(GuiNavigation, CancelledPickPutsTheSelectorBack) {
+TEST_F(GuiNavigation, PickingANodeAsksAndACancelPutsTheSelectorBack) {
     MakeDirty();
     services.answers = {form::kAnswerCancel};
     ASSERT_TRUE(input::Pick(gui.cmbNode, 0));
@@ -203,15 +223,14 @@ TEST_F(GuiNavigation, CancelledPickPutsTheSelectorBack) {
     ASSERT_TRUE(input::Pick(gui.cmbNode, 0));
     EXPECT_EQ(gui.nodeNumber(), 3);
     EXPECT_EQ(link.loads, std::vector<std::int16_t>{3});
-}
 
-TEST_F(GuiNavigation, LoadingWithoutTheSessionObjectIsTrapped) {
+    // Without the session object the load is trapped.
     gui.Unload();
     gui.cmbNode.SetListIndex(2);
-    EXPECT_EQ(services.TakeBoxTexts(),
-              std::vector<std::string>{"Source: CVL_DBN_Node - cmbNode_Click \r\nDescription: "
-                                       "Object variable or With block variable not set"});
-    EXPECT_EQ(gui.nodeNumber(), 5);
+    EXPECT_EQ(services.TakeBoxTexts().back(),
+              "Source: CVL_DBN_Node - cmbNode_Click \r\nDescription: "
+              "Object variable or With block variable not set");
+    EXPECT_EQ(gui.nodeNumber(), 3);
 }
 
 }  // namespace

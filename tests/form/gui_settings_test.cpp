@@ -3,14 +3,8 @@
 
 #include "form_fixture.h"
 
-#include "form/controls/operator_input.h"
-
-#include <gtest/gtest.h>
-
 namespace dbn::testing {
 namespace {
-
-namespace input = form::operator_input;
 
 class GuiMethod : public FormFixture {
 protected:
@@ -81,47 +75,30 @@ TEST_F(GuiMethod, PlainSelectionsOnlyMarkTheNodeChanged) {
     EXPECT_TRUE(services.boxes.empty());
 }
 
-class GuiNumbers : public FormFixture {};
+using GuiNumbers = FormFixture;
 
 TEST_F(GuiNumbers, TypedNumbersAreClampedToTheList) {
-    struct Case {
-        const char* typed;
-        const char* kept;
-    };
     // cmbFirstMinDigits holds 1 to 9, cmbSelTimeOut 1 to 60.
-    for (const Case& c : {Case{"12", "1"}, Case{"0", "1"}, Case{"7x5", "7"}, Case{"", "1"},
-                          Case{"abc", "1"}, Case{"9", "9"}}) {
-        SCOPED_TRACE(c.typed);
-        input::Type(gui.cmbFirstMinDigits, c.typed);
-        EXPECT_EQ(gui.cmbFirstMinDigits.Text(), c.kept);
-        EXPECT_EQ(gui.cmbFirstMinDigits.SelStart(), static_cast<int>(std::string(c.kept).size()));
+    for (auto [typed, kept] :
+         {std::pair{"12", "1"}, {"0", "1"}, {"7x5", "7"}, {"", "1"}, {"abc", "1"}, {"9", "9"}}) {
+        SCOPED_TRACE(typed);
+        input::Type(gui.cmbFirstMinDigits, typed);
+        EXPECT_EQ(gui.cmbFirstMinDigits.Text(), kept);
+        EXPECT_EQ(gui.cmbFirstMinDigits.SelStart(), static_cast<int>(std::string(kept).size()));
     }
     input::Type(gui.cmbSelTimeOut, "605");
     EXPECT_EQ(gui.cmbSelTimeOut.Text(), "60");
     EXPECT_TRUE(gui.cmdApply.Enabled());
-}
 
-TEST_F(GuiNumbers, AHiddenListOnlyMarksTheNodeChanged) {
+    // A hidden list only marks the node changed.
+    gui.cmdApply.SetEnabled(false);
     gui.cmbGreetingNumber.SetVisible(false);
     gui.cmbGreetingNumber.SetText("55x");
     EXPECT_EQ(gui.cmbGreetingNumber.Text(), "55x");
     EXPECT_TRUE(gui.cmdApply.Enabled());
 }
 
-TEST_F(GuiNumbers, ATypedActionNumberIsWrittenIntoTheSelectedRow) {
-    gui.LVActions.SetSelectedItem(gui.LVActions.FindItem("2a"));  // "Abort", MSG 1
-    gui.cmbAbortNumber.SetVisible(true);
-    gui.cmbAbortNode.SetText("MSG");
-    gui.cmbAbortNumber.SetText("17");
-    const form::ListItem& row = *gui.LVActions.FindItem("2a");
-    EXPECT_EQ(row.SubItem(2), "MSG 17");
-    EXPECT_EQ(row.SubItem(6), "17");
-}
-
-class GuiValidation : public FormFixture {
-protected:
-    std::vector<std::string> Boxes() { return services.TakeBoxTexts(); }
-};
+using GuiValidation = FormFixture;
 
 TEST_F(GuiValidation, DefaultMethodMovesOrDropsLanguages) {
     gui.cmbMethod.SetListIndex(1);
@@ -138,7 +115,7 @@ TEST_F(GuiValidation, DefaultMethodMovesOrDropsLanguages) {
 
     gui.cmbLanguage1.SetListIndex(0);
     EXPECT_FALSE(gui.ValidateBeforeSave());
-    EXPECT_EQ(Boxes(), std::vector<std::string>{"Please select a language in Language 1"});
+    EXPECT_EQ(services.TakeBoxTexts(), Texts{"Please select a language in Language 1"});
     EXPECT_TRUE(gui.cmbLanguage1.HasFocus());
 }
 
@@ -151,19 +128,19 @@ TEST_F(GuiValidation, CustomMethodChecksTheMatches) {
 
     gui.cmbsecondMatch.SetListIndex(1);  // "Last Name", as the first match
     EXPECT_FALSE(gui.ValidateBeforeSave());
-    EXPECT_EQ(Boxes(), std::vector<std::string>{sameMatch});
+    EXPECT_EQ(services.TakeBoxTexts(), Texts{sameMatch});
     EXPECT_TRUE(gui.cmbsecondMatch.HasFocus());
 
     gui.cmbsecondMatch.SetListIndex(2);
     gui.cmbFirstMinDigits.SetText("6");
     EXPECT_FALSE(gui.ValidateBeforeSave());
-    EXPECT_EQ(Boxes(), std::vector<std::string>{minAboveMax});
+    EXPECT_EQ(services.TakeBoxTexts(), Texts{minAboveMax});
     EXPECT_TRUE(gui.cmbFirstMinDigits.HasFocus());
 
     gui.cmbFirstMinDigits.SetText("5");
     gui.cmbSecondMinDigits.SetText("7");
     EXPECT_FALSE(gui.ValidateBeforeSave());
-    EXPECT_EQ(Boxes(), std::vector<std::string>{minAboveMax});
+    EXPECT_EQ(services.TakeBoxTexts(), Texts{minAboveMax});
     EXPECT_TRUE(gui.cmbSecondMinDigits.HasFocus());
 
     // With no second match its limits are not compared.
@@ -171,7 +148,7 @@ TEST_F(GuiValidation, CustomMethodChecksTheMatches) {
     gui.cmbSecondMinDigits.SetEnabled(true);
     gui.cmbSecondMinDigits.SetText("9");
     EXPECT_TRUE(gui.ValidateBeforeSave());
-    EXPECT_TRUE(Boxes().empty());
+    EXPECT_TRUE(services.TakeBoxTexts().empty());
 }
 
 TEST_F(GuiValidation, TypesSwitchedOffInThePartitionAreNotAvailable) {

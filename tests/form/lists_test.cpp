@@ -1,0 +1,304 @@
+// The node pickers, the actions list, the confirmation list and the hook on
+// the two list views.
+
+#include "form_fixture.h"
+
+namespace dbn::testing {
+namespace {
+
+const std::string kNotice = "Please check the \"Max Number of each Node\" Section for ";
+
+class ListsTest : public FormFixture {
+protected:
+    int VisibleActionPickers() {
+        int visible = 0;
+        for (const form::ListControl* picker :
+             {&gui.cmbValidMatchNode, &gui.cmbValidMatchNumber, &gui.cmbAbortNode,
+              &gui.cmbAbortNumber, &gui.cmbStarNode, &gui.cmbStarNumber, &gui.cmbPoundNode,
+              &gui.cmbPoundNumber, &gui.cmbZeroNode, &gui.cmbZeroNumber}) {
+            visible += picker->Visible() ? 1 : 0;
+        }
+        return visible;
+    }
+    bool ConfirmPickersVisible() {
+        return gui.cmbConfirmNode.Visible() || gui.cmbConfirmNumber.Visible();
+    }
+    form::ListItem& Action(int position) { return gui.LVActions.ItemAt(position); }
+    form::ListItem& Confirm(int position) { return gui.LVConfirm.ItemAt(position); }
+    // A confirmation row as added new: MSG 1, no label.
+    static std::string NewRow(int position, const std::string& name) {
+        const std::string number = std::to_string(position);
+        return number + "a:" + number + "|" + name + "|MSG 1||MSG|0|1";
+    }
+};
+
+TEST_F(ListsTest, FormPairRefillsOnlyForAnotherLimitAndReportsAFailedRefill) {
+    gui.cmbTimeoutNumber.SetListIndex(6);             // MSG, 20 numbers
+    ASSERT_TRUE(input::Pick(gui.cmbTimeoutNode, 5));  // M_ON, also 20
+    EXPECT_EQ(gui.cmbTimeoutNumber.ListIndex(), 6);
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+    input::Pick(gui.cmbTimeoutNode, 1);  // XFER, 12
+    EXPECT_EQ(gui.cmbTimeoutNumber.ListCount(), 12);
+    EXPECT_EQ(gui.cmbTimeoutNumber.List(11), "12");
+    EXPECT_EQ(gui.cmbTimeoutNumber.Text(), "1");
+
+    gui.cmdApply.SetEnabled(false);
+    gui.cmbGreetingNode.Clear();
+    gui.HandleMSGLISTNOOPPromptBOX(gui.cmbGreetingNode, gui.cmbGreetingNumber, false);
+    EXPECT_EQ(services.TakeBoxTexts(),
+              Texts{"Source: CVL_DBN_Node - GenericMSGLISTNOOPNode_Click \r\n"
+                    "Description: Invalid property array index"});
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+}
+
+TEST_F(ListsTest, NoNumberTypeWidensTheNodePickerOverTheNumberPlace) {
+    gui.cmbGreetingNode.SetText("NOOP");
+    EXPECT_FALSE(gui.cmbGreetingNumber.Visible());
+    EXPECT_EQ(gui.cmbGreetingNode.Width(), gui.cmbDirectory.Width() + gui.txtDIR.Width());
+    gui.cmbGreetingNode.SetText("MSG");
+    EXPECT_TRUE(gui.cmbGreetingNumber.Visible());
+    EXPECT_EQ(gui.cmbGreetingNode.Width(), gui.txtDIR.Width());
+
+    gui.cmbStarNode.SetText("MSG");
+    EXPECT_EQ(gui.cmbStarNode.Width(), 850);
+    EXPECT_EQ(gui.cmbStarNumber.Left(), gui.cmbStarNode.Left() + 850);
+    EXPECT_TRUE(gui.cmbStarNumber.Visible());
+    gui.cmbStarNode.SetText("NOOP");
+    EXPECT_EQ(gui.cmbStarNode.Width(), 1550);
+    EXPECT_FALSE(gui.cmbStarNumber.Visible());
+}
+
+TEST_F(ListsTest, InListPickRewritesTheSelectedRowOnly) {
+    form::ListItem& star = Action(2);
+    gui.LVActions.SetSelectedItem(&star);
+    SetTarget(star, "XFER 7|Sales|XFER|4|7");
+    gui.cmbStarNode.SetText("LIST");  // 5 numbers: 7 falls back to 1
+    EXPECT_EQ(Cells(star), "3a:3|*|LIST 1||LIST|8|1");
+    EXPECT_EQ(gui.cmbStarNumber.Text(), "1");
+    SetTarget(star, "XFER 7|Sales|XFER|4|7");
+    gui.cmbStarNode.SetText("MSG");  // 20 numbers: 7 stays
+    EXPECT_EQ(Cells(star), "3a:3|*|MSG 7||MSG|0|7");
+    EXPECT_EQ(gui.cmbStarNumber.Text(), "7");
+    gui.cmbStarNode.SetText("NOOP");
+    EXPECT_EQ(Cells(star), "3a:3|*|NOOP||NOOP|814|0");
+
+    const auto rows = AllCells(gui.LVActions);
+    gui.LVActions.SetSelectedItem(nullptr);
+    gui.cmbStarNode.SetText("LIST");
+    EXPECT_EQ(gui.cmbStarNumber.ListCount(), 5);
+    EXPECT_EQ(AllCells(gui.LVActions), rows);
+    EXPECT_TRUE(services.boxes.empty());
+}
+
+TEST_F(ListsTest, ActionsDefaultGivesTheFiveRowsAndMarksTheChange) {
+    SetTarget(Action(0), "MSG 3|Operator|MSG|0|3");
+    ASSERT_TRUE(input::Press(gui.cmdActionsDefault));
+    EXPECT_EQ(
+        AllCells(gui.LVActions),
+        (Texts{"1a:1|Valid Match|XFER 1||XFER|4|1", "2a:2|Abort|MSG 1||MSG|0|1",
+               "3a:3|*|NOOP||NOOP|814|0", "4a:4|#|NOOP||NOOP|814|0", "5a:5|0|NOOP||NOOP|814|0"}));
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+    EXPECT_EQ(gui.LVActions.Column(1).width, 1000);
+    EXPECT_EQ(gui.LVActions.Column(2).width, 1500);
+}
+
+TEST_F(ListsTest, ActionsEditModeOpensPickersOverTheSelectedRowAndClosesThem) {
+    gui.LVActions.SetSelectedItem(&Action(1));  // Abort, MSG 1
+    ASSERT_TRUE(input::Press(gui.cmdActionsEdit));
+    EXPECT_EQ(gui.cmdActionsEdit.Caption(), "Edit Off");
+    EXPECT_FALSE(gui.cmdActionsDefault.Enabled());
+    EXPECT_EQ(VisibleActionPickers(), 2);
+    const form::RowPosition row = gui.LVActions.RowPositionOf(Action(1));
+    EXPECT_EQ(gui.cmbAbortNode.Left(), gui.LVActions.Left() + row.left + 1000);
+    EXPECT_EQ(gui.cmbAbortNode.Top(), gui.LVActions.Top() + row.top + 50);
+    EXPECT_EQ(gui.cmbAbortNumber.Left(), gui.cmbAbortNode.Left() + gui.cmbAbortNode.Width());
+    EXPECT_EQ(gui.cmbAbortNumber.Text(), "1");
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+
+    // A row of the type without numbers opens without the number picker.
+    ASSERT_TRUE(input::ClickRow(gui.LVActions, Action(3)));
+    EXPECT_EQ(VisibleActionPickers(), 1);
+    EXPECT_TRUE(gui.cmbPoundNode.HasFocus());
+    EXPECT_TRUE(services.boxes.empty());
+
+    // A picked number, or a typed one, goes into the row; its label stays.
+    input::ClickRow(gui.LVActions, Action(0));
+    gui.cmbValidMatchNode.SetText("MSG");
+    Action(0).SetSubItem(3, "Reception");
+    input::Pick(gui.cmbValidMatchNumber, 6);
+    EXPECT_EQ(Cells(Action(0)), "1a:1|Valid Match|MSG 7|Reception|MSG|0|7");
+    input::Type(gui.cmbValidMatchNumber, "17");
+    EXPECT_EQ(Cells(Action(0)), "1a:1|Valid Match|MSG 17|Reception|MSG|0|17");
+
+    gui.cmdApply.SetEnabled(false);
+    input::Press(gui.cmdActionsEdit);
+    EXPECT_EQ(gui.cmdActionsEdit.Caption(), "Edit");
+    EXPECT_TRUE(gui.cmdActionsDefault.Enabled());
+    EXPECT_EQ(VisibleActionPickers(), 0);
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+    input::ClickRow(gui.LVActions, Action(0));
+    EXPECT_EQ(VisibleActionPickers(), 0);
+}
+
+TEST_F(ListsTest, UnavailableTargetShowsTheNoticeAndNoPicker) {
+    gui.NotAvailableAllInstructionsNode().Add("MSG", "0");  // M_ON goes with it
+    SetTarget(Action(0), "M_ON 3|Old|M_ON|817|3");
+    SetTarget(Action(1), "PAAS 2||PAAS|12|2");
+    SetTarget(Confirm(1), "PAAS 1||PAAS|12|1");
+    gui.LVActions.SetSelectedItem(&Action(0));
+    input::Press(gui.cmdActionsEdit);
+    input::ClickRow(gui.LVActions, Action(1));
+    EXPECT_EQ(VisibleActionPickers(), 0);
+    EXPECT_EQ(Cells(Action(0)), "1a:1|Valid Match|M_ON 3|Old|M_ON|817|3");
+
+    input::Press(gui.cmdConfirmEdit);
+    input::ClickRow(gui.LVConfirm, Confirm(1));
+    EXPECT_FALSE(ConfirmPickersVisible());
+    EXPECT_EQ(services.TakeBoxTexts(), (Texts{kNotice + "M_ON Node in Partition Settings.",
+                                              kNotice + "PAAS Node in Partition Settings.",
+                                              kNotice + "PAAS Node in Partition Settings."}));
+}
+
+TEST_F(ListsTest, ConfirmationOffAndOnAgainRestoresTheRows) {
+    ASSERT_EQ(gui.LVConfirm.ItemCount(), 7);
+    EXPECT_EQ(Cells(Confirm(0)), NewRow(1, "Before Names"));
+    EXPECT_EQ(Cells(Confirm(6)), NewRow(7, "Name5"));
+    SetTarget(Confirm(2), "LIST 4|Smith|LIST|8|4");
+    const auto rows = AllCells(gui.LVConfirm);
+
+    ASSERT_TRUE(input::Pick(gui.cmbConfirmation, 0));
+    EXPECT_EQ(gui.LVConfirm.ItemCount(), 0);
+    EXPECT_EQ(AllCells(gui.LVTemp), rows);
+    EXPECT_FALSE(gui.cmbMaxMatches.Enabled());
+    EXPECT_FALSE(gui.cmdConfirmEdit.Enabled());
+    EXPECT_FALSE(gui.LVConfirm.TabStop());
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+
+    input::Pick(gui.cmbConfirmation, 1);
+    EXPECT_EQ(AllCells(gui.LVConfirm), rows);
+    EXPECT_EQ(gui.LVTemp.ItemCount(), 0);
+    EXPECT_TRUE(gui.cmdConfirmDefault.Enabled());
+    EXPECT_TRUE(gui.LVConfirm.TabStop());
+}
+
+TEST_F(ListsTest, NumberOfMatchesGrowsAndShrinksKeepingTargets) {
+    input::Pick(gui.cmbMaxMatches, 2);  // 3 matches
+    ASSERT_EQ(gui.LVConfirm.ItemCount(), 5);
+    SetTarget(Confirm(3), "LIST 4|Jones|LIST|8|4");
+    input::Pick(gui.cmbMaxMatches, 5);  // 6 matches
+    const auto rows = AllCells(gui.LVConfirm);
+    ASSERT_EQ(rows.size(), 8u);
+    EXPECT_EQ(rows[3], "4a:4|Name2|LIST 4|Jones|LIST|8|4");
+    EXPECT_EQ(rows[5], NewRow(6, "Name4"));
+    EXPECT_EQ(rows[7], NewRow(8, "Name6"));
+
+    // With the section off the list stays empty and nothing is marked.
+    input::Pick(gui.cmbConfirmation, 0);
+    gui.cmdApply.SetEnabled(false);
+    gui.cmbMaxMatches.SetListIndex(1);
+    EXPECT_EQ(gui.LVConfirm.ItemCount(), 0);
+    EXPECT_FALSE(gui.cmdApply.Enabled());
+}
+
+TEST_F(ListsTest, ConfirmationDefaultGivesYesFiveMatchesAndNewRows) {
+    input::Pick(gui.cmbMaxMatches, 1);
+    SetTarget(Confirm(0), "LIST 4|Smith|LIST|8|4");
+    gui.cmdApply.SetEnabled(false);
+    ASSERT_TRUE(input::Press(gui.cmdConfirmDefault));
+    EXPECT_EQ(gui.cmbConfirmation.Text(), "Yes");
+    EXPECT_EQ(gui.cmbMaxMatches.Text(), "5");
+    ASSERT_EQ(gui.LVConfirm.ItemCount(), 7);
+    EXPECT_EQ(Cells(Confirm(0)), NewRow(1, "Before Names"));
+    EXPECT_EQ(Cells(Confirm(6)), NewRow(7, "Name5"));
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+    EXPECT_TRUE(services.boxes.empty());
+}
+
+TEST_F(ListsTest, GuardedSelectionsAddNoRowsAndSettingAsideKeepsOnlyCurrentRows) {
+    input::Pick(gui.cmbConfirmation, 0);
+    {
+        form::GUI::ConfirmRowsGuard guard(gui);
+        gui.cmbConfirmation.SetListIndex(1);
+        EXPECT_EQ(gui.LVConfirm.ItemCount(), 0);
+        EXPECT_EQ(gui.LVTemp.ItemCount(), 7);
+        EXPECT_TRUE(gui.cmbMaxMatches.Enabled());
+        gui.LVConfirm.AddItem("1a", "1").SetSubItem(1, "Loaded");
+        gui.cmbMaxMatches.SetListIndex(8);
+        EXPECT_EQ(gui.LVConfirm.ItemCount(), 1);
+    }
+    input::Pick(gui.cmbConfirmation, 0);
+    EXPECT_EQ(AllCells(gui.LVTemp), Texts{"1a:1|Loaded|||||"});
+    EXPECT_TRUE(services.boxes.empty());
+}
+
+TEST_F(ListsTest, ConfirmationEditModeEditsTheSelectedRowInPlace) {
+    gui.LVConfirm.SetSelectedItem(&Confirm(2));
+    ASSERT_TRUE(input::Press(gui.cmdConfirmEdit));
+    EXPECT_EQ(gui.cmdConfirmEdit.Caption(), "Edit Off");
+    EXPECT_FALSE(gui.cmdConfirmDefault.Enabled());
+    EXPECT_EQ(gui.LVConfirm.EnsuredVisible(), 2);
+    const form::RowPosition row = gui.LVConfirm.RowPositionOf(Confirm(2));
+    EXPECT_EQ(gui.cmbConfirmNode.Left(), gui.LVConfirm.Left() + row.left + 1600);
+    EXPECT_EQ(gui.cmbConfirmNode.Top(), gui.LVConfirm.Top() + row.top + 50);
+    EXPECT_EQ(gui.cmbConfirmNumber.Left(), gui.cmbConfirmNode.Left() + 900);
+    EXPECT_TRUE(gui.cmdApply.Enabled());
+
+    input::Pick(gui.cmbConfirmNode, 1);  // LIST
+    input::Pick(gui.cmbConfirmNumber, 3);
+    EXPECT_EQ(Cells(Confirm(2)), "3a:3|Name1|LIST 4||LIST|8|4");
+    input::Pick(gui.cmbConfirmNode, 2);  // NOOP
+    EXPECT_EQ(Cells(Confirm(2)), "3a:3|Name1|NOOP||NOOP|814|0");
+    EXPECT_EQ(gui.cmbConfirmNode.Width(), 1600);
+    EXPECT_FALSE(gui.cmbConfirmNumber.Visible());
+
+    input::ClickRow(gui.LVConfirm, Confirm(0));
+    EXPECT_TRUE(gui.cmbConfirmNode.HasFocus());
+    input::Press(gui.cmdConfirmEdit);
+    EXPECT_EQ(gui.cmdConfirmEdit.Caption(), "Edit");
+    EXPECT_TRUE(gui.cmdConfirmDefault.Enabled());
+    EXPECT_FALSE(ConfirmPickersVisible());
+}
+
+TEST_F(ListsTest, TheTwoListsAreNeverInEditModeTogether) {
+    input::Press(gui.cmdActionsEdit);
+    input::Press(gui.cmdConfirmEdit);
+    EXPECT_EQ(gui.cmdActionsEdit.Caption(), "Edit");
+    EXPECT_EQ(VisibleActionPickers(), 0);
+    EXPECT_TRUE(ConfirmPickersVisible());
+    input::Press(gui.cmdActionsEdit);
+    EXPECT_EQ(gui.cmdConfirmEdit.Caption(), "Edit");
+    EXPECT_FALSE(ConfirmPickersVisible());
+    EXPECT_EQ(VisibleActionPickers(), 2);
+}
+
+TEST_F(ListsTest, HeaderPressAndScrollHideTheEditorsOnlyWhileHooked) {
+    input::Press(gui.cmdActionsEdit);
+    gui.cmbZeroNumber.SetVisible(true);
+    gui.cmbConfirmNode.SetVisible(true);
+    gui.cmbConfirmNumber.SetVisible(true);
+    // Scrolling the actions list hides nothing; its header press hides its
+    // ten editors but leaves the edit mode on.
+    ASSERT_TRUE(input::Scroll(gui.LVActions));
+    EXPECT_EQ(VisibleActionPickers(), 3);
+    ASSERT_TRUE(input::PressHeader(gui.LVActions));
+    EXPECT_EQ(VisibleActionPickers(), 0);
+    EXPECT_EQ(gui.cmdActionsEdit.Caption(), "Edit Off");
+    EXPECT_TRUE(ConfirmPickersVisible());
+    ASSERT_TRUE(input::Scroll(gui.LVConfirm));
+    EXPECT_FALSE(ConfirmPickersVisible());
+    gui.cmbConfirmNumber.SetVisible(true);
+    ASSERT_TRUE(input::PressHeader(gui.LVConfirm));
+    EXPECT_FALSE(ConfirmPickersVisible());
+
+    gui.UnhookListViews();
+    gui.cmbConfirmNode.SetVisible(true);
+    gui.cmbAbortNode.SetVisible(true);
+    input::PressHeader(gui.LVConfirm);
+    input::Scroll(gui.LVConfirm);
+    input::PressHeader(gui.LVActions);
+    EXPECT_TRUE(gui.cmbConfirmNode.Visible());
+    EXPECT_TRUE(gui.cmbAbortNode.Visible());
+}
+
+}  // namespace
+}  // namespace dbn::testing
