@@ -1,13 +1,15 @@
 -- Configuration database: every table the editor reads, writes or copies rows within.
 -- Whole numbers are INTEGER so that arguments bound as text convert on comparison
--- and storage; type codes, descriptions, names and times are TEXT.
+-- and storage; type codes, descriptions, names and times are TEXT. The tables are
+-- STRICT: a value that does not convert to its column's type (an empty text for a
+-- number) fails the statement instead of being stored as it came.
 
 -- Node-type catalogue: the type code of every node type.
 CREATE TABLE SR_Node_Type_Names (
     ID           INTEGER NOT NULL,
     English_Name TEXT,
     PRIMARY KEY (ID)
-);
+) STRICT;
 
 -- Which node types a node type may refer to, per rule set.
 CREATE TABLE SR_Node_Type_can_contain_Node_Type (
@@ -15,7 +17,7 @@ CREATE TABLE SR_Node_Type_can_contain_Node_Type (
     Child_Node_Type_ID  INTEGER NOT NULL,
     Set_ID              INTEGER NOT NULL,
     PRIMARY KEY (Parent_Node_Type_ID, Child_Node_Type_ID, Set_ID)
-);
+) STRICT;
 
 -- Highest node number allowed per node type and partition.
 CREATE TABLE Node_Type_Max (
@@ -24,7 +26,7 @@ CREATE TABLE Node_Type_Max (
     NodeType_ID INTEGER NOT NULL,
     Max_Number  INTEGER,
     PRIMARY KEY (Config_ID, PartitionID, NodeType_ID)
-);
+) STRICT;
 
 -- One row per node of every type.
 CREATE TABLE Node_General_Pool (
@@ -36,7 +38,7 @@ CREATE TABLE Node_General_Pool (
     NodeDescription TEXT,
     DateModified    TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeTypeID, NodeNumber)
-);
+) STRICT;
 
 -- Dial-by-name nodes.
 CREATE TABLE Node_DBN (
@@ -112,7 +114,7 @@ CREATE TABLE Node_DBN (
     Reserved9                  INTEGER,
     Reserved10                 INTEGER,
     PRIMARY KEY (ConfigID, PartID, NodeTypeID, NodeNumber)
-);
+) STRICT;
 
 -- Numbered prompt rows of a dial-by-name node (NodeMasterID = its number).
 CREATE TABLE Detail_DBN_Prompts (
@@ -124,7 +126,7 @@ CREATE TABLE Detail_DBN_Prompts (
     NodeMasterID     INTEGER NOT NULL,
     PromptNodeType   TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, PromptNumber)
-);
+) STRICT;
 
 -- Action rows of a dial-by-name node; the editor keeps actions in Node_DBN.
 CREATE TABLE Detail_DBN_Action (
@@ -136,7 +138,7 @@ CREATE TABLE Detail_DBN_Action (
     NodeMasterID INTEGER NOT NULL,
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
-);
+) STRICT;
 
 -- Tables whose rows the editor copies when it creates a node from its template.
 
@@ -160,7 +162,7 @@ CREATE TABLE Node_MSG (
     NodeDescription TEXT,
     MSGArchive      INTEGER,
     PRIMARY KEY (ConfigID, PartID, NodeTypeID, NodeNumber)
-);
+) STRICT;
 
 CREATE TABLE Node_CMD (
     ConfigID        INTEGER NOT NULL,
@@ -170,7 +172,7 @@ CREATE TABLE Node_CMD (
     NodeType        TEXT,
     NodeDescription TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeTypeID, NodeNumber)
-);
+) STRICT;
 
 CREATE TABLE Detail_CMD (
     ConfigID     INTEGER NOT NULL,
@@ -181,7 +183,7 @@ CREATE TABLE Detail_CMD (
     NodeMasterID INTEGER NOT NULL,
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
-);
+) STRICT;
 
 CREATE TABLE Node_TIME (
     ConfigID        INTEGER NOT NULL,
@@ -193,7 +195,7 @@ CREATE TABLE Node_TIME (
     NodeType        TEXT,
     NodeDescription TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeTypeID, NodeNumber)
-);
+) STRICT;
 
 CREATE TABLE Detail_TIME (
     ConfigID     INTEGER NOT NULL,
@@ -204,7 +206,7 @@ CREATE TABLE Detail_TIME (
     NodeMasterID INTEGER NOT NULL,
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
-);
+) STRICT;
 
 CREATE TABLE Node_DATE (
     ConfigID        INTEGER NOT NULL,
@@ -219,7 +221,7 @@ CREATE TABLE Node_DATE (
     NodeType        TEXT,
     NodeDescription TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeTypeID, NodeNumber)
-);
+) STRICT;
 
 CREATE TABLE Detail_DATE (
     ConfigID     INTEGER NOT NULL,
@@ -230,7 +232,7 @@ CREATE TABLE Detail_DATE (
     NodeMasterID INTEGER NOT NULL,
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
-);
+) STRICT;
 
 CREATE TABLE Node_XFER (
     ConfigID           INTEGER NOT NULL,
@@ -254,7 +256,7 @@ CREATE TABLE Node_XFER (
     NodeType           TEXT,
     NodeDescription    TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeTypeID, NodeNumber)
-);
+) STRICT;
 
 CREATE TABLE Node_DTMF (
     ConfigID          INTEGER NOT NULL,
@@ -279,7 +281,7 @@ CREATE TABLE Node_DTMF (
     InvalidNodeTypeID INTEGER,
     AbortNodeTypeID   INTEGER,
     PRIMARY KEY (ConfigID, PartID, NodeTypeID, NodeNumber)
-);
+) STRICT;
 
 CREATE TABLE Detail_DTMF_Prompts (
     ConfigID     INTEGER NOT NULL,
@@ -290,7 +292,7 @@ CREATE TABLE Detail_DTMF_Prompts (
     NodeMasterID INTEGER NOT NULL,
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
-);
+) STRICT;
 
 CREATE TABLE Detail_DTMF_Action (
     ConfigID           INTEGER NOT NULL,
@@ -302,7 +304,7 @@ CREATE TABLE Detail_DTMF_Action (
     DTMFDigitCollected TEXT,
     NodeType           TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
-);
+) STRICT;
 
 CREATE TABLE Node_VOX (
     ConfigID          INTEGER NOT NULL,
@@ -325,7 +327,7 @@ CREATE TABLE Node_VOX (
     AbortNodeTypeID   INTEGER,
     DTMFNodeTypeID    INTEGER,
     PRIMARY KEY (ConfigID, PartID, NodeTypeID, NodeNumber)
-);
+) STRICT;
 
 CREATE TABLE Detail_VOX_Prompts (
     ConfigID     INTEGER NOT NULL,
@@ -336,7 +338,7 @@ CREATE TABLE Detail_VOX_Prompts (
     NodeMasterID INTEGER NOT NULL,
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
-);
+) STRICT;
 
 CREATE TABLE Detail_VOX_Action (
     ConfigID         INTEGER NOT NULL,
@@ -350,7 +352,7 @@ CREATE TABLE Detail_VOX_Action (
     NodeType         TEXT,
     PromptNodeTypeID INTEGER,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
-);
+) STRICT;
 
 CREATE TABLE Node_LIST (
     ConfigID        INTEGER NOT NULL,
@@ -361,7 +363,7 @@ CREATE TABLE Node_LIST (
     NodeType        TEXT,
     NodeDescription TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeTypeID, NodeNumber)
-);
+) STRICT;
 
 CREATE TABLE Detail_LIST (
     ConfigID     INTEGER NOT NULL,
@@ -372,7 +374,7 @@ CREATE TABLE Detail_LIST (
     NodeMasterID INTEGER NOT NULL,
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
-);
+) STRICT;
 
 CREATE TABLE Node_AUTO (
     ConfigID          INTEGER NOT NULL,
@@ -402,7 +404,7 @@ CREATE TABLE Node_AUTO (
     PoundNodeType     TEXT,
     PoundNodeNumber   INTEGER,
     PRIMARY KEY (ConfigID, PartID, NodeTypeID, NodeNumber)
-);
+) STRICT;
 
 CREATE TABLE Detail_AUTO_Prompts (
     ConfigID     INTEGER NOT NULL,
@@ -413,7 +415,7 @@ CREATE TABLE Detail_AUTO_Prompts (
     NodeMasterID INTEGER NOT NULL,
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
-);
+) STRICT;
 
 CREATE TABLE Detail_AUTO_Action (
     ConfigID      INTEGER NOT NULL,
@@ -426,7 +428,7 @@ CREATE TABLE Detail_AUTO_Action (
     DTMFRangeHigh INTEGER,
     NodeType      TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
-);
+) STRICT;
 
 CREATE TABLE Node_PAAS (
     ConfigID        INTEGER NOT NULL,
@@ -440,7 +442,7 @@ CREATE TABLE Node_PAAS (
     NodeType        TEXT,
     NodeDescription TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeTypeID, NodeNumber)
-);
+) STRICT;
 
 CREATE TABLE Detail_PAAS (
     ConfigID     INTEGER NOT NULL,
@@ -451,7 +453,7 @@ CREATE TABLE Detail_PAAS (
     NodeMasterID INTEGER NOT NULL,
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
-);
+) STRICT;
 
 CREATE TABLE Node_TABLE (
     ConfigID           INTEGER NOT NULL,
@@ -469,7 +471,7 @@ CREATE TABLE Node_TABLE (
     NodeType           TEXT,
     NodeDescription    TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeTypeID, NodeNumber)
-);
+) STRICT;
 
 CREATE TABLE Detail_TABLE_Action (
     ConfigID     INTEGER NOT NULL,
@@ -482,7 +484,7 @@ CREATE TABLE Detail_TABLE_Action (
     EndRange     INTEGER,
     NodeMasterID INTEGER NOT NULL,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
-);
+) STRICT;
 
 CREATE TABLE Node_DIR (
     ConfigID             INTEGER NOT NULL,
@@ -495,7 +497,7 @@ CREATE TABLE Node_DIR (
     NodeDescription      TEXT,
     StartingPromptNumber INTEGER,
     PRIMARY KEY (ConfigID, PartID, NodeTypeID, NodeNumber)
-);
+) STRICT;
 
 CREATE TABLE Detail_DIR (
     ConfigID     INTEGER NOT NULL,
@@ -508,4 +510,4 @@ CREATE TABLE Detail_DIR (
     "Password"     TEXT,
     NodeMasterID INTEGER NOT NULL,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
-);
+) STRICT;
