@@ -84,6 +84,21 @@ std::size_t Replay::Run(std::size_t first, std::size_t last) {
                     db_.RollbackTrans();
                 }
                 break;
+            case DataBaseStep::BeginSavepoint:
+                if (!oneForAll) {
+                    db_.BeginSavepoint();
+                }
+                break;
+            case DataBaseStep::ReleaseSavepoint:
+                if (!oneForAll) {
+                    db_.ReleaseSavepoint();
+                }
+                break;
+            case DataBaseStep::RollbackToSavepoint:
+                if (!oneForAll) {
+                    db_.RollbackToSavepoint();
+                }
+                break;
         }
     }
     if (oneForAll) {

@@ -48,8 +48,8 @@ public:
            Transactions transactions = Transactions::AsRecorded);
 
     // Runs steps [first, last) of the recording (indexes into it), or all of
-    // them. With OneForAll the recorded transaction steps are left out and
-    // the run is one transaction. Answers a checksum of the values read.
+    // them. With OneForAll the recorded transaction and savepoint steps are
+    // left out and the run is one transaction. Answers a checksum of the values read.
     std::size_t Run(std::size_t first, std::size_t last);
     std::size_t Run() { return Run(0, steps_.size()); }
 

@@ -249,6 +249,22 @@ void DataBase::RollbackTrans() {
     impl_->RunSql(Connection(), "ROLLBACK", "RollbackTrans");
 }
 
+void DataBase::BeginSavepoint() {
+    Notify(DataBaseStep::BeginSavepoint);
+    impl_->RunSql(Connection(), "SAVEPOINT nested", "BeginSavepoint");
+}
+
+void DataBase::ReleaseSavepoint() {
+    Notify(DataBaseStep::ReleaseSavepoint);
+    impl_->RunSql(Connection(), "RELEASE nested", "ReleaseSavepoint");
+}
+
+void DataBase::RollbackToSavepoint() {
+    Notify(DataBaseStep::RollbackToSavepoint);
+    // Rolling back to a savepoint keeps it open; releasing it then ends it.
+    impl_->RunSql(Connection(), "ROLLBACK TO nested; RELEASE nested", "RollbackToSavepoint");
+}
+
 bool DataBase::InTransaction() const noexcept {
     return impl_->connection && sqlite3_get_autocommit(impl_->connection.get()) == 0;
 }

@@ -42,6 +42,13 @@ public:
     void RollbackTrans();
     bool InTransaction() const noexcept;
 
+    // A nested unit of work inside the open transaction: rolling it back
+    // undoes its own work only; releasing it keeps that work in the
+    // transaction. Nested ones end innermost first.
+    void BeginSavepoint();
+    void ReleaseSavepoint();
+    void RollbackToSavepoint();
+
     // How long a command waits for a lock held by another connection
     // (30 seconds unless changed).
     void SetBusyTimeout(std::chrono::milliseconds timeout);

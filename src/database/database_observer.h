@@ -18,6 +18,9 @@ enum class DataBaseStep {
     BeginTrans,
     CommitTrans,
     RollbackTrans,
+    BeginSavepoint,
+    ReleaseSavepoint,
+    RollbackToSavepoint,
 };
 
 struct DataBaseEvent {
