@@ -66,6 +66,9 @@ private:
     // borrowed when this is the form's own object.
     std::unique_ptr<form::GUI> ownedForm_;
     form::GUI* form_ = nullptr;
+    // Set by SaveChanges while it runs the referenced-node check: the check
+    // then leaves its last copies uncommitted for the save to join.
+    bool keepCopiesOpen_ = false;
 };
 
 } // namespace dbn

@@ -15,6 +15,7 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
+#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -111,6 +112,72 @@ std::string SoundFileName(std::int16_t partition, const std::string& number) {
     return std::string(name.data(), static_cast<std::size_t>(length));
 }
 
+// Copies made one after another with no word to the operator in between
+// share one transaction, since a commit costs far more than a copy. The
+// group is committed before the operator is asked or told anything, so that
+// no lock is held while a dialog waits.
+class CopyGroup {
+public:
+    explicit CopyGroup(DataBase& db) : db_(db) {}
+    // Rolls back a group that is neither committed nor handed over (its
+    // commit failed).
+    ~CopyGroup() {
+        if (owned_ && db_.InTransaction()) {
+            try {
+                db_.RollbackTrans();
+            } catch (const std::exception&) {
+                // The connection has already ended the transaction itself.
+            }
+        }
+    }
+    CopyGroup(const CopyGroup&) = delete;
+    CopyGroup& operator=(const CopyGroup&) = delete;
+
+    // Before a copy: begins the group's transaction unless one is open.
+    void Join() {
+        if (!db_.InTransaction()) {
+            db_.BeginTrans();
+            owned_ = true;
+        }
+    }
+    // Commits the copies made so far.
+    void Commit() {
+        if (owned_ && db_.InTransaction()) {
+            db_.CommitTrans();
+        }
+        owned_ = false;
+    }
+    // Leaves the open group to the caller, who commits it.
+    void HandOver() noexcept { owned_ = false; }
+
+private:
+    DataBase& db_;
+    bool owned_ = false;
+};
+
+// Commits the group when an error leaves the check, before the error is
+// shown: no lock may be held while a box waits.
+class CommitOnError {
+public:
+    explicit CommitOnError(CopyGroup& copies)
+        : copies_(copies), errors_(std::uncaught_exceptions()) {}
+    ~CommitOnError() {
+        if (std::uncaught_exceptions() > errors_) {
+            try {
+                copies_.Commit();
+            } catch (const std::exception&) {
+                // The group is rolled back when it ends.
+            }
+        }
+    }
+    CommitOnError(const CommitOnError&) = delete;
+    CommitOnError& operator=(const CommitOnError&) = delete;
+
+private:
+    CopyGroup& copies_;
+    int errors_;
+};
+
 std::string MissingNodeQuestion(const std::string& key) {
     return key + " is referenced but it does not exist.\r\nDo you want to auto create node '" +
            key + "'?";
@@ -180,7 +247,9 @@ void Business_Rules::AutoCreateNode(std::string templateNumber, std::string newN
 
 void Business_Rules::CheckForUnReferencedNodes() {
     form::GUI& gui = Form();
+    CopyGroup copies(db_);
     form::RunTrapped(services_, "CheckForUnReferencedNodes", [&] {
+        const CommitOnError commitOnError(copies);
         gui.StatusBar1.SetPanelText("Checking for non-existing nodes. Please wait...");
         services_.DoEvents();
 
@@ -229,18 +298,22 @@ void Business_Rules::CheckForUnReferencedNodes() {
                 continue;
             }
             if (answer != form::kConfirmYesToAll) {
+                copies.Commit();
                 services_.SetBusyCursor(false);
                 answer = dialog->Show(1, MissingNodeQuestion(key), 1, 7, "Confirmation");
                 services_.SetBusyCursor(true);
             }
             if (answer == form::kConfirmYes || answer == form::kConfirmYesToAll) {
                 if (FindCopyPlan(typeID) == nullptr) {
+                    copies.Commit();
                     gui.ShowInformation(key +
                                         " could not be created: its type cannot be created here.");
                 } else if (!IsNodeExisted(typeID, kTemplateNumber)) {
+                    copies.Commit();
                     gui.ShowInformation(
                         key + " could not be created: there is no template node 0 of its type.");
                 } else {
+                    copies.Join();
                     AutoCreateNode(kTemplateNumber, number, typeID);
                     gui.StatusBar1.SetPanelText(key + " is created.");
                 }
@@ -249,6 +322,13 @@ void Business_Rules::CheckForUnReferencedNodes() {
             }
         }
     });
+    // A save goes on in the group's transaction, so that the copies and the
+    // node are written in one commit.
+    if (keepCopiesOpen_) {
+        copies.HandOver();
+    } else {
+        form::RunTrapped(services_, "CheckForUnReferencedNodes", [&] { copies.Commit(); });
+    }
 }
 
 }  // namespace dbn

@@ -8,6 +8,7 @@
 #include "session/modification_time.h"
 #include "session/transaction_scope.h"
 
+#include <exception>
 #include <string>
 #include <vector>
 
@@ -138,6 +139,60 @@ private:
     form::FormServices& services_;
 };
 
+// Ends the transaction that the referenced-node check left open with its
+// last copies: committed together with the save, and on their own when the
+// save fails or finds its node gone, so that the nodes the operator agreed to
+// create are kept either way.
+class OpenCopies {
+public:
+    explicit OpenCopies(DataBase& db) : db_(db), open_(db.InTransaction()) {}
+    ~OpenCopies() {
+        try {
+            Commit();
+        } catch (const std::exception&) {
+            // Rolled back; the save's own error, if any, is the one shown.
+        }
+    }
+    OpenCopies(const OpenCopies&) = delete;
+    OpenCopies& operator=(const OpenCopies&) = delete;
+
+    // Commits the copies (and whatever the save wrote in their transaction);
+    // a failed commit rolls them back.
+    void Commit() {
+        if (!open_ || !db_.InTransaction()) {
+            open_ = false;
+            return;
+        }
+        open_ = false;
+        try {
+            db_.CommitTrans();
+        } catch (const std::exception&) {
+            try {
+                db_.RollbackTrans();
+            } catch (const std::exception&) {
+                // The connection has already ended the transaction itself.
+            }
+            throw;
+        }
+    }
+
+private:
+    DataBase& db_;
+    bool open_;
+};
+
+// Sets a flag for the length of a scope.
+class FlagScope {
+public:
+    explicit FlagScope(bool& flag) : flag_(flag) { flag_ = true; }
+    ~FlagScope() { flag_ = false; }
+    FlagScope(const FlagScope&) = delete;
+    FlagScope& operator=(const FlagScope&) = delete;
+
+private:
+    bool& flag_;
+};
+
 }  // namespace
 
 bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
@@ -146,13 +201,17 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
     bool vanished = false;
     form::RunTrapped(services_, "SaveChanges", [&] {
         SavingDisplay display(gui, services_);
-        CheckForUnReferencedNodes();
+        {
+            const FlagScope keepOpen(keepCopiesOpen_);
+            CheckForUnReferencedNodes();
+        }
+        OpenCopies copies(db_);
         gui.StatusBar1.SetPanelText("Saving node information. Please wait...");
 
         const NodeKeyText key{std::to_string(gui.ConfigID()), std::to_string(gui.PartitionID()),
                               std::to_string(nodeNumber)};
         // The prompt rows, the node's row and its pool entry change together
-        // or not at all.
+        // or not at all (inside the copies' transaction, as a savepoint).
         TransactionScope transaction(db_);
         db_.Execute("Delete_DBN_PromptsNode", {key.config, key.partition, key.number});
         if (db_.Execute("Update_DBN_Node_Part1", Part1Arguments(gui, key)) == 0) {
@@ -167,6 +226,7 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
                      key.partition, kDbnTypeID, key.number});
         WritePromptRows(db_, gui, key);
         transaction.Commit();
+        copies.Commit();
         committed = true;
     });
     if (vanished) {
