@@ -43,13 +43,6 @@ template <typename Action>
     return ::testing::AssertionFailure() << "raised nothing";
 }
 
-struct EventCount {
-    int count = 0;
-    std::function<void()> Handler() {
-        return [this] { ++count; };
-    }
-};
-
 // The aspects a control reports, in order.
 struct ChangeLog {
     explicit ChangeLog(form::Control& control) {
@@ -57,6 +50,24 @@ struct ChangeLog {
     }
     std::vector<form::ChangeAspect> aspects;
 };
+
+// The caption of a label, button or frame, or the text of any other control.
+inline std::string TextOf(const form::Control& control) {
+    if (auto* label = dynamic_cast<const form::Label*>(&control)) {
+        return label->Caption();
+    }
+    if (auto* button = dynamic_cast<const form::Button*>(&control)) {
+        return button->Caption();
+    }
+    if (auto* frame = dynamic_cast<const form::Frame*>(&control)) {
+        return frame->Caption();
+    }
+    if (auto* field = dynamic_cast<const form::TextField*>(&control)) {
+        return field->Text();
+    }
+    auto* list = dynamic_cast<const form::ListControl*>(&control);
+    return list ? list->Text() : "";
+}
 
 // A row as "key:text|name|command|label|code|type|number".
 inline std::string Cells(const form::ListItem& row) {
@@ -181,6 +192,22 @@ protected:
         gui.cmdActionsDefault_Click();
         gui.cmdApply.SetEnabled(false);
         services.boxes.clear();
+    }
+
+    // The named controls' texts or captions, each followed by " off" when it
+    // is disabled and " hidden" when it is hidden, joined by "|".
+    std::string Show(const std::string& names) {
+        std::istringstream words(names);
+        std::string shown;
+        for (std::string name, separator; words >> name; separator = "|") {
+            const form::Control* control = gui.FindControl(name);
+            if (control == nullptr) {
+                return "no control " + name;
+            }
+            shown += separator + TextOf(*control) + (control->Enabled() ? "" : " off") +
+                     (control->Visible() ? "" : " hidden");
+        }
+        return shown;
     }
 
     // Marks the node as changed, as an operator's edit would.

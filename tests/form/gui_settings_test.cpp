@@ -6,78 +6,59 @@
 namespace dbn::testing {
 namespace {
 
-class GuiMethod : public FormFixture {
-protected:
-    bool SecondGroupEnabled(bool expected) {
-        for (form::ListControl* list :
-             {&gui.cmbSecondMinDigits, &gui.cmbSecondMaxDigits, &gui.cmbSecondMatchPrompt,
-              &gui.cmbSecondMatchPromptNumber}) {
-            if (list->Enabled() != expected) {
-                return false;
-            }
-        }
-        return true;
-    }
-};
+using GuiSettings = FormFixture;
 
-TEST_F(GuiMethod, MethodSwitchesLanguagesAndTheFormWidth) {
+const std::string kSecondGroup =
+    "cmbsecondMatch cmbSecondMinDigits cmbSecondMaxDigits cmbSecondMatchPrompt "
+    "cmbSecondMatchPromptNumber";
+
+TEST_F(GuiSettings, MethodSwitchesLanguagesAndTheFormWidth) {
     ASSERT_TRUE(input::Pick(gui.cmbMethod, 1));
     EXPECT_EQ(gui.Width(), gui.fraCustomSettings.Left());
-    EXPECT_TRUE(gui.fraLanguage.Enabled());
-    EXPECT_TRUE(gui.cmbLanguage2.Enabled());
-    EXPECT_TRUE(gui.cmdApply.Enabled());
+    EXPECT_EQ(Show("fraLanguage lblLanguage1 cmbLanguage1 cmbLanguage2 cmdApply"),
+              "|Language 1:|English|None|Apply");
 
     gui.SetWidth(7000);
     ASSERT_TRUE(input::Pick(gui.cmbMethod, 0));
     EXPECT_EQ(gui.Width(), 10590);
-    EXPECT_FALSE(gui.fraLanguage.Enabled());
-    EXPECT_FALSE(gui.lblLanguage1.Enabled());
-    EXPECT_FALSE(gui.cmbLanguage1.Enabled());
     // The languages keep their choices.
-    EXPECT_EQ(gui.cmbLanguage1.Text(), "English");
+    EXPECT_EQ(Show("fraLanguage lblLanguage1 cmbLanguage1 cmbLanguage2"),
+              " off|Language 1: off|English off|None off");
 }
 
-TEST_F(GuiMethod, BothNamesOrExtensionForceAndDisableTheSecondMatch) {
-    input::Pick(gui.cmbsecondMatch, 1);  // "Last Name"
-    input::Type(gui.cmbSecondMinDigits, "4");
-    input::Type(gui.cmbSecondMaxDigits, "8");
-    ASSERT_TRUE(SecondGroupEnabled(true));
-
-    ASSERT_TRUE(input::Pick(gui.cmbfirstMatch, 3));  // "Extension"
-    EXPECT_EQ(gui.cmbsecondMatch.Text(), "None");
-    EXPECT_EQ(gui.cmbSecondMinDigits.Text(), "1");
-    EXPECT_EQ(gui.cmbSecondMaxDigits.Text(), "5");
-    EXPECT_EQ(gui.cmbSecondMatchPrompt.Text(), "MSG");
-    EXPECT_FALSE(gui.cmbsecondMatch.Enabled());
-    EXPECT_TRUE(SecondGroupEnabled(false));
-
-    // Back to a name match: only the second-match list becomes usable.
-    ASSERT_TRUE(input::Pick(gui.cmbfirstMatch, 0));
-    EXPECT_TRUE(gui.cmbsecondMatch.Enabled());
-    EXPECT_TRUE(SecondGroupEnabled(false));
+TEST_F(GuiSettings, BothNamesOrExtensionForceAndDisableTheSecondMatch) {
+    for (int forcing : {3, 2}) {             // "Extension", "Both Names"
+        input::Pick(gui.cmbsecondMatch, 1);  // "Last Name"
+        input::Type(gui.cmbSecondMinDigits, "4");
+        input::Type(gui.cmbSecondMaxDigits, "8");
+        input::Pick(gui.cmbSecondMatchPrompt, 1);
+        ASSERT_EQ(Show(kSecondGroup), "Last Name|4|8|LIST|1");
+        ASSERT_TRUE(input::Pick(gui.cmbfirstMatch, forcing));
+        EXPECT_EQ(Show(kSecondGroup), "None off|1 off|5 off|MSG off|1 off");
+        // Back to a name match: only the second-match list becomes usable.
+        ASSERT_TRUE(input::Pick(gui.cmbfirstMatch, 0));
+        EXPECT_EQ(Show(kSecondGroup), "None|1 off|5 off|MSG off|1 off");
+    }
     ASSERT_TRUE(input::Pick(gui.cmbsecondMatch, 2));
-    EXPECT_TRUE(SecondGroupEnabled(true));
+    EXPECT_EQ(Show(kSecondGroup), "First Name|1|5|MSG|1");
     ASSERT_TRUE(input::Pick(gui.cmbfirstMatch, 1));
-    EXPECT_TRUE(SecondGroupEnabled(true));
+    EXPECT_EQ(Show(kSecondGroup), "First Name|1|5|MSG|1");
 }
 
-TEST_F(GuiMethod, PlainSelectionsOnlyMarkTheNodeChanged) {
+TEST_F(GuiSettings, PlainSelectionsOnlyMarkTheNodeChanged) {
     for (form::ListControl* list : {&gui.cmbDirectory, &gui.cmbLanguage2, &gui.cmbSecondMaxDigits,
                                     &gui.cmbRetryLimit, &gui.cmbPlayName, &gui.cmbGreetingNumber}) {
         SCOPED_TRACE(list->Name());
         gui.cmdApply.SetEnabled(false);
-        const int width = gui.Width();
         list->SetListIndex(1);
         EXPECT_TRUE(gui.cmdApply.Enabled());
         EXPECT_EQ(list->Text(), list->List(1));
-        EXPECT_EQ(gui.Width(), width);
+        EXPECT_EQ(gui.Width(), 10590);
     }
     EXPECT_TRUE(services.boxes.empty());
 }
 
-using GuiNumbers = FormFixture;
-
-TEST_F(GuiNumbers, TypedNumbersAreClampedToTheList) {
+TEST_F(GuiSettings, TypedNumbersAreClampedToTheList) {
     // cmbFirstMinDigits holds 1 to 9, cmbSelTimeOut 1 to 60.
     for (auto [typed, kept] :
          {std::pair{"12", "1"}, {"0", "1"}, {"7x5", "7"}, {"", "1"}, {"abc", "1"}, {"9", "9"}}) {
@@ -98,60 +79,47 @@ TEST_F(GuiNumbers, TypedNumbersAreClampedToTheList) {
     EXPECT_TRUE(gui.cmdApply.Enabled());
 }
 
-using GuiValidation = FormFixture;
+TEST_F(GuiSettings, ChecksBeforeSavingMoveLanguagesOrStopWithAMessage) {
+    const std::string sameMatch =
+        "Second Match must be different from the First Match.  Please select another option "
+        "in Second Match.";
+    const std::string minAboveMax =
+        "Min Digits value must be less than or equal to Max Digits value.";
+    // Custom method: the matches are checked, in this order.
+    for (auto [second, firstMin, secondMin, message, focused] :
+         {std::tuple{1, "5", "1", &sameMatch, &gui.cmbsecondMatch},  // second as first
+          {2, "6", "1", &minAboveMax, &gui.cmbFirstMinDigits},
+          {2, "5", "7", &minAboveMax, &gui.cmbSecondMinDigits}}) {
+        gui.cmbsecondMatch.SetListIndex(second);
+        gui.cmbFirstMinDigits.SetText(firstMin);
+        gui.cmbSecondMinDigits.SetText(secondMin);
+        EXPECT_FALSE(gui.ValidateBeforeSave());
+        EXPECT_EQ(services.TakeBoxTexts(), Texts{*message});
+        EXPECT_TRUE(focused->HasFocus()) << focused->Name();
+    }
+    // With no second match its limits are not compared.
+    gui.cmbsecondMatch.SetListIndex(0);
+    gui.cmbSecondMinDigits.SetEnabled(true);
+    gui.cmbSecondMinDigits.SetText("9");
+    EXPECT_TRUE(gui.ValidateBeforeSave());
 
-TEST_F(GuiValidation, DefaultMethodMovesOrDropsLanguages) {
+    // Default method: a second language alone moves up; the same language twice
+    // is dropped from the second place; no language at all stops the save.
     gui.cmbMethod.SetListIndex(1);
-    gui.cmbLanguage1.SetListIndex(0);
-    gui.cmbLanguage2.SetListIndex(2);  // French
-    EXPECT_TRUE(gui.ValidateBeforeSave());
-    EXPECT_EQ(gui.cmbLanguage1.Text(), "French");
-    EXPECT_EQ(gui.cmbLanguage2.Text(), "None");
-
-    gui.cmbLanguage2.SetListIndex(2);
-    EXPECT_TRUE(gui.ValidateBeforeSave());
-    EXPECT_EQ(gui.cmbLanguage1.Text(), "French");
-    EXPECT_EQ(gui.cmbLanguage2.Text(), "None");
-
+    for (int french : {0, 1}) {
+        gui.cmbLanguage1.SetListIndex(french * 2);
+        gui.cmbLanguage2.SetListIndex(2);
+        EXPECT_TRUE(gui.ValidateBeforeSave());
+        EXPECT_EQ(Show("cmbLanguage1 cmbLanguage2"), "French|None");
+    }
+    EXPECT_TRUE(services.boxes.empty());
     gui.cmbLanguage1.SetListIndex(0);
     EXPECT_FALSE(gui.ValidateBeforeSave());
     EXPECT_EQ(services.TakeBoxTexts(), Texts{"Please select a language in Language 1"});
     EXPECT_TRUE(gui.cmbLanguage1.HasFocus());
 }
 
-TEST_F(GuiValidation, CustomMethodChecksTheMatches) {
-    const std::string sameMatch =
-        "Second Match must be different from the First Match.  Please select another option "
-        "in Second Match.";
-    const std::string minAboveMax =
-        "Min Digits value must be less than or equal to Max Digits value.";
-
-    gui.cmbsecondMatch.SetListIndex(1);  // "Last Name", as the first match
-    EXPECT_FALSE(gui.ValidateBeforeSave());
-    EXPECT_EQ(services.TakeBoxTexts(), Texts{sameMatch});
-    EXPECT_TRUE(gui.cmbsecondMatch.HasFocus());
-
-    gui.cmbsecondMatch.SetListIndex(2);
-    gui.cmbFirstMinDigits.SetText("6");
-    EXPECT_FALSE(gui.ValidateBeforeSave());
-    EXPECT_EQ(services.TakeBoxTexts(), Texts{minAboveMax});
-    EXPECT_TRUE(gui.cmbFirstMinDigits.HasFocus());
-
-    gui.cmbFirstMinDigits.SetText("5");
-    gui.cmbSecondMinDigits.SetText("7");
-    EXPECT_FALSE(gui.ValidateBeforeSave());
-    EXPECT_EQ(services.TakeBoxTexts(), Texts{minAboveMax});
-    EXPECT_TRUE(gui.cmbSecondMinDigits.HasFocus());
-
-    // With no second match its limits are not compared.
-    gui.cmbsecondMatch.SetListIndex(0);
-    gui.cmbSecondMinDigits.SetEnabled(true);
-    gui.cmbSecondMinDigits.SetText("9");
-    EXPECT_TRUE(gui.ValidateBeforeSave());
-    EXPECT_TRUE(services.TakeBoxTexts().empty());
-}
-
-TEST_F(GuiValidation, TypesSwitchedOffInThePartitionAreNotAvailable) {
+TEST_F(GuiSettings, TypesSwitchedOffInThePartitionAreNotAvailable) {
     EXPECT_TRUE(gui.IsInstructionTypeAvailable("msg"));
     EXPECT_TRUE(gui.IsInstructionTypeAvailable("M_ON"));
     EXPECT_FALSE(gui.IsInstructionTypeAvailable("paas"));
@@ -168,42 +136,32 @@ TEST_F(GuiValidation, TypesSwitchedOffInThePartitionAreNotAvailable) {
     EXPECT_TRUE(gui.IsPromptTypeAvailable("M_ON"));
 }
 
-class GuiEditModes : public FormFixture {
-protected:
-    void StartActionsEdit() {
-        gui.LVActions.SetSelectedItem(gui.LVActions.FindItem("1a"));
-        gui.cmdActionsEdit_Click();
-        ASSERT_EQ(gui.cmdActionsEdit.Caption(), "Edit Off");
-    }
-    void StartConfirmEdit() {
-        gui.LVConfirm.SetSelectedItem(gui.LVConfirm.FindItem("1a"));
-        gui.cmdConfirmEdit_Click();
-        ASSERT_EQ(gui.cmdConfirmEdit.Caption(), "Edit Off");
-    }
-};
-
-TEST_F(GuiEditModes, FocusEndsTheEditModesOfTheOtherLists) {
-    StartActionsEdit();
-    // The row's own pickers keep the mode.
+TEST_F(GuiSettings, FocusEndsTheEditModesOfTheOtherLists) {
+    const auto start = [this](form::Button& edit, form::ListView& list) {
+        list.SetSelectedItem(list.FindItem("1a"));
+        edit.Click();
+        return edit.Caption() == "Edit Off";
+    };
+    // Focus that keeps each mode (the list, its own pickers), then the focus
+    // that ends it.
+    ASSERT_TRUE(start(gui.cmdActionsEdit, gui.LVActions));
     input::Focus(gui.cmbValidMatchNumber);
-    EXPECT_EQ(gui.cmdActionsEdit.Caption(), "Edit Off");
     input::Focus(gui.LVActions);
-    EXPECT_EQ(gui.cmdActionsEdit.Caption(), "Edit Off");
+    EXPECT_EQ(Show("cmdActionsEdit cmbValidMatchNode"), "Edit Off|XFER");
     input::Focus(gui.cmbMaxMatches);
-    EXPECT_EQ(gui.cmdActionsEdit.Caption(), "Edit");
-    EXPECT_FALSE(gui.cmbValidMatchNode.Visible());
+    EXPECT_EQ(Show("cmdActionsEdit cmbValidMatchNode"), "Edit|XFER hidden");
 
-    StartConfirmEdit();
+    ASSERT_TRUE(start(gui.cmdConfirmEdit, gui.LVConfirm));
     input::Focus(gui.cmbMaxMatches);
     input::Focus(gui.LVConfirm);
     EXPECT_EQ(gui.cmdConfirmEdit.Caption(), "Edit Off");
     input::Focus(gui.LVActions);
     EXPECT_EQ(gui.cmdConfirmEdit.Caption(), "Edit");
 
-    StartConfirmEdit();
+    ASSERT_TRUE(start(gui.cmdConfirmEdit, gui.LVConfirm));
     input::Focus(gui.txtDescription);
     EXPECT_EQ(gui.cmdConfirmEdit.Caption(), "Edit");
-    StartActionsEdit();
+    ASSERT_TRUE(start(gui.cmdActionsEdit, gui.LVActions));
     input::Focus(gui.cmbRetryLimit);
     EXPECT_EQ(gui.cmdActionsEdit.Caption(), "Edit");
 }
