@@ -1,5 +1,5 @@
-// The control model's event rules: lists, text fields, list views, focus and
-// the operator's input.
+// The control model's event rules: lists, text fields, list views, change
+// notifications, focus and the operator's input.
 
 #include "form_fixture.h"
 
@@ -8,200 +8,11 @@ namespace {
 
 using namespace form;
 using Aspects = std::vector<ChangeAspect>;
-
-class ListControlTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        for (auto* list : {&choice, &editable}) {
-            for (const char* text : {"MSG", "Dbn", "msg"}) {
-                list->AddItem(text);
-            }
-            list->Click = [this] { ++clicks; };
-            list->Change = [this] { ++changes; };
-        }
-    }
-    ListControl choice{ControlKind::ChoiceList, "cmbNode", nullptr, Rect{}, 1};
-    ListControl editable{ControlKind::EditableList, "cmbNumber", nullptr, Rect{}, 2};
-    int clicks = 0;
-    int changes = 0;
-};
-
-TEST_F(ListControlTest, WritingTheIndexAlwaysClicksAndClearingRaisesNothing) {
-    EXPECT_EQ(choice.NewIndex(), 2);
-    choice.SetItemData(1, 15);
-    EXPECT_EQ(choice.ItemData(1), 15);
-    EXPECT_TRUE(RaisesError([&] { (void)choice.List(3); }, 381, "Invalid property array index"));
-    EXPECT_TRUE(
-        RaisesError([&] { choice.SetItemData(-1, 1); }, 381, "Invalid property array index"));
-
-    choice.SetListIndex(1);
-    choice.SetListIndex(1);
-    EXPECT_EQ(choice.Text(), "Dbn");
-    choice.SetListIndex(-1);
-    EXPECT_EQ(choice.Text(), "");
-    EXPECT_EQ(clicks, 3);
-    for (int wrong : {3, -2}) {
-        EXPECT_TRUE(
-            RaisesError([&] { choice.SetListIndex(wrong); }, 380, "Invalid property value"));
-    }
-    EXPECT_EQ(clicks, 3);
-    // Selecting on an editable list sets its text without a Change.
-    editable.SetListIndex(2);
-    EXPECT_EQ(editable.Text(), "msg");
-    EXPECT_EQ(changes, 0);
-
-    choice.SetListIndex(1);
-    clicks = 0;
-    choice.Clear();
-    EXPECT_EQ(choice.ListCount(), 0);
-    EXPECT_EQ(choice.ListIndex(), -1);
-    EXPECT_EQ(choice.Text(), "");
-    EXPECT_EQ(choice.NewIndex(), -1);
-    EXPECT_EQ(clicks + changes, 0);
-}
-
-TEST_F(ListControlTest, WritingTheText) {
-    // A choice list selects the first entry that matches, ignoring case.
-    choice.SetText("mSg");
-    choice.SetText("MSG");
-    EXPECT_EQ(choice.ListIndex(), 0);
-    EXPECT_EQ(choice.Text(), "MSG");
-    EXPECT_EQ(clicks, 2);
-    EXPECT_TRUE(RaisesError([&] { choice.SetText("MS"); }, 383, "'Text' property is read-only"));
-    EXPECT_EQ(choice.Text(), "MSG");
-    EXPECT_EQ(clicks, 2);
-
-    // An editable list changes only when the text differs and keeps its index.
-    editable.SetListIndex(1);
-    editable.SetText("msg");
-    editable.SetText("msg");
-    EXPECT_EQ(editable.ListIndex(), 1);
-    EXPECT_EQ(changes, 1);
-    EXPECT_EQ(clicks, 3);
-    editable.SetSelStart(10);
-    EXPECT_EQ(editable.SelStart(), 3);
-}
-
-TEST_F(ListControlTest, ObserversHearOnlyRealChangesUntilRemoved) {
-    choice.SetListIndex(0);
-    ChangeLog log(choice);
-    choice.SetListIndex(0);
-    choice.SetItemData(0, 0);
-    choice.SetVisible(true);
-    choice.SetWidth(0);
-    EXPECT_TRUE(log.aspects.empty());
-
-    int seen = 0;
-    const int handle = choice.Observe([&](Control&, ChangeAspect) { ++seen; });
-    choice.SetListIndex(2);
-    choice.Unobserve(handle);
-    choice.AddItem("X");
-    choice.SetEnabled(false);
-    choice.SetLeft(5);
-    EXPECT_EQ(seen, 2);
-    EXPECT_EQ(log.aspects,
-              (Aspects{ChangeAspect::Selection, ChangeAspect::Text, ChangeAspect::Entries,
-                       ChangeAspect::State, ChangeAspect::Geometry}));
-}
-
-TEST(TextFieldAndPlainList, CutTextAndFindWholeEntries) {
-    TextField field("txtDescription", nullptr, Rect{}, 7, "", 5);
-    int changes = 0;
-    field.Change = [&] { ++changes; };
-    field.SetText("abcdefgh");
-    field.SetText("abcdexyz");  // cut to the same text: no change
-    EXPECT_EQ(field.Text(), "abcde");
-    EXPECT_EQ(changes, 1);
-    // The limit counts characters, not bytes.
-    field.SetText("\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9");
-    EXPECT_EQ(field.Text(), "\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9");
-    field.SetText("abc");
-    field.SetSelStart(1);
-    field.SetSelLength(9);
-    EXPECT_EQ(field.SelLength(), 2);
-    field.SetText("a");
-    EXPECT_EQ(field.SelStart(), 1);
-    EXPECT_EQ(field.SelLength(), 0);
-
-    PlainList list("lstNodeTypeName", nullptr, Rect{}, 89);
-    list.AddItem("MSG");
-    list.AddItem("msg 12");
-    EXPECT_EQ(list.FindExact("Msg 12"), 1);
-    EXPECT_EQ(list.FindExact("ms"), -1);
-    EXPECT_TRUE(RaisesError([&] { (void)list.List(2); }, 381, "Invalid property array index"));
-}
-
-class ListViewTest : public ::testing::Test {
-protected:
-    ListView list{"LVActions", nullptr, Rect{}, 22};
-};
-
-TEST_F(ListViewTest, ColumnsKeyedRowsAndSubItems) {
-    list.AddColumn({"#", 300, ColumnAlignment::Right});
-    EXPECT_EQ(list.Column(0).alignment, ColumnAlignment::Right);
-    EXPECT_TRUE(RaisesError([&] { (void)list.Column(1); }, 35600, "Index out of bounds"));
-
-    ListItem& first = list.AddItem("1a", "1");
-    ListItem& second = list.AddItem("2a", "2");
-    EXPECT_TRUE(
-        RaisesError([&] { list.AddItem("1a", "x"); }, 35602, "Key is not unique in collection"));
-    EXPECT_EQ(list.ItemCount(), 2);
-    EXPECT_EQ(list.FindItem("2a"), &second);
-    EXPECT_TRUE(RaisesError([&] { (void)list.ItemAt(2); }, 35600, "Index out of bounds"));
-
-    ChangeLog log(list);
-    EXPECT_EQ(first.SubItem(6), "");
-    first.SetSubItem(4, "Abort");
-    first.SetSubItem(4, "Abort");
-    first.SetSubItem(1, "");
-    EXPECT_EQ(first.SubItem(4), "Abort");
-    EXPECT_TRUE(RaisesError([&] { first.SetSubItem(7, "x"); }, 380, "Invalid property value"));
-    EXPECT_EQ(log.aspects, (Aspects{ChangeAspect::Rows}));
-
-    list.RemoveItem(0);
-    EXPECT_EQ(second.Index(), 0);
-    list.AddItem("1a", "1");  // the removed row's key is free again
-}
-
-TEST_F(ListViewTest, SelectionFollowsAddRemoveAndClear) {
-    ListItem& first = list.AddItem("1a", "1");
-    ListItem& second = list.AddItem("2a", "2");
-    EXPECT_EQ(list.SelectedItem(), &first);
-    EXPECT_TRUE(first.Selected());
-    list.SetSelectedItem(&second);
-    EXPECT_FALSE(first.Selected());
-    EXPECT_TRUE(second.Selected());
-    list.RemoveItem(0);
-    EXPECT_EQ(list.SelectedItem(), &second);
-    list.RemoveItem(0);
-    EXPECT_EQ(list.SelectedItem(), nullptr);
-
-    ListItem& third = list.AddItem("3a", "3");
-    EXPECT_EQ(list.SelectedItem(), &third);
-    EXPECT_TRUE(third.Selected());
-    list.ClearItems();
-    EXPECT_EQ(list.SelectedItem(), nullptr);
-}
-
-TEST_F(ListViewTest, RowPositionsVisibilityAndTabStop) {
-    list.AddItem("1a", "1");
-    list.AddItem("2a", "2");
-    ListItem& third = list.AddItem("3a", "3");
-    EXPECT_EQ(list.RowPositionOf(third).top, 285 + 2 * 255);
-    list.SetRowGeometry([](const ListView&, int position) { return RowPosition{30, position}; });
-    EXPECT_EQ(list.RowPositionOf(third).top, 2);
-
-    ChangeLog log(list);
-    list.EnsureVisible(third);
-    EXPECT_EQ(list.EnsuredVisible(), 2);
-    list.SetTabStop(true);
-    list.SetTabStop(false);
-    EXPECT_EQ(log.aspects, (Aspects{ChangeAspect::Rows, ChangeAspect::State}));
-}
+const std::string kBadIndex = "Invalid property array index";
 
 // One control of each kind the operator works with, in a frame in a frame;
 // every event is written to a journal.
-class InputTest : public ::testing::Test {
+class ControlsTest : public ::testing::Test {
 protected:
     void SetUp() override {
         for (Control* control : controls) {
@@ -209,7 +20,9 @@ protected:
             control->GotFocus = Log("focus " + control->Name());
         }
         for (ListControl* combo : {&choice, &editable}) {
-            combo->AddItem("MSG");
+            for (const char* text : {"MSG", "Dbn", "msg"}) {
+                combo->AddItem(text);
+            }
             combo->Click = Log("click " + combo->Name());
             combo->Change = Log("change " + combo->Name());
         }
@@ -248,7 +61,133 @@ protected:
     Texts journal;
 };
 
-TEST_F(InputTest, InputFocusesFirstThenActs) {
+TEST_F(ControlsTest, ListSelectionAndTextWrittenInCode) {
+    choice.SetListIndex(1);
+    choice.SetListIndex(1);  // the same index clicks again
+    EXPECT_EQ(choice.Text(), "Dbn");
+    choice.SetListIndex(-1);
+    EXPECT_EQ(choice.Text(), "");
+    choice.SetText("mSg");  // selects the first entry that matches, ignoring case
+    EXPECT_EQ(choice.ListIndex(), 0);
+    for (int wrong : {3, -2}) {
+        EXPECT_TRUE(
+            RaisesError([&] { choice.SetListIndex(wrong); }, 380, "Invalid property value"));
+    }
+    EXPECT_TRUE(RaisesError([&] { choice.SetText("MS"); }, 383, "'Text' property is read-only"));
+    EXPECT_EQ(choice.Text(), "MSG");
+
+    // An editable list: selecting sets the text without a Change; writing the
+    // text raises Change only when it differs, and keeps the index.
+    editable.SetListIndex(2);
+    editable.SetText("msg");
+    editable.SetText("Dbn");
+    EXPECT_EQ(editable.ListIndex(), 2);
+    editable.SetSelStart(10);
+    EXPECT_EQ(editable.SelStart(), 3);
+    EXPECT_EQ(journal, (Texts{"click cmbNode", "click cmbNode", "click cmbNode", "click cmbNode",
+                              "click cmbNumber", "change cmbNumber"}));
+}
+
+TEST_F(ControlsTest, EntriesTagsClearingAndTextLimits) {
+    EXPECT_EQ(choice.NewIndex(), 2);
+    choice.SetItemData(1, 15);
+    EXPECT_EQ(choice.ItemData(1), 15);
+    EXPECT_TRUE(RaisesError([&] { (void)choice.List(3); }, 381, kBadIndex));
+    EXPECT_TRUE(RaisesError([&] { choice.SetItemData(-1, 1); }, 381, kBadIndex));
+    choice.SetListIndex(1);
+    choice.Clear();  // no event
+    EXPECT_EQ(std::tuple(choice.ListCount(), choice.ListIndex(), choice.Text(), choice.NewIndex()),
+              std::tuple(0, -1, "", -1));
+
+    PlainList plain("lstNodeTypeName", nullptr, Rect{}, 89);
+    plain.AddItem("MSG");
+    plain.AddItem("msg 12");
+    EXPECT_EQ(plain.FindExact("Msg 12"), 1);
+    EXPECT_EQ(plain.FindExact("ms"), -1);
+    EXPECT_TRUE(RaisesError([&] { (void)plain.List(2); }, 381, kBadIndex));
+
+    // A text field cuts to its maximum length in characters, not bytes.
+    field.SetText("abcdefgh");
+    field.SetText("abcdxyz");  // cut to the same text: no change
+    EXPECT_EQ(field.Text(), "abcd");
+    field.SetText("\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9");
+    EXPECT_EQ(field.Text(), "\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9");
+    field.SetText("abc");
+    field.SetSelStart(1);
+    field.SetSelLength(9);
+    EXPECT_EQ(field.SelLength(), 2);
+    field.SetText("a");
+    EXPECT_EQ(std::pair(field.SelStart(), field.SelLength()), std::pair(1, 0));
+    EXPECT_EQ(journal,
+              (Texts{"click cmbNode", "change txt", "change txt", "change txt", "change txt"}));
+}
+
+TEST_F(ControlsTest, ObserversHearOnlyRealChangesUntilRemoved) {
+    choice.SetListIndex(0);
+    ChangeLog log(choice);
+    choice.SetListIndex(0);
+    choice.SetItemData(0, 0);
+    choice.SetVisible(true);
+    choice.SetWidth(0);
+    EXPECT_TRUE(log.aspects.empty());
+    int seen = 0;
+    const int handle = choice.Observe([&](Control&, ChangeAspect) { ++seen; });
+    choice.SetListIndex(2);
+    choice.Unobserve(handle);
+    choice.AddItem("X");
+    choice.SetEnabled(false);
+    choice.SetLeft(5);
+    EXPECT_EQ(seen, 2);
+    EXPECT_EQ(log.aspects,
+              (Aspects{ChangeAspect::Selection, ChangeAspect::Text, ChangeAspect::Entries,
+                       ChangeAspect::State, ChangeAspect::Geometry}));
+
+    // A list view reports cells, scrolling and its tab stop.
+    ChangeLog rows(list);
+    first->SetSubItem(4, "Abort");
+    first->SetSubItem(4, "Abort");
+    first->SetSubItem(1, "");
+    list.EnsureVisible(*second);
+    EXPECT_EQ(list.EnsuredVisible(), 1);
+    list.SetTabStop(true);
+    list.SetTabStop(false);
+    EXPECT_EQ(rows.aspects, (Aspects{ChangeAspect::Rows, ChangeAspect::Rows, ChangeAspect::State}));
+}
+
+TEST_F(ControlsTest, ListViewKeyedRowsSelectionAndPositions) {
+    list.AddColumn({"#", 300, ColumnAlignment::Right});
+    EXPECT_EQ(list.Column(0).alignment, ColumnAlignment::Right);
+    EXPECT_TRUE(RaisesError([&] { (void)list.Column(1); }, 35600, "Index out of bounds"));
+    EXPECT_TRUE(
+        RaisesError([&] { list.AddItem("1a", "x"); }, 35602, "Key is not unique in collection"));
+    EXPECT_TRUE(RaisesError([&] { (void)list.ItemAt(2); }, 35600, "Index out of bounds"));
+    EXPECT_TRUE(RaisesError([&] { first->SetSubItem(7, "x"); }, 380, "Invalid property value"));
+    EXPECT_EQ(list.FindItem("2a"), second);
+    EXPECT_EQ(first->SubItem(6), "");
+
+    // The first row added to a list without a selection becomes selected.
+    EXPECT_EQ(list.SelectedItem(), first);
+    EXPECT_TRUE(first->Selected());
+    list.SetSelectedItem(second);
+    EXPECT_FALSE(first->Selected());
+    EXPECT_TRUE(second->Selected());
+    list.RemoveItem(0);
+    EXPECT_EQ(second->Index(), 0);
+    EXPECT_EQ(list.SelectedItem(), second);
+    ListItem& again = list.AddItem("1a", "1");  // the removed row's key is free again
+    EXPECT_EQ(list.RowPositionOf(again).top, 285 + 255);
+    list.SetRowGeometry([](const ListView&, int position) { return RowPosition{30, position}; });
+    EXPECT_EQ(list.RowPositionOf(again).top, 1);
+    list.RemoveItem(0);
+    EXPECT_EQ(list.SelectedItem(), nullptr);
+    ListItem& third = list.AddItem("3a", "3");
+    EXPECT_EQ(list.SelectedItem(), &third);
+    EXPECT_TRUE(third.Selected());
+    list.ClearItems();
+    EXPECT_EQ(list.SelectedItem(), nullptr);
+}
+
+TEST_F(ControlsTest, InputFocusesFirstThenActs) {
     ChangeLog buttonLog(button);
     EXPECT_TRUE(input::Pick(choice, 0));
     EXPECT_TRUE(input::Pick(choice, 0));
@@ -275,10 +214,10 @@ TEST_F(InputTest, InputFocusesFirstThenActs) {
                               "scroll", "focus cmd"}));
 }
 
-TEST_F(InputTest, HiddenOrDisabledControlsAndContainersRefuseInput) {
+TEST_F(ControlsTest, HiddenOrDisabledControlsAndContainersRefuseInput) {
     EXPECT_FALSE(input::Type(choice, "MSG"));
     EXPECT_FALSE(input::Type(readOnly, "x"));
-    EXPECT_FALSE(input::Pick(choice, 1));
+    EXPECT_FALSE(input::Pick(choice, 3));
     ListView other{"LVOther", &frame, Rect{}, 7};
     EXPECT_FALSE(input::ClickRow(list, other.AddItem("1a", "1")));
 
@@ -297,19 +236,19 @@ TEST_F(InputTest, HiddenOrDisabledControlsAndContainersRefuseInput) {
         }
         EXPECT_TRUE(RefusesAll()) << (hide ? "hidden" : "disabled");
     }
-    EXPECT_TRUE(journal.empty());
     EXPECT_EQ(scope.Focused(), nullptr);
-    EXPECT_EQ(editable.Text(), "");
-    EXPECT_EQ(list.SelectedItem(), first);
-}
-
-TEST_F(InputTest, StopsWhenTheFocusHandlerDisablesTheControl) {
+    // Input also stops when the focus handler disables or hides the control.
+    for (Control* control : controls) {
+        control->SetVisible(true);
+    }
     button.GotFocus = [this] { frame.SetEnabled(false); };
     EXPECT_FALSE(input::Press(button));
     frame.SetEnabled(true);
     list.GotFocus = [this] { list.SetVisible(false); };
     EXPECT_FALSE(input::ClickRow(list, *second));
+
     EXPECT_TRUE(journal.empty());
+    EXPECT_EQ(editable.Text(), "");
     EXPECT_EQ(list.SelectedItem(), first);
 }
 
