@@ -135,17 +135,13 @@ protected:
         gui.SetnodeNumber(5);
         gui.ResetConfirmationListView();
         gui.ResetActionsListView();
-        // Type ID, code, highest number; PAAS (limit 0) is not available.
-        for (auto [id, code, highest] : {std::tuple{0, "MSG", 20},
-                                         {4, "XFER", 12},
-                                         {8, "LIST", 5},
-                                         {12, "PAAS", 0},
-                                         {15, "DBN", 9},
-                                         {16, "DIR", 99},
-                                         {814, "NOOP", 0},
-                                         {817, "M_ON", 20}}) {
-            gui.NodeNameCollection().Add(code, std::to_string(id));
-            gui.MaxNodeNumberCollection().Add(std::to_string(highest), std::to_string(id));
+        // Type ID, code and highest number; PAAS (limit 0) is not available.
+        std::istringstream types(
+            "0 MSG 20  4 XFER 12  8 LIST 5  12 PAAS 0  15 DBN 9  16 DIR 99  814 NOOP 0  817 M_ON "
+            "20");
+        for (std::string id, code, highest; types >> id >> code >> highest;) {
+            gui.NodeNameCollection().Add(code, id);
+            gui.MaxNodeNumberCollection().Add(highest, id);
         }
         gui.NotAvailableMSGLISTNOOPNode().Add("PAAS", "12");
         gui.NotAvailableAllInstructionsNode().Add("PAAS", "12");
@@ -156,20 +152,19 @@ protected:
             {{"MSG", 0}, {"XFER", 4}, {"LIST", 8}, {"DBN", 15}, {"NOOP", 814}, {"M_ON", 817}},
             {&gui.cmbTimeoutNode, &gui.cmbInvalidNode, &gui.cmbAbortNode, &gui.cmbStarNode,
              &gui.cmbPoundNode, &gui.cmbZeroNode, &gui.cmbValidMatchNode});
-        // Numbers 1 to last, and the entry selected.
-        for (auto [list, last, index] : {std::tuple{&gui.cmbDirectory, 99, 0},
-                                         {&gui.cmbFirstMinDigits, 9, 2},
-                                         {&gui.cmbFirstMaxDigits, 9, 4},
-                                         {&gui.cmbSecondMinDigits, 9, 2},
-                                         {&gui.cmbSecondMaxDigits, 9, 4},
-                                         {&gui.cmbMaxMatches, 9, 4},
-                                         {&gui.cmbRetryLimit, 5, 0},
-                                         {&gui.cmbSelTimeOut, 60, 4},
-                                         {&gui.cmbDigitTimeOut, 15, 9}}) {
+        // Number lists: name, highest number, index selected.
+        std::istringstream numbers(
+            "cmbDirectory 99 0  cmbFirstMinDigits 9 2  cmbFirstMaxDigits 9 4  cmbSecondMinDigits 9 "
+            "2 "
+            "cmbSecondMaxDigits 9 4  cmbMaxMatches 9 4  cmbRetryLimit 5 0  cmbSelTimeOut 60 4 "
+            "cmbDigitTimeOut 15 9");
+        std::string name;
+        for (int last = 0, index = 0; numbers >> name >> last >> index;) {
+            auto& list = dynamic_cast<form::ListControl&>(*gui.FindControl(name));
             for (int n = 1; n <= last; ++n) {
-                list->AddItem(std::to_string(n));
+                list.AddItem(std::to_string(n));
             }
-            list->SetListIndex(index);
+            list.SetListIndex(index);
         }
         const Tagged languages = {{"None", 0}, {"English", 1}, {"French", 2}};
         const Tagged noYes = {{"No", 0}, {"Yes", 1}};

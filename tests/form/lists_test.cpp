@@ -3,6 +3,8 @@
 
 #include "form_fixture.h"
 
+#include <algorithm>
+
 namespace dbn::testing {
 namespace {
 
@@ -10,15 +12,12 @@ const std::string kNotice = "Please check the \"Max Number of each Node\" Sectio
 
 class ListsTest : public FormFixture {
 protected:
-    int VisibleActionPickers() {
-        int visible = 0;
-        for (const form::ListControl* picker :
-             {&gui.cmbValidMatchNode, &gui.cmbValidMatchNumber, &gui.cmbAbortNode,
-              &gui.cmbAbortNumber, &gui.cmbStarNode, &gui.cmbStarNumber, &gui.cmbPoundNode,
-              &gui.cmbPoundNumber, &gui.cmbZeroNode, &gui.cmbZeroNumber}) {
-            visible += picker->Visible() ? 1 : 0;
-        }
-        return visible;
+    // The in-place pickers of the actions list that show.
+    long VisibleActionPickers() {
+        return std::ranges::count_if(gui.Controls(), [this](const form::Control* control) {
+            return control->Container() == &gui.fraActions && control->Visible() &&
+                   control->Name().starts_with("cmb");
+        });
     }
     bool ConfirmPickersVisible() {
         return gui.cmbConfirmNode.Visible() || gui.cmbConfirmNumber.Visible();
