@@ -11,8 +11,10 @@
 #include <cstdint>
 #include <exception>
 #include <fstream>
+#include <functional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace dbn::bench {
 namespace {
@@ -107,7 +109,7 @@ void Register(const char* name, const std::function<void(benchmark::State&)>& me
     benchmark::RegisterBenchmark(name, measure)
         ->UseManualTime()
         ->Unit(benchmark::kMillisecond)
-        ->Iterations(10);
+        ->Iterations(20);
 }
 
 }  // namespace

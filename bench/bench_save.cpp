@@ -20,6 +20,17 @@ namespace {
 constexpr std::int16_t kPartition = 1;
 constexpr std::int16_t kNode = 1;
 
+// The saves that create nodes leave the node pointing at them, so they work
+// on a demo database of their own.
+BenchDataRoot& CreationRoot() {
+    static BenchDataRoot root(BenchDataRoot::Content::Demo);
+    return root;
+}
+
+BenchDataRoot& RootFor(bool missing) {
+    return missing ? CreationRoot() : DemoRoot();
+}
+
 // A node the edited node is pointed at that the demo partition lacks, with
 // the tables its copy from the template fills.
 struct MissingNode {
@@ -90,13 +101,13 @@ void RemoveCreatedNodes() {
                " AND NodeTypeID = " + std::to_string(node.typeID) + " AND NodeNumber = " + number +
                ";";
     }
-    ExecSql(DemoRoot().DatabasePath(), sql + "COMMIT;");
+    ExecSql(CreationRoot().DatabasePath(), sql + "COMMIT;");
 }
 
 long CreatedNodeCount() {
     long count = 0;
     for (const MissingNode& node : MissingNodes()) {
-        count += QueryNumber(DemoRoot().DatabasePath(),
+        count += QueryNumber(CreationRoot().DatabasePath(),
                              "SELECT count(*) FROM Node_General_Pool WHERE ConfigID = 1 AND "
                              "PartID = " +
                                  std::to_string(kPartition) +
@@ -129,7 +140,7 @@ Clock::duration ApplyOnce(BenchServices& services, form::GUI& gui, bool missing,
 
 void Save(benchmark::State& state, bool missing) {
     try {
-        DemoRoot().Use();
+        RootFor(missing).Use();
         BenchServices services;
         OpenEditor(services, kPartition, kNode, [&](form::GUI& gui, Business_Rules& formRules) {
             if (missing) {
@@ -151,7 +162,7 @@ void Save(benchmark::State& state, bool missing) {
 
 void SaveFloor(benchmark::State& state, bool missing) {
     try {
-        DemoRoot().Use();
+        RootFor(missing).Use();
         StatementTrace trace;
         BenchServices services;
         OpenEditor(services, kPartition, kNode, [&](form::GUI& gui, Business_Rules& formRules) {

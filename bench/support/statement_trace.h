@@ -41,7 +41,8 @@ private:
 enum class Transactions { AsRecorded, OneForAll };
 
 // Recorded steps made ready to run on one DataBase: the row sets are looked
-// up once beforehand, so a run does nothing but the database's own work.
+// up once beforehand, so a run does nothing but the database's own work. The
+// steps must outlive the replay.
 class Replay {
 public:
     Replay(DataBase& db, const std::vector<TraceStep>& steps,
