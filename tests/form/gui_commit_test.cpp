@@ -18,27 +18,41 @@ protected:
     void RefusedLabel() { gui.txtDescription.SetText("Say \"hi\""); }
 };
 
-TEST_F(GuiCommit, LoadPreparesTheFormAndUnloadAsksThenReleasesIt) {
+TEST_F(GuiCommit, CancelAndTheCloseBoxCheckAndAskBeforeTheFormIsReleased) {
     EXPECT_TRUE(gui.FormBusinessRules() && gui.ListViewsHooked());
     EXPECT_EQ(Show("StatusBar1"), " hidden");
     EXPECT_EQ(gui.StatusBar1.PanelWidth(), 10415);
 
-    MakeDirty();
-    services.answers = {form::kAnswerCancel, form::kAnswerNo};
+    // The checks block Cancel even without changes.
+    gui.cmbMethod.SetListIndex(1);
+    gui.cmbLanguage1.SetListIndex(0);
+    gui.cmdApply.SetEnabled(false);
+    input::Press(gui.cmdCancel);
+    EXPECT_EQ(services.TakeBoxTexts(), Texts{"Please select a language in Language 1"});
+    EXPECT_TRUE(gui.IsLoaded());
+
+    gui.cmbLanguage1.SetListIndex(1);
+    services.answers = {form::kAnswerCancel, form::kAnswerCancel};
+    input::Press(gui.cmdCancel);
     EXPECT_FALSE(gui.Unload());
+    ASSERT_EQ(services.boxes.size(), 2U);
+    const ShownBox& box = services.boxes[1];
+    EXPECT_EQ(box.title + ": " + box.text, "Confirmation: Do you want to save changes?");
+    EXPECT_EQ(box.buttons, form::MsgBoxButtons::YesNoCancel);
+    EXPECT_EQ(box.icon, form::MsgBoxIcon::Question);
     EXPECT_TRUE(gui.IsLoaded() && gui.FormBusinessRules() && gui.ListViewsHooked());
     EXPECT_EQ(services.endModals, 0);
     EXPECT_TRUE(gui.cmdApply.Enabled());
 
     std::vector<form::FormChange> changes;
     gui.Observe([&](form::FormChange change) { changes.push_back(change); });
-    EXPECT_TRUE(gui.Unload());
+    services.answers = {form::kAnswerYes};
+    input::Press(gui.cmdCancel);
     EXPECT_TRUE(Closed());
+    EXPECT_EQ(link.saves, std::vector<std::int16_t>{5});
     EXPECT_EQ(link.released, 1);
     EXPECT_FALSE(gui.FormBusinessRules() || gui.ListViewsHooked() || gui.Focus().Focused());
     EXPECT_EQ(changes, std::vector<form::FormChange>{form::FormChange::Unloaded});
-    EXPECT_EQ(services.boxes.size(), 2U);
-    EXPECT_TRUE(link.saves.empty());
 }
 
 class GuiOk : public GuiCommit, public ::testing::WithParamInterface<bool> {};
@@ -98,31 +112,6 @@ TEST_F(GuiCommit, ApplySavesOnceAndEndsTheEditModes) {
                     "CVL_Validate_TEXTField.Business_Rules"});
     EXPECT_TRUE(gui.cmdApply.Enabled());
     EXPECT_EQ(link.saves.size(), 1U);
-}
-
-TEST_F(GuiCommit, CancelChecksFirstThenAsksWhenChanged) {
-    // The checks block Cancel even without changes.
-    gui.cmbMethod.SetListIndex(1);
-    gui.cmbLanguage1.SetListIndex(0);
-    gui.cmdApply.SetEnabled(false);
-    input::Press(gui.cmdCancel);
-    EXPECT_EQ(services.TakeBoxTexts(), Texts{"Please select a language in Language 1"});
-    EXPECT_TRUE(gui.IsLoaded());
-
-    gui.cmbLanguage1.SetListIndex(1);
-    services.answers = {form::kAnswerCancel};
-    input::Press(gui.cmdCancel);
-    ASSERT_EQ(services.boxes.size(), 1U);
-    const ShownBox& box = services.boxes[0];
-    EXPECT_EQ(box.title + ": " + box.text, "Confirmation: Do you want to save changes?");
-    EXPECT_EQ(box.buttons, form::MsgBoxButtons::YesNoCancel);
-    EXPECT_EQ(box.icon, form::MsgBoxIcon::Question);
-    EXPECT_TRUE(gui.IsLoaded() && gui.cmdApply.Enabled());
-
-    services.answers = {form::kAnswerYes};
-    input::Press(gui.cmdCancel);
-    EXPECT_TRUE(Closed());
-    EXPECT_EQ(link.saves, std::vector<std::int16_t>{5});
 }
 
 TEST_F(GuiCommit, SaveQuestionAnswers) {
