@@ -155,10 +155,11 @@ TEST_F(ListsTest, UnavailableTargetShowsTheNoticeAndNoPicker) {
                                               kNotice + "PAAS Node in Partition Settings."}));
 }
 
-TEST_F(ListsTest, ConfirmationOffAndOnAgainRestoresTheRows) {
-    ASSERT_EQ(gui.LVConfirm.ItemCount(), 7);
-    EXPECT_EQ(Cells(Confirm(0)), NewRow(1, "Before Names"));
-    EXPECT_EQ(Cells(Confirm(6)), NewRow(7, "Name5"));
+TEST_F(ListsTest, ConfirmationOffAndOnAgainRestoresTheRowsAndDefaultRenewsThem) {
+    const auto initial = AllCells(gui.LVConfirm);
+    ASSERT_EQ(initial.size(), 7U);
+    EXPECT_EQ(initial[0], NewRow(1, "Before Names"));
+    EXPECT_EQ(initial[6], NewRow(7, "Name5"));
     SetTarget(Confirm(2), "LIST 4|Smith|LIST|8|4");
     const auto rows = AllCells(gui.LVConfirm);
 
@@ -175,6 +176,14 @@ TEST_F(ListsTest, ConfirmationOffAndOnAgainRestoresTheRows) {
     EXPECT_EQ(gui.LVTemp.ItemCount(), 0);
     EXPECT_EQ(Show(section), "Max Matches:|5|Edit|Default");
     EXPECT_TRUE(gui.LVConfirm.TabStop());
+
+    // Default: "Yes", five matches and new rows.
+    input::Pick(gui.cmbMaxMatches, 1);
+    gui.cmdApply.SetEnabled(false);
+    ASSERT_TRUE(input::Press(gui.cmdConfirmDefault));
+    EXPECT_EQ(Show("cmbConfirmation cmbMaxMatches cmdApply"), "Yes|5|Apply");
+    EXPECT_EQ(AllCells(gui.LVConfirm), initial);
+    EXPECT_TRUE(services.boxes.empty());
 }
 
 TEST_F(ListsTest, NumberOfMatchesGrowsAndShrinksKeepingTargets) {
@@ -194,18 +203,6 @@ TEST_F(ListsTest, NumberOfMatchesGrowsAndShrinksKeepingTargets) {
     gui.cmbMaxMatches.SetListIndex(1);
     EXPECT_EQ(gui.LVConfirm.ItemCount(), 0);
     EXPECT_FALSE(gui.cmdApply.Enabled());
-}
-
-TEST_F(ListsTest, ConfirmationDefaultGivesYesFiveMatchesAndNewRows) {
-    input::Pick(gui.cmbMaxMatches, 1);
-    SetTarget(Confirm(0), "LIST 4|Smith|LIST|8|4");
-    gui.cmdApply.SetEnabled(false);
-    ASSERT_TRUE(input::Press(gui.cmdConfirmDefault));
-    EXPECT_EQ(Show("cmbConfirmation cmbMaxMatches cmdApply"), "Yes|5|Apply");
-    ASSERT_EQ(gui.LVConfirm.ItemCount(), 7);
-    EXPECT_EQ(Cells(Confirm(0)), NewRow(1, "Before Names"));
-    EXPECT_EQ(Cells(Confirm(6)), NewRow(7, "Name5"));
-    EXPECT_TRUE(services.boxes.empty());
 }
 
 TEST_F(ListsTest, GuardedSelectionsAddNoRowsAndSettingAsideKeepsOnlyCurrentRows) {
