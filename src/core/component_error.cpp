@@ -3,11 +3,13 @@
 namespace dbn {
 
 ComponentError::ComponentError(long number, std::string source, std::string description)
-    : std::runtime_error(description), number_(number), source_(std::move(source)),
+    : std::runtime_error(description),
+      number_(number),
+      source_(std::move(source)),
       description_(std::move(description)) {}
 
 void RaiseError(long number, std::string description) {
     throw ComponentError(number, kComponentSource, std::move(description));
 }
 
-} // namespace dbn
+}  // namespace dbn

@@ -28,4 +28,4 @@ private:
 // Raises an error of the component's own source.
 [[noreturn]] void RaiseError(long number, std::string description);
 
-} // namespace dbn
+}  // namespace dbn

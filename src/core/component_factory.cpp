@@ -12,13 +12,15 @@ std::map<std::string, ComponentMaker>& Registry() {
     return registry;
 }
 
-} // namespace
+}  // namespace
 
 void RegisterComponent(const std::string& className, ComponentMaker maker) {
     Registry()[className] = std::move(maker);
 }
 
-void UnregisterComponent(const std::string& className) { Registry().erase(className); }
+void UnregisterComponent(const std::string& className) {
+    Registry().erase(className);
+}
 
 std::unique_ptr<Component> CreateObject(const std::string& className) {
     auto found = Registry().find(className);
@@ -30,6 +32,8 @@ std::unique_ptr<Component> CreateObject(const std::string& className) {
     RaiseError(429, "Can't create object: " + className);
 }
 
-void RaiseTypeMismatch() { RaiseError(13, "Type mismatch"); }
+void RaiseTypeMismatch() {
+    RaiseError(13, "Type mismatch");
+}
 
-} // namespace dbn
+}  // namespace dbn

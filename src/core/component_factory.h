@@ -42,4 +42,4 @@ std::unique_ptr<T> CreateObjectAs(const std::string& className) {
     RaiseTypeMismatch();
 }
 
-} // namespace dbn
+}  // namespace dbn

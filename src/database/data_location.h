@@ -19,4 +19,4 @@ std::string BuildConnectionString();
 // The file path that a connection string names (its Data Source).
 std::string DataSourceOf(const std::string& connectionString);
 
-} // namespace dbn
+}  // namespace dbn

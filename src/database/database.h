@@ -72,4 +72,4 @@ private:
     DataBaseObserver observer_;
 };
 
-} // namespace dbn
+}  // namespace dbn

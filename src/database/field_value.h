@@ -30,4 +30,4 @@ private:
     Storage value_;
 };
 
-} // namespace dbn
+}  // namespace dbn

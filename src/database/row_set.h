@@ -45,4 +45,4 @@ private:
     std::size_t position_ = 0;
 };
 
-} // namespace dbn
+}  // namespace dbn

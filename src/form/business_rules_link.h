@@ -15,4 +15,4 @@ public:
     virtual bool SaveChanges(std::int16_t nodeNumber) = 0;
 };
 
-} // namespace dbn::form
+}  // namespace dbn::form

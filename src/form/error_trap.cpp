@@ -35,4 +35,4 @@ bool RunTrapped(FormServices& services, std::string_view operation,
     return false;
 }
 
-} // namespace dbn::form
+}  // namespace dbn::form

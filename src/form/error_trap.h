@@ -26,4 +26,4 @@ void ShowErrorMessage(FormServices& services, const ComponentError& error,
 bool RunTrapped(FormServices& services, std::string_view operation,
                 const std::function<void()>& body);
 
-} // namespace dbn::form
+}  // namespace dbn::form

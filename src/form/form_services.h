@@ -44,4 +44,4 @@ public:
     virtual void EndModal(GUI& form) = 0;
 };
 
-} // namespace dbn::form
+}  // namespace dbn::form

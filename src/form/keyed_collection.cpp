@@ -41,4 +41,4 @@ const std::string& KeyedCollection::KeyAt(int position) const {
     return entries_[static_cast<std::size_t>(position)].first;
 }
 
-} // namespace dbn::form
+}  // namespace dbn::form

@@ -21,7 +21,7 @@ public:
     const std::string& KeyAt(int position) const;
 
 private:
-    std::vector<std::pair<std::string, std::string>> entries_; // key, item
+    std::vector<std::pair<std::string, std::string>> entries_;  // key, item
 };
 
-} // namespace dbn::form
+}  // namespace dbn::form

@@ -10,7 +10,7 @@ namespace dbn::host {
 // Each command's file registers itself with a static HostCommandRegistration.
 struct HostCommand {
     std::string name;
-    std::string usage; // one line, e.g. "play [--data-root DIR] SCRIPT"
+    std::string usage;  // one line, e.g. "play [--data-root DIR] SCRIPT"
     // Arguments after the command name; answers the exit status.
     std::function<int(const std::vector<std::string>&)> run;
 };
@@ -25,4 +25,4 @@ struct HostCommandRegistration {
 // root of this run. Answers false (after printing why) on a missing DIR.
 bool TakeDataRootOption(std::vector<std::string>& args);
 
-} // namespace dbn::host
+}  // namespace dbn::host

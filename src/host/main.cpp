@@ -22,9 +22,11 @@ void PrintUsage(std::ostream& out) {
     }
 }
 
-} // namespace
+}  // namespace
 
-const std::vector<HostCommand>& HostCommands() { return Registry(); }
+const std::vector<HostCommand>& HostCommands() {
+    return Registry();
+}
 
 HostCommandRegistration::HostCommandRegistration(HostCommand command) {
     Registry().push_back(std::move(command));
@@ -38,14 +40,15 @@ bool TakeDataRootOption(std::vector<std::string>& args) {
                 return false;
             }
             SetDataRootOverride(args[i + 1]);
-            args.erase(args.begin() + static_cast<long>(i), args.begin() + static_cast<long>(i) + 2);
+            args.erase(args.begin() + static_cast<long>(i),
+                       args.begin() + static_cast<long>(i) + 2);
             return true;
         }
     }
     return true;
 }
 
-} // namespace dbn::host
+}  // namespace dbn::host
 
 int main(int argc, char** argv) {
     using namespace dbn::host;

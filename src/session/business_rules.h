@@ -71,4 +71,4 @@ private:
     bool keepCopiesOpen_ = false;
 };
 
-} // namespace dbn
+}  // namespace dbn

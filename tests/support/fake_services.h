@@ -29,7 +29,7 @@ public:
     std::deque<long> confirmAnswers;
     std::vector<ShownBox> boxes;
     std::vector<std::string> confirmations;
-    int busyDepth = 0;      // > 0 while the busy cursor shows
+    int busyDepth = 0;  // > 0 while the busy cursor shows
     int doEventsCalls = 0;
     int modalShows = 0;
     int endModals = 0;
@@ -83,4 +83,4 @@ public:
     }
 };
 
-} // namespace dbn::testing
+}  // namespace dbn::testing
