@@ -26,15 +26,14 @@ bool IsListView(const form::Control& c) {
     return c.Kind() == ControlKind::ListView;
 }
 
-// The entry the operator means: the first with exactly this text, else the
-// first that matches ignoring case; -1 when none does.
+// The first entry whose text is exactly this text; -1 when none is.
 int EntryIndex(const form::ListControl& list, const std::string& text) {
     for (int index = 0; index < list.ListCount(); ++index) {
         if (list.List(index) == text) {
             return index;
         }
     }
-    return list.FindEntry(text);
+    return -1;
 }
 
 }  // namespace

@@ -177,9 +177,6 @@ int cvl_dbn_form_pick(cvl_dbn_form* form, const char* list, const char* text) {
                 index = i;
             }
         }
-        if (index < 0) {
-            index = control->FindEntry(text);
-        }
         return index < 0 ? -1 : Outcome(dbn::form::operator_input::Pick(*control, index));
     });
 }
