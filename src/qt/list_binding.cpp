@@ -28,9 +28,10 @@ ListBinding::ListBinding(form::ListControl& list, QComboBox& combo, const TwipsS
         // nor completes them.
         combo.setInsertPolicy(QComboBox::NoInsert);
         combo.setCompleter(nullptr);
-        // Enter in the edit field would otherwise pick the entry that matches
-        // its text; it belongs to the default button.
-        combo.setDuplicatesEnabled(true);
+        // When the edit field loses the focus or takes Enter, the combo would
+        // pick the entry that matches the typed text on its own. The operator
+        // picked nothing: the typing was already told to the model as Changes.
+        QObject::disconnect(edit, &QLineEdit::editingFinished, &combo, nullptr);
         WatchFocus(*edit);
         QObject::connect(edit, &QLineEdit::textEdited, Context(), [this](const QString& text) {
             Input([this, text] { return form::operator_input::Type(list_, text.toStdString()); });

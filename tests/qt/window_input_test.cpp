@@ -45,6 +45,7 @@ TEST_F(EditorWindowTest, PickingAMethodRunsItsHandlerAndResizesTheWindow) {
         EXPECT_TRUE(apply.isEnabled());
         EXPECT_EQ(view.width(), view.Scale().ToPixels(form.Width()));
         EXPECT_LT(view.width(), wide);
+        EXPECT_GE(WidgetOf<QWidget>(view, "fraCustomSettings").x(), view.width());
         EXPECT_TRUE(WidgetOf<QWidget>(view, "fraLanguage").isEnabled());
 
         PickEntry(WidgetOf<QComboBox>(view, "cmbMethod"), "Custom");
@@ -68,9 +69,14 @@ TEST_F(EditorWindowTest, TypingGoesToTheModelAndItsCorrectionComesBack) {
         EXPECT_EQ(form.cmbRetryLimit.Text(), last);
         EXPECT_EQ(retries.currentText().toStdString(), last);
 
+        // Typing an entry's text and leaving the field picks nothing.
+        const int selected = form.cmbRetryLimit.ListIndex();
         TypeKeys(*retries.lineEdit(), "2");
+        QFocusEvent leave(QEvent::FocusOut, Qt::TabFocusReason);
+        QApplication::sendEvent(retries.lineEdit(), &leave);
         EXPECT_EQ(form.cmbRetryLimit.Text(), "2");
         EXPECT_EQ(retries.currentText(), "2");
+        EXPECT_EQ(form.cmbRetryLimit.ListIndex(), selected);
     });
 }
 

@@ -123,14 +123,6 @@ TEST_F(EditorWindowTest, EveryShownControlMirrorsTheModelAfterLoading) {
     EXPECT_TRUE(unexpectedBoxes.empty());
 }
 
-TEST_F(EditorWindowTest, WindowWidthCutsOffTheCustomSectionForAStandardMethod) {
-    Open(2, [&](form::GUI& form, qt::FormView& view) {
-        ASSERT_NE(form.cmbMethod.Text(), "Custom");
-        EXPECT_GE(WidgetOf<QWidget>(view, "fraCustomSettings").x(), view.width());
-        EXPECT_GE(WidgetOf<QWidget>(view, "fraErrorSettings").x(), view.width());
-    });
-}
-
 TEST_F(EditorWindowTest, FontsPicturesAndButtonRoles) {
     Open(1, [&](form::GUI&, qt::FormView& view) {
         const QFont heading = WidgetOf<QLabel>(view, "lblFirstMatch").font();
