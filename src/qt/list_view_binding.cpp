@@ -5,6 +5,7 @@
 #include "qt/qt_children.h"
 
 #include <QHeaderView>
+#include <QItemSelectionModel>
 #include <QPainter>
 #include <QScrollBar>
 #include <QSignalBlocker>
@@ -50,6 +51,11 @@ namespace {
 // Columns 2 and beyond hold the row's sub-items.
 constexpr int kMaxSubItems = 6;
 
+// The in-place pickers the form lays over a row: their height, and how far
+// below the given row top the form puts them (twips).
+constexpr int kPickerHeight = 315;
+constexpr int kPickerDrop = 50;
+
 Qt::Alignment AlignmentOf(form::ColumnAlignment alignment) {
     switch (alignment) {
         case form::ColumnAlignment::Right:
@@ -82,6 +88,8 @@ ListViewBinding::ListViewBinding(form::ListView& list, QTreeWidget& tree, const 
     tree.setUniformRowHeights(true);
     tree.setItemsExpandable(false);
     tree.setEditTriggers(QAbstractItemView::NoEditTriggers);
+    // The model has one selected row, whatever its multi-select switch says;
+    // a tree that toggled rows on each press would show others.
     tree.setSelectionMode(QAbstractItemView::SingleSelection);
     tree.setAllColumnsShowFocus(true);
     tree.header()->setMinimumSectionSize(0);
@@ -167,8 +175,6 @@ void ListViewBinding::SyncColumns() {
     tree_.setHeaderHidden(display.hideColumnHeaders);
     tree_.setSelectionBehavior(display.fullRowSelect ? QAbstractItemView::SelectRows
                                                      : QAbstractItemView::SelectItems);
-    tree_.setSelectionMode(display.multiSelect ? QAbstractItemView::MultiSelection
-                                               : QAbstractItemView::SingleSelection);
     grid_.gridLines = display.gridLines;
     tree_.viewport()->update();
 }
@@ -212,8 +218,12 @@ void ListViewBinding::SyncSelection() {
         tree_.setCurrentItem(nullptr);
         return;
     }
-    if (tree_.currentItem() != item || !item->isSelected()) {
-        tree_.setCurrentItem(item);
+    // The whole row, also the columns added since it was selected; and
+    // explicitly, since a current item need not be a selected one.
+    const int row = tree_.indexOfTopLevelItem(item);
+    if (tree_.currentItem() != item || !tree_.selectionModel()->isRowSelected(row, {})) {
+        tree_.setCurrentItem(item, 0,
+                             QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     }
 }
 
@@ -233,10 +243,14 @@ form::RowPosition ListViewBinding::RowPosition(int position) const {
         return {};
     }
     // The row's rectangle lies in the viewport, below the header and inside
-    // the frame; the model wants it relative to the whole list.
+    // the frame; the model wants it relative to the whole list. The form lays
+    // a row's pickers, which are taller than the row, a fixed drop below the
+    // top it is given: that top is chosen so that they come out centred on
+    // the row as drawn, covering it and no more of its neighbours than needed.
     const QRect row = tree_.visualItemRect(item);
     const QPoint topLeft = tree_.viewport()->mapTo(&tree_, row.topLeft());
-    return {Scale().ToTwips(topLeft.x()), Scale().ToTwips(topLeft.y())};
+    const int pickerTop = topLeft.y() - (Scale().ToPixels(kPickerHeight) - row.height()) / 2;
+    return {Scale().ToTwips(topLeft.x()), Scale().ToTwips(pickerTop) - kPickerDrop};
 }
 
 }  // namespace dbn::qt

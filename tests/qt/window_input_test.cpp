@@ -7,6 +7,8 @@
 #include <QPushButton>
 #include <QScrollBar>
 
+#include <cstdlib>
+
 namespace dbn::testing {
 namespace {
 
@@ -24,13 +26,15 @@ int VisiblePickers(const qt::FormView& view) {
     return visible;
 }
 
-// The distance in pixels from a row's top to the top of a picker over it.
-int PickerOffset(const qt::FormView& view, const QTreeWidget& tree, int row,
-                 const std::string& picker) {
+// Whether a picker lies over a row as drawn: centred on it, and no lower
+// than its neighbours' text.
+bool PickerOverRow(const qt::FormView& view, const QTreeWidget& tree, int row,
+                   const std::string& picker) {
     const QRect rect = tree.visualItemRect(tree.topLevelItem(row));
-    const QPoint rowTop = tree.viewport()->mapTo(&view, rect.topLeft());
+    const int rowCentre = tree.viewport()->mapTo(&view, rect.center()).y();
     const QWidget* widget = view.WidgetOf(picker);
-    return widget->mapTo(&view, QPoint(0, 0)).y() - rowTop.y();
+    const int pickerCentre = widget->mapTo(&view, widget->rect().center()).y();
+    return std::abs(pickerCentre - rowCentre) <= 1 && tree.selectionModel()->isRowSelected(row, {});
 }
 
 TEST_F(EditorWindowTest, PickingAMethodRunsItsHandlerAndResizesTheWindow) {
@@ -84,21 +88,20 @@ TEST_F(EditorWindowTest, EditButtonRowClicksAndHeaderPressMoveThePickers) {
     Open(1, [&](form::GUI& form, qt::FormView& view) {
         auto& edit = WidgetOf<QPushButton>(view, "cmdActionsEdit");
         auto& tree = WidgetOf<QTreeWidget>(view, "LVActions");
-        const int offset = view.Scale().ToPixels(50);
         edit.click();
         EXPECT_TRUE(form.ActionsEditMode);
         EXPECT_EQ(edit.text(), "Edit Off");
         EXPECT_FALSE(WidgetOf<QPushButton>(view, "cmdActionsDefault").isEnabled());
         EXPECT_EQ(VisiblePickers(view), 2);
         EXPECT_TRUE(view.WidgetOf("cmbValidMatchNode")->isVisible());
-        EXPECT_NEAR(PickerOffset(view, tree, 0, "cmbValidMatchNode"), offset, 1);
+        EXPECT_TRUE(PickerOverRow(view, tree, 0, "cmbValidMatchNode"));
 
         ClickRow(tree, 2);
         EXPECT_EQ(form.LVActions.SelectedItem(), &form.LVActions.ItemAt(2));
         EXPECT_TRUE(tree.topLevelItem(2)->isSelected());
         EXPECT_TRUE(view.WidgetOf("cmbStarNode")->isVisible());
         EXPECT_FALSE(view.WidgetOf("cmbValidMatchNode")->isVisible());
-        EXPECT_NEAR(PickerOffset(view, tree, 2, "cmbStarNode"), offset, 1);
+        EXPECT_TRUE(PickerOverRow(view, tree, 2, "cmbStarNode"));
         EXPECT_EQ(WidgetOf<QComboBox>(view, "cmbStarNode").currentText().toStdString(),
                   form.LVActions.ItemAt(2).SubItem(4));
 
@@ -135,7 +138,7 @@ TEST_F(EditorWindowTest, ScrollingTheConfirmationListHidesItsPickers) {
         auto& tree = WidgetOf<QTreeWidget>(view, "LVConfirm");
         ClickRow(tree, 1);
         ASSERT_TRUE(view.WidgetOf("cmbConfirmNode")->isVisible());
-        EXPECT_NEAR(PickerOffset(view, tree, 1, "cmbConfirmNode"), view.Scale().ToPixels(50), 1);
+        EXPECT_TRUE(PickerOverRow(view, tree, 1, "cmbConfirmNode"));
 
         ASSERT_GT(tree.verticalScrollBar()->maximum(), 0);
         tree.verticalScrollBar()->setValue(1);
