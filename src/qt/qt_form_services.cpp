@@ -4,6 +4,7 @@
 #include "qt/form_view.h"
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QPushButton>
 #include <QTimer>
 
@@ -127,7 +128,10 @@ void QtFormServices::SetBusyCursor(bool busy) {
 }
 
 void QtFormServices::DoEvents() {
-    QCoreApplication::processEvents();
+    // Lets the status text paint during a save. The operator's input (clicks,
+    // keys, the close box) waits until the save is over: a close handled now
+    // would unload the form under the running save.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
 void QtFormServices::ShowModal(form::GUI& form) {
