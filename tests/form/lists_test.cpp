@@ -31,54 +31,89 @@ protected:
     }
 };
 
-TEST_F(ListsTest, FormPairRefillsOnlyForAnotherLimitAndReportsAFailedRefill) {
+TEST_F(ListsTest, EveryTrapShowsTheErrorWithItsOperationName) {
+    // No selected row to open the pickers on: both edit modes stay on.
+    gui.LVActions.SetSelectedItem(nullptr);
+    gui.LVConfirm.SetSelectedItem(nullptr);
+    gui.cmdActionsEdit_Click();
+    gui.cmdConfirmEdit_Click();
+    // Pickers in disabled frames cannot take the focus.
+    gui.Frame1.SetEnabled(false);
+    gui.fraCustomSettings.SetEnabled(false);
+    gui.LVActions_ItemClick(Action(0));
+    gui.LVActions_MouseUp();
+    gui.LVConfirm_ItemClick(Confirm(0));
+    gui.LVConfirm_MouseUp();
+    // Without the collections no node type can be looked up.
+    gui.ReleaseCollections();
+    gui.LVActions.SetSelectedItem(&Action(0));
+    gui.LVConfirm.SetSelectedItem(&Confirm(0));
+    gui.HandleMSGLISTNOOPPromptBOX(gui.cmbGreetingNode, gui.cmbGreetingNumber, false);
+    EXPECT_TRUE(gui.cmdApply.Enabled());  // also after a failed refill
+    gui.GenericLVactions_ItemClick(Action(0), gui.cmbValidMatchNode, gui.cmbValidMatchNumber);
+    gui.GenericActionsSectionNodeNumber_Click(gui.cmbValidMatchNumber);
+    gui.cmdActionsDefault_Click();
+    gui.cmbConfirmNumber_Click();
+    gui.cmbConfirmNode.SetListIndex(0);
+    gui.cmbMaxMatches.SetListIndex(8);
+    gui.cmdConfirmDefault_Click();
+    gui.cmbConfirmation.SetListIndex(1);
+    gui.GenericNumber_Change(gui.cmbMethod, 2);  // "0" is no entry of a choice list
+
+    const std::string unset = "Object variable or With block variable not set";
+    const std::string noFocus = "Invalid procedure call or argument";
+    const auto box = [](const std::string& operation, const std::string& why) {
+        return "Source: CVL_DBN_Node - " + operation + " \r\nDescription: " + why;
+    };
+    EXPECT_EQ(
+        services.TakeBoxTexts(),
+        (Texts{box("cmdActionsEdit_Click", unset), box("cmdConfirmEdit_Click", unset),
+               box("LVActions_ItemClick", noFocus), box("LVActions_MouseUp", noFocus),
+               box("LVConfirm_ItemClick", noFocus), box("LVConfirm_MouseUp", noFocus),
+               box("GenericMSGLISTNOOPNode_Click", unset), box("GenericLVactions_ItemClick", unset),
+               box("GenericActionsSectionNodeNumber_Click", unset),
+               box("cmdActionsDefault_Click", unset), box("cmbConfirmNumber_Click", unset),
+               box("cmbConfirmNode_Click", unset), box("cmbMaxMatches_Click", unset),
+               box("cmdConfirmDefault_Click", unset), box("cmbConfirmation_Click", unset),
+               box("GenericNumber_Change", "'Text' property is read-only")}));
+}
+
+TEST_F(ListsTest, PickersRefillForAnotherLimitAndTheNoNumberTypeTakesBothPlaces) {
+    // On the form the node picker takes the number picker's place too; in the
+    // actions list its width switches between 850 and 1550.
+    const int formWidth = gui.txtDIR.Width();
+    for (auto [node, number, code, width, shown] :
+         {std::tuple{&gui.cmbGreetingNode, &gui.cmbGreetingNumber, "NOOP",
+                     formWidth + gui.cmbDirectory.Width(), false},
+          {&gui.cmbGreetingNode, &gui.cmbGreetingNumber, "MSG", formWidth, true},
+          {&gui.cmbStarNode, &gui.cmbStarNumber, "MSG", 850, true},
+          {&gui.cmbStarNode, &gui.cmbStarNumber, "NOOP", 1550, false}}) {
+        node->SetText(code);
+        EXPECT_EQ(node->Width(), width);
+        EXPECT_EQ(number->Visible(), shown);
+    }
+    EXPECT_EQ(gui.cmbStarNumber.Left(), gui.cmbStarNode.Left() + 850);
+
+    // A form pair refills its numbers only for another highest number.
+    gui.cmdApply.SetEnabled(false);
     gui.cmbTimeoutNumber.SetListIndex(6);             // MSG, 20 numbers
     ASSERT_TRUE(input::Pick(gui.cmbTimeoutNode, 5));  // M_ON, also 20
     EXPECT_EQ(Show("cmbTimeoutNumber cmdApply"), "7|Apply");
     input::Pick(gui.cmbTimeoutNode, 1);  // XFER, 12
     EXPECT_EQ(gui.cmbTimeoutNumber.ListCount(), 12);
     EXPECT_EQ(gui.cmbTimeoutNumber.List(11) + gui.cmbTimeoutNumber.Text(), "121");
-
-    gui.cmdApply.SetEnabled(false);
-    gui.cmbGreetingNode.Clear();
-    gui.HandleMSGLISTNOOPPromptBOX(gui.cmbGreetingNode, gui.cmbGreetingNumber, false);
-    EXPECT_EQ(services.TakeBoxTexts(),
-              Texts{"Source: CVL_DBN_Node - GenericMSGLISTNOOPNode_Click \r\n"
-                    "Description: Invalid property array index"});
-    EXPECT_TRUE(gui.cmdApply.Enabled());
-}
-
-TEST_F(ListsTest, NoNumberTypeWidensTheNodePickerOverTheNumberPlace) {
-    // On the form the node picker takes the number picker's place too.
-    const int formWidth = gui.txtDIR.Width();
-    for (auto [code, width, number] :
-         {std::tuple{"NOOP", formWidth + gui.cmbDirectory.Width(), " hidden"},
-          {"MSG", formWidth, "1"}}) {
-        gui.cmbGreetingNode.SetText(code);
-        EXPECT_EQ(gui.cmbGreetingNode.Width(), width);
-        EXPECT_EQ(Show("cmbGreetingNumber"), number);
-    }
-    // In the actions list its width switches between 850 and 1550.
-    gui.cmbStarNode.SetText("MSG");
-    EXPECT_EQ(gui.cmbStarNode.Width(), 850);
-    EXPECT_EQ(gui.cmbStarNumber.Left(), gui.cmbStarNode.Left() + 850);
-    EXPECT_TRUE(gui.cmbStarNumber.Visible());
-    gui.cmbStarNode.SetText("NOOP");
-    EXPECT_EQ(gui.cmbStarNode.Width(), 1550);
-    EXPECT_FALSE(gui.cmbStarNumber.Visible());
 }
 
 TEST_F(ListsTest, InListPickRewritesTheSelectedRowOnly) {
     form::ListItem& star = Action(2);
     gui.LVActions.SetSelectedItem(&star);
-    SetTarget(star, "XFER 7|Sales|XFER|4|7");
-    gui.cmbStarNode.SetText("LIST");  // 5 numbers: 7 falls back to 1
-    EXPECT_EQ(Cells(star), "3a:3|*|LIST 1||LIST|8|1");
-    EXPECT_EQ(gui.cmbStarNumber.Text(), "1");
-    SetTarget(star, "XFER 7|Sales|XFER|4|7");
-    gui.cmbStarNode.SetText("MSG");  // 20 numbers: 7 stays
-    EXPECT_EQ(Cells(star), "3a:3|*|MSG 7||MSG|0|7");
-    EXPECT_EQ(gui.cmbStarNumber.Text(), "7");
+    // 5 numbers: 7 falls back to 1; 20 numbers: 7 stays.
+    for (auto [code, cells] :
+         {std::pair{"LIST", "3a:3|*|LIST 1||LIST|8|1 1"}, {"MSG", "3a:3|*|MSG 7||MSG|0|7 7"}}) {
+        SetTarget(star, "XFER 7|Sales|XFER|4|7");
+        gui.cmbStarNode.SetText(code);
+        EXPECT_EQ(Cells(star) + " " + gui.cmbStarNumber.Text(), cells);
+    }
     gui.cmbStarNode.SetText("NOOP");
     EXPECT_EQ(Cells(star), "3a:3|*|NOOP||NOOP|814|0");
 
@@ -98,8 +133,8 @@ TEST_F(ListsTest, ActionsDefaultGivesTheFiveRowsAndMarksTheChange) {
         (Texts{"1a:1|Valid Match|XFER 1||XFER|4|1", "2a:2|Abort|MSG 1||MSG|0|1",
                "3a:3|*|NOOP||NOOP|814|0", "4a:4|#|NOOP||NOOP|814|0", "5a:5|0|NOOP||NOOP|814|0"}));
     EXPECT_TRUE(gui.cmdApply.Enabled());
-    EXPECT_EQ(gui.LVActions.Column(1).width, 1000);
-    EXPECT_EQ(gui.LVActions.Column(2).width, 1500);
+    EXPECT_EQ(std::pair(gui.LVActions.Column(1).width, gui.LVActions.Column(2).width),
+              std::pair(1000, 1500));
 }
 
 TEST_F(ListsTest, ActionsEditModeOpensPickersOverTheSelectedRowAndClosesThem) {
@@ -116,8 +151,7 @@ TEST_F(ListsTest, ActionsEditModeOpensPickersOverTheSelectedRowAndClosesThem) {
     // A row of the type without numbers opens without the number picker.
     ASSERT_TRUE(input::ClickRow(gui.LVActions, Action(3)));
     EXPECT_EQ(VisibleActionPickers(), 1);
-    EXPECT_TRUE(gui.cmbPoundNode.HasFocus());
-    EXPECT_TRUE(services.boxes.empty());
+    EXPECT_TRUE(gui.cmbPoundNode.HasFocus() && services.boxes.empty());
 
     // A picked number, or a typed one, goes into the row; its label stays.
     input::ClickRow(gui.LVActions, Action(0));
@@ -131,7 +165,6 @@ TEST_F(ListsTest, ActionsEditModeOpensPickersOverTheSelectedRowAndClosesThem) {
     gui.cmdApply.SetEnabled(false);
     input::Press(gui.cmdActionsEdit);
     EXPECT_EQ(Show("cmdActionsEdit cmdActionsDefault cmdApply"), "Edit|Default|Apply");
-    EXPECT_EQ(VisibleActionPickers(), 0);
     input::ClickRow(gui.LVActions, Action(0));
     EXPECT_EQ(VisibleActionPickers(), 0);
 }
@@ -210,8 +243,7 @@ TEST_F(ListsTest, GuardedSelectionsAddNoRowsAndSettingAsideKeepsOnlyCurrentRows)
     {
         form::GUI::ConfirmRowsGuard guard(gui);
         gui.cmbConfirmation.SetListIndex(1);
-        EXPECT_EQ(gui.LVConfirm.ItemCount(), 0);
-        EXPECT_EQ(gui.LVTemp.ItemCount(), 7);
+        EXPECT_EQ(std::pair(gui.LVConfirm.ItemCount(), gui.LVTemp.ItemCount()), std::pair(0, 7));
         EXPECT_TRUE(gui.cmbMaxMatches.Enabled());
         gui.LVConfirm.AddItem("1a", "1").SetSubItem(1, "Loaded");
         gui.cmbMaxMatches.SetListIndex(8);
@@ -222,11 +254,14 @@ TEST_F(ListsTest, GuardedSelectionsAddNoRowsAndSettingAsideKeepsOnlyCurrentRows)
     EXPECT_TRUE(services.boxes.empty());
 }
 
-TEST_F(ListsTest, ConfirmationEditModeEditsTheSelectedRowInPlace) {
+TEST_F(ListsTest, ConfirmationEditModeEditsTheSelectedRowInPlaceAloneOfTheTwoLists) {
+    input::Press(gui.cmdActionsEdit);
     gui.LVConfirm.SetSelectedItem(&Confirm(2));
-    ASSERT_TRUE(input::Press(gui.cmdConfirmEdit));
-    EXPECT_EQ(Show("cmdConfirmEdit cmdConfirmDefault cmbConfirmNode cmbConfirmNumber cmdApply"),
-              "Edit Off|Default off|MSG|1|Apply");
+    ASSERT_TRUE(input::Press(gui.cmdConfirmEdit));  // ends the actions edit mode
+    EXPECT_EQ(Show("cmdActionsEdit cmdConfirmEdit cmdConfirmDefault cmbConfirmNode "
+                   "cmbConfirmNumber cmdApply"),
+              "Edit|Edit Off|Default off|MSG|1|Apply");
+    EXPECT_EQ(VisibleActionPickers(), 0);
     EXPECT_EQ(gui.LVConfirm.EnsuredVisible(), 2);
     const form::RowPosition row = gui.LVConfirm.RowPositionOf(Confirm(2));
     EXPECT_EQ(gui.cmbConfirmNode.Left(), gui.LVConfirm.Left() + row.left + 1600);
@@ -243,19 +278,8 @@ TEST_F(ListsTest, ConfirmationEditModeEditsTheSelectedRowInPlace) {
 
     input::ClickRow(gui.LVConfirm, Confirm(0));
     EXPECT_TRUE(gui.cmbConfirmNode.HasFocus());
-    input::Press(gui.cmdConfirmEdit);
-    EXPECT_EQ(Show("cmdConfirmEdit cmdConfirmDefault"), "Edit|Default");
-    EXPECT_FALSE(ConfirmPickersVisible());
-}
-
-TEST_F(ListsTest, TheTwoListsAreNeverInEditModeTogether) {
-    input::Press(gui.cmdActionsEdit);
-    input::Press(gui.cmdConfirmEdit);
-    EXPECT_EQ(Show("cmdActionsEdit cmdConfirmEdit"), "Edit|Edit Off");
-    EXPECT_EQ(VisibleActionPickers(), 0);
-    EXPECT_TRUE(ConfirmPickersVisible());
-    input::Press(gui.cmdActionsEdit);
-    EXPECT_EQ(Show("cmdActionsEdit cmdConfirmEdit"), "Edit Off|Edit");
+    input::Press(gui.cmdActionsEdit);  // ends this edit mode
+    EXPECT_EQ(Show("cmdActionsEdit cmdConfirmEdit cmdConfirmDefault"), "Edit Off|Edit|Default");
     EXPECT_FALSE(ConfirmPickersVisible());
     EXPECT_EQ(VisibleActionPickers(), 2);
 }
@@ -285,8 +309,7 @@ TEST_F(ListsTest, HeaderPressAndScrollHideTheEditorsOnlyWhileHooked) {
     input::PressHeader(gui.LVConfirm);
     input::Scroll(gui.LVConfirm);
     input::PressHeader(gui.LVActions);
-    EXPECT_TRUE(gui.cmbConfirmNode.Visible());
-    EXPECT_TRUE(gui.cmbAbortNode.Visible());
+    EXPECT_TRUE(gui.cmbConfirmNode.Visible() && gui.cmbAbortNode.Visible());
 }
 
 }  // namespace
