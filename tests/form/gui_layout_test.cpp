@@ -75,7 +75,7 @@ ControlKind KindOf(const std::string& entry) {
     return entry.ends_with('*') ? EditableList : ChoiceList;
 }
 
-TEST(GuiConstruction, EveryControlHasItsContainerKindTabIndexAndCaption) {
+TEST(GuiConstruction, EveryControlHasItsContainerKindTabIndexCaptionAndStartState) {
     FakeServices services;
     form::GUI gui(services);
     int tab = 0;
@@ -116,24 +116,16 @@ TEST(GuiConstruction, EveryControlHasItsContainerKindTabIndexAndCaption) {
             control->Top() + control->Height() <= (container ? container->Height() : gui.Height()))
             << control->Name();
     }
-}
 
-TEST(GuiConstruction, StartsInTheStartState) {
-    FakeServices services;
-    form::GUI gui(services);
-    EXPECT_EQ(gui.Width(), 10515);
-    EXPECT_EQ(gui.Height(), 8415);
+    // The start state.
+    EXPECT_EQ(std::pair(gui.Width(), gui.Height()), std::pair(10515, 8415));
     EXPECT_EQ(gui.fraCustomSettings.Left(), 4800);
-    EXPECT_FALSE(gui.cmdApply.Enabled());
-    EXPECT_TRUE(gui.cmdOK.IsDefault() && gui.cmdCancel.IsCancel());
+    EXPECT_TRUE(gui.cmdOK.IsDefault() && gui.cmdCancel.IsCancel() && gui.txtDIR.ReadOnly());
     EXPECT_EQ(gui.txtDescription.MaxLength(), 30);
-    EXPECT_TRUE(gui.txtDIR.ReadOnly());
     EXPECT_EQ(gui.lblFirstMatch.Font(), form::FontStyle::BoldUnderlined);
-    EXPECT_EQ(gui.cmdPrevious.Picture(), form::ButtonPicture::Previous);
-    EXPECT_FALSE(gui.lstNodeNumber.Visible());
-    EXPECT_FALSE(gui.cmbZeroNumber.Visible());
-    EXPECT_FALSE(gui.cmbConfirmNode.Visible());
-    EXPECT_FALSE(gui.cmbMaxMatches.Enabled());
+    EXPECT_FALSE(gui.cmdApply.Enabled() || gui.cmbMaxMatches.Enabled() ||
+                 gui.lstNodeNumber.Visible() || gui.cmbZeroNumber.Visible() ||
+                 gui.cmbConfirmNode.Visible());
 }
 
 }  // namespace

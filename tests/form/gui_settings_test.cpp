@@ -120,20 +120,15 @@ TEST_F(GuiSettings, ChecksBeforeSavingMoveLanguagesOrStopWithAMessage) {
 }
 
 TEST_F(GuiSettings, TypesSwitchedOffInThePartitionAreNotAvailable) {
-    EXPECT_TRUE(gui.IsInstructionTypeAvailable("msg"));
-    EXPECT_TRUE(gui.IsInstructionTypeAvailable("M_ON"));
-    EXPECT_FALSE(gui.IsInstructionTypeAvailable("paas"));
-    EXPECT_FALSE(gui.IsPromptTypeAvailable("PAAS"));
-    EXPECT_TRUE(gui.IsPromptTypeAvailable("LIST"));
-
+    // PAAS is off in the partition, in any letter case; then MSG too, which
+    // takes M_ON and M_OFF with it as instruction targets only.
+    EXPECT_TRUE(gui.IsInstructionTypeAvailable("M_ON") && gui.IsPromptTypeAvailable("LIST"));
+    EXPECT_FALSE(gui.IsInstructionTypeAvailable("paas") || gui.IsPromptTypeAvailable("PAAS"));
     gui.NotAvailableAllInstructionsNode().Add("MSG", "0");
-    EXPECT_FALSE(gui.IsInstructionTypeAvailable("MSG"));
-    EXPECT_FALSE(gui.IsInstructionTypeAvailable("m_on"));
-    EXPECT_FALSE(gui.IsInstructionTypeAvailable("M_OFF"));
-    EXPECT_TRUE(gui.IsInstructionTypeAvailable("XFER"));
-    // The on/off rule belongs to the instruction targets only.
     gui.NotAvailableMSGLISTNOOPNode().Add("MSG", "0");
-    EXPECT_TRUE(gui.IsPromptTypeAvailable("M_ON"));
+    EXPECT_FALSE(gui.IsInstructionTypeAvailable("MSG") || gui.IsInstructionTypeAvailable("m_on") ||
+                 gui.IsInstructionTypeAvailable("M_OFF"));
+    EXPECT_TRUE(gui.IsInstructionTypeAvailable("XFER") && gui.IsPromptTypeAvailable("M_ON"));
 }
 
 TEST_F(GuiSettings, FocusEndsTheEditModesOfTheOtherLists) {
