@@ -2,6 +2,7 @@
 
 #include "form/gui.h"
 
+#include "core/component_error.h"
 #include "form/controls/text_rules.h"
 
 namespace dbn::form {
@@ -23,9 +24,12 @@ void GUI::cmdApply_Click() {
             txtDescription.SetFocus();
             return;
         }
+        if (formBusinessRules_ == nullptr) {
+            RaiseError(91, "Object variable or With block variable not set");
+        }
         // Only a save that committed clears the mark: a failed save must not
         // look saved.
-        if (formBusinessRules_ != nullptr && formBusinessRules_->SaveChanges(nodeNumber())) {
+        if (formBusinessRules_->SaveChanges(nodeNumber())) {
             cmdApply.SetEnabled(false);
         }
     });

@@ -120,9 +120,7 @@ TEST_F(SaveChanges, AFailedSaveWritesNothingAndLeavesTheFormAsItWas) {
         gui.cmdApply_Click();
         EXPECT_TRUE(gui.cmdApply.Enabled());
         EXPECT_EQ(gui.txtDescription.Text(), "Changed label");
-        EXPECT_TRUE(gui.Frame1.Enabled());
-        EXPECT_FALSE(gui.StatusBar1.Visible());
-        EXPECT_EQ(services.busyDepth, 0);
+        EXPECT_TRUE(gui.Frame1.Enabled() && !gui.StatusBar1.Visible() && services.busyDepth == 0);
     });
     ASSERT_EQ(services.boxes.size(), 1u);
     EXPECT_EQ(services.boxes[0].title, "Error");
