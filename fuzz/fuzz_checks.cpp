@@ -9,7 +9,7 @@
 #include <exception>
 #include <memory>
 
-namespace dbn::testing {
+namespace dbn::fuzz {
 namespace {
 
 // Services for a form nobody sees: every box is noted, every question is
@@ -193,4 +193,4 @@ std::string RunFuzzCheck(std::string_view target, std::string_view input) {
     return "no check is named " + std::string(target);
 }
 
-}  // namespace dbn::testing
+}  // namespace dbn::fuzz

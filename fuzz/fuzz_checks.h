@@ -1,16 +1,16 @@
 #pragma once
 
 // Checks that run one arbitrary input through a public operation and say
-// what went wrong, or nothing. The fuzz targets under fuzz/ feed them
-// generated inputs; the reliability tests replay the kept corpus, so that
-// every input a fuzzer ever broke the code with stays a regression test.
+// what went wrong, or nothing. The fuzz targets here feed them generated
+// inputs; the reliability tests replay the kept corpus, so that every input
+// a fuzzer ever broke the code with stays a regression test.
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
-namespace dbn::testing {
+namespace dbn::fuzz {
 
 // The fuzz targets by name, each the folder of its corpus under fuzz/corpus/.
 inline constexpr const char* kNumberClampTarget = "number_clamp";
@@ -36,4 +36,4 @@ std::string CheckScriptLine(std::string_view input);
 // Runs the check of a target by name; an unknown name is itself a failure.
 std::string RunFuzzCheck(std::string_view target, std::string_view input);
 
-}  // namespace dbn::testing
+}  // namespace dbn::fuzz

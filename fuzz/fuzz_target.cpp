@@ -7,7 +7,7 @@
 #include <string>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string finding = dbn::testing::RunFuzzCheck(
+    const std::string finding = dbn::fuzz::RunFuzzCheck(
         DBN_FUZZ_TARGET, std::string_view(reinterpret_cast<const char*>(data), size));
     if (!finding.empty()) {
         std::fprintf(stderr, "%s: %s\n", DBN_FUZZ_TARGET, finding.c_str());

@@ -8,7 +8,7 @@
 #include <fstream>
 #include <iterator>
 
-namespace dbn::testing {
+namespace dbn::fuzz {
 namespace {
 
 namespace fs = std::filesystem;
@@ -30,4 +30,4 @@ TEST(FuzzCorpus, EveryKeptInputPassesItsCheck) {
 }
 
 }  // namespace
-}  // namespace dbn::testing
+}  // namespace dbn::fuzz
