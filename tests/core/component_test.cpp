@@ -23,17 +23,12 @@ ComponentError ErrorOf(const std::function<void()>& action) {
     return ComponentError(0, "", "");
 }
 
-TEST(ComponentErrors, CarryNumberSourceAndDescription) {
-    const ComponentError error(3265, "SQLite", "Item cannot be found");
-    EXPECT_EQ(error.Number(), 3265);
-    EXPECT_EQ(error.Source(), "SQLite");
-    EXPECT_EQ(error.Description(), "Item cannot be found");
-    EXPECT_STREQ(error.what(), "Item cannot be found");
-
+TEST(ComponentErrors, RaisedErrorsCarryNumberTheComponentsSourceAndDescription) {
     const ComponentError raised = ErrorOf([] { RaiseError(6, "Overflow"); });
     EXPECT_EQ(raised.Number(), 6);
     EXPECT_EQ(raised.Source(), "CVL_DBN_Node");
     EXPECT_EQ(raised.Description(), "Overflow");
+    EXPECT_STREQ(raised.what(), "Overflow");
 }
 
 class Factory : public ::testing::Test {
@@ -44,15 +39,13 @@ protected:
     }
 };
 
-TEST_F(Factory, CreatesRegisteredClassesFreshEachTime) {
+TEST_F(Factory, CreatesFreshObjectsWithTheLatestRegisteredMaker) {
     RegisterComponent("Test.Validator", [] { return std::make_unique<Validator>(); });
     auto first = CreateObjectAs<Validator>("Test.Validator");
     ASSERT_NE(first, nullptr);
     first->uses = 3;
-    auto second = CreateObjectAs<Validator>("Test.Validator");
-    EXPECT_EQ(second->uses, 0);
+    EXPECT_EQ(CreateObjectAs<Validator>("Test.Validator")->uses, 0);
 
-    // A later registration replaces the maker.
     RegisterComponent("Test.Validator", [] {
         auto made = std::make_unique<Validator>();
         made->uses = 7;
@@ -61,24 +54,19 @@ TEST_F(Factory, CreatesRegisteredClassesFreshEachTime) {
     EXPECT_EQ(CreateObjectAs<Validator>("Test.Validator")->uses, 7);
 }
 
-TEST_F(Factory, UnknownOrEmptyMakersCannotCreate) {
+TEST_F(Factory, UnknownEmptyOrUnregisteredMakersAndWrongTypesCannotCreate) {
     const ComponentError unknown = ErrorOf([] { CreateObject("Test.Unknown"); });
     EXPECT_EQ(unknown.Number(), 429);
     EXPECT_EQ(unknown.Description(), "Can't create object: Test.Unknown");
-
     RegisterComponent("Test.Nothing", [] { return std::unique_ptr<Component>(); });
     EXPECT_EQ(ErrorOf([] { CreateObject("Test.Nothing"); }).Number(), 429);
 
     RegisterComponent("Test.Validator", [] { return std::make_unique<Validator>(); });
-    UnregisterComponent("Test.Validator");
-    EXPECT_EQ(ErrorOf([] { CreateObject("Test.Validator"); }).Number(), 429);
-}
-
-TEST_F(Factory, WrongTypeIsATypeMismatch) {
-    RegisterComponent("Test.Validator", [] { return std::make_unique<Validator>(); });
     const ComponentError mismatch = ErrorOf([] { CreateObjectAs<Dialog>("Test.Validator"); });
     EXPECT_EQ(mismatch.Number(), 13);
     EXPECT_EQ(mismatch.Description(), "Type mismatch");
+    UnregisterComponent("Test.Validator");
+    EXPECT_EQ(ErrorOf([] { CreateObject("Test.Validator"); }).Number(), 429);
 }
 
 }  // namespace
