@@ -2,17 +2,19 @@
 
 #include "database/data_location.h"
 #include "database/data_location_internal.h"
+#include "temp_database.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
 #include <filesystem>
 #include <optional>
+#include <utility>
 
 namespace dbn {
 namespace {
 
-namespace fs = std::filesystem;
+using testing::TempDataRoot;
 
 // Sets an environment variable (nullptr: unsets it) until destroyed.
 class ScopedVariable {
@@ -31,35 +33,31 @@ private:
 };
 
 TEST(DataLocation, PrimaryRootWhenItsProductFolderExistsElseTheUncheckedFallback) {
-    std::string pattern = (fs::temp_directory_path() / "dbn-location-XXXXXX").string();
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    const fs::path primary = pattern;
-    fs::create_directories(primary / "Corvell");
-    EXPECT_EQ(detail::ProductFolderUnder(primary.string(), "/no/such/root"),
-              "/no/such/root/Corvell/Sonavis+/");
-    fs::create_directories(primary / "Corvell" / "Sonavis+");
+    TempDataRoot root;  // holds <root>/Corvell/Sonavis+/
     // A trailing "/" on either side does not double the separator.
-    EXPECT_EQ(detail::ProductFolderUnder(primary.string() + "/", "/elsewhere"),
-              primary.string() + "/Corvell/Sonavis+/");
-    fs::remove_all(primary);
+    EXPECT_EQ(detail::ProductFolderUnder(root.Root() + "/", "/elsewhere"),
+              root.Root() + "/Corvell/Sonavis+/");
+    EXPECT_EQ(detail::ProductFolderUnder(root.Root() + "/Corvell", "/no/such/root/"),
+              "/no/such/root/Corvell/Sonavis+/");
+}
 
-    {
-        ScopedVariable xdg("XDG_DATA_HOME", "/data/user");
-        ScopedVariable home("HOME", "/home/op/");
-        EXPECT_EQ(detail::UserDataRoot(), "/data/user");
-        ScopedVariable emptyXdg("XDG_DATA_HOME", "");
-        EXPECT_EQ(detail::UserDataRoot(), "/home/op/.local/share");
-        ScopedVariable noXdg("XDG_DATA_HOME", nullptr);
-        EXPECT_EQ(detail::UserDataRoot(), "/home/op/.local/share");
-        if (!fs::is_directory("/var/lib/Corvell/Sonavis+")) {
-            EXPECT_EQ(GetProductFolder(), "/home/op/.local/share/Corvell/Sonavis+/");
-        }
+TEST(DataLocation, FallbackIsTheUsersDataFolderOrElseTheHomesLocalShare) {
+    if (std::filesystem::is_directory("/var/lib/Corvell/Sonavis+")) {
+        GTEST_SKIP() << "this machine has the machine-wide product folder";
+    }
+    ScopedVariable home("HOME", "/home/op/");
+    const std::pair<const char*, const char*> cases[] = {
+        {"/data/user", "/data/user/Corvell/Sonavis+/"},
+        {"", "/home/op/.local/share/Corvell/Sonavis+/"},
+        {nullptr, "/home/op/.local/share/Corvell/Sonavis+/"}};
+    for (const auto& [xdg, folder] : cases) {
+        ScopedVariable variable("XDG_DATA_HOME", xdg);
+        EXPECT_EQ(GetProductFolder(), folder);
     }
 }
 
 TEST(DataLocation, OverrideAnswersForBothSourcesAndNamesTheFileInTheConnectionString) {
     SetDataRootOverride("/srv/lab/");
-    EXPECT_EQ(GetProductFolder(), "/srv/lab/Corvell/Sonavis+/");
     EXPECT_EQ(GetDatabaseFolder(), "/srv/lab/Corvell/Sonavis+/Database/");
     const std::string expected =
         "Provider=SQLite;Data Source=/srv/lab/Corvell/Sonavis+/Database/NewDB.mdb";

@@ -1,5 +1,5 @@
-// Savepoints inside a transaction, and the observer that reports a
-// connection's work step by step.
+// Transactions, savepoints and changed-row counts, and the observer that
+// reports a connection's work step by step.
 
 #include "database/database.h"
 #include "temp_database.h"
@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace dbn {
@@ -14,112 +15,104 @@ namespace {
 
 using testing::TempDataRoot;
 
-// Labels the pool row of message node `number` in partition 1.
-void Label(DataBase& db, int number, const std::string& text) {
-    EXPECT_EQ(db.Execute("Update_Node_General_Pool",
-                         {text, "2001-01-01 00:00:00", "1", "1", "0", std::to_string(number)}),
-              1);
-}
-
-std::string LabelOf(const TempDataRoot& root, int number) {
-    return root.QueryText(
-        "SELECT NodeDescription FROM Node_General_Pool WHERE PartID = 1 AND NodeTypeID = 0 AND "
-        "NodeNumber = " +
-        std::to_string(number));
-}
-
-TEST(Savepoints, UndoOnlyTheirOwnWorkInnermostFirst) {
-    TempDataRoot root(TempDataRoot::Content::Demo);
-    DataBase db;
-    db.BeginTrans();
-    Label(db, 1, "outer");
-    db.BeginSavepoint();
-    Label(db, 2, "kept");
-    db.BeginSavepoint();
-    Label(db, 3, "undone");
-    db.RollbackToSavepoint();
-    db.ReleaseSavepoint();
-    EXPECT_TRUE(db.InTransaction());
-    db.BeginSavepoint();
-    Label(db, 4, "again");
-    db.ReleaseSavepoint();
-    db.CommitTrans();
-
-    EXPECT_EQ(
-        LabelOf(root, 1) + "/" + LabelOf(root, 2) + "/" + LabelOf(root, 3) + "/" + LabelOf(root, 4),
-        "outer/kept/Please hold/again");
-
-    // A savepoint kept inside a transaction that rolls back is gone with it.
-    db.BeginTrans();
-    db.BeginSavepoint();
-    Label(db, 5, "lost");
-    db.ReleaseSavepoint();
-    db.RollbackTrans();
-    EXPECT_EQ(LabelOf(root, 5), "Before names");
-}
-
-const char* Name(DataBaseStep step) {
-    switch (step) {
-        case DataBaseStep::Execute:
-            return "Execute";
-        case DataBaseStep::Eof:
-            return "Eof";
-        case DataBaseStep::Field:
-            return "Field";
-        case DataBaseStep::MoveNext:
-            return "MoveNext";
-        case DataBaseStep::MoveLast:
-            return "MoveLast";
-        case DataBaseStep::Close:
-            return "Close";
-        case DataBaseStep::BeginTrans:
-            return "BeginTrans";
-        case DataBaseStep::CommitTrans:
-            return "CommitTrans";
-        case DataBaseStep::RollbackTrans:
-            return "RollbackTrans";
-        case DataBaseStep::BeginSavepoint:
-            return "BeginSavepoint";
-        case DataBaseStep::ReleaseSavepoint:
-            return "ReleaseSavepoint";
-        case DataBaseStep::RollbackToSavepoint:
-            return "RollbackToSavepoint";
+class Transactions : public ::testing::Test {
+protected:
+    // Labels the pool row of message node `number` in partition 1; answers
+    // the number of rows changed.
+    long Label(int number, const std::string& text) {
+        return db_.Execute("Update_Node_General_Pool",
+                           {text, "2001-01-01 00:00:00", "1", "1", "0", std::to_string(number)});
     }
-    return "?";
+    // The labels of message nodes 1 to 5 of partition 1, joined by "/".
+    std::string Labels() const {
+        return root_.QueryText(
+            "SELECT group_concat(NodeDescription, '/') FROM (SELECT NodeDescription FROM "
+            "Node_General_Pool WHERE PartID = 1 AND NodeTypeID = 0 AND NodeNumber BETWEEN 1 AND 5 "
+            "ORDER BY NodeNumber)");
+    }
+    long Prompts() const {
+        return root_.QueryInt(
+            "SELECT count(*) FROM Detail_DBN_Prompts WHERE PartID = 1 AND NodeMasterID = 2");
+    }
+
+    TempDataRoot root_{TempDataRoot::Content::Demo};
+    DataBase db_;
+};
+
+// Rollback undoes everything, savepoints only their own work, innermost
+// first; outside a transaction each command stands alone, and a node that
+// does not exist changes nothing and is no error.
+TEST_F(Transactions, RollbackAndSavepointsUndoTheirWorkAndCommandsAnswerRowsChanged) {
+    const std::string before = Labels();
+    db_.BeginTrans();
+    EXPECT_TRUE(db_.InTransaction());
+    EXPECT_EQ(db_.Execute("Delete_DBN_PromptsNode", {"1", "1", "2"}), 9);
+    db_.BeginSavepoint();
+    EXPECT_EQ(Label(1, "lost"), 1);
+    db_.ReleaseSavepoint();  // kept inside a transaction that rolls back: gone with it
+    db_.RollbackTrans();
+    EXPECT_FALSE(db_.InTransaction());
+    EXPECT_EQ(Prompts(), 9);
+    EXPECT_EQ(Labels(), before);
+
+    db_.BeginTrans();
+    Label(1, "outer");
+    db_.BeginSavepoint();
+    Label(2, "kept");
+    db_.BeginSavepoint();
+    Label(3, "undone");
+    db_.RollbackToSavepoint();
+    db_.ReleaseSavepoint();
+    EXPECT_TRUE(db_.InTransaction());
+    db_.BeginSavepoint();
+    Label(4, "again");
+    db_.ReleaseSavepoint();
+    db_.CommitTrans();
+    EXPECT_EQ(Labels(), "outer/kept/Please hold/again/Before names");
+
+    EXPECT_EQ(db_.Execute("Delete_DBN_PromptsNode", {"1", "1", "2"}), 9);
+    EXPECT_EQ(db_.Execute("Delete_DBN_PromptsNode", {"1", "1", "2"}), 0);
+    EXPECT_EQ(Prompts(), 0);
+    EXPECT_EQ(Label(19, "nobody"), 0);
 }
 
-TEST(Observer, ReportsCommandsReadsAndTransactionStepsUntilCleared) {
-    TempDataRoot root(TempDataRoot::Content::Demo);
-    DataBase db;
+TEST_F(Transactions, ObserverReportsCommandsReadsAndStepsUntilCleared) {
     // A row set made before the observer is set reports its reads too.
-    RowSet& rows = db.Recordset("Get_Description");
-    std::vector<std::string> seen;
-    db.SetObserver([&seen](const DataBaseEvent& event) {
-        std::string line = std::string(Name(event.step)) + " " + std::string(event.command) +
-                           (event.column.empty() ? "" : "." + std::string(event.column));
-        for (const std::string& arg :
-             event.args != nullptr ? *event.args : std::vector<std::string>{}) {
-            line += " " + arg;
+    RowSet& rows = db_.Recordset("Get_Description");
+    using Step = DataBaseStep;
+    std::vector<std::pair<Step, std::string>> seen;
+    db_.SetObserver([&seen](const DataBaseEvent& event) {
+        std::string detail(event.command);
+        detail += event.column.empty() ? "" : "." + std::string(event.column);
+        for (const std::string& arg : event.args ? *event.args : std::vector<std::string>{}) {
+            detail += " " + arg;
         }
-        seen.push_back(line);
+        seen.emplace_back(event.step, detail);
     });
-    db.Execute("Get_Description", {"1", "1", "0", "4"});
+    db_.Execute("Get_Description", {"1", "1", "0", "4"});
     EXPECT_EQ(rows.Field("NodeDescription").ToText(), "Goodbye");
     rows.MoveNext();
     EXPECT_TRUE(rows.Eof());
     rows.Close();
-    db.BeginTrans();
-    db.BeginSavepoint();
-    db.RollbackToSavepoint();
-    db.CommitTrans();
-    EXPECT_EQ(seen, (std::vector<std::string>{
-                        "Execute Get_Description 1 1 0 4", "Field Get_Description.NodeDescription",
-                        "MoveNext Get_Description", "Eof Get_Description", "Close Get_Description",
-                        "BeginTrans ", "BeginSavepoint ", "RollbackToSavepoint ", "CommitTrans "}));
+    db_.BeginTrans();
+    db_.BeginSavepoint();
+    db_.RollbackToSavepoint();
+    db_.CommitTrans();
+    const std::string command = "Get_Description";
+    EXPECT_EQ(seen, (std::vector<std::pair<Step, std::string>>{
+                        {Step::Execute, command + " 1 1 0 4"},
+                        {Step::Field, command + ".NodeDescription"},
+                        {Step::MoveNext, command},
+                        {Step::Eof, command},
+                        {Step::Close, command},
+                        {Step::BeginTrans, ""},
+                        {Step::BeginSavepoint, ""},
+                        {Step::RollbackToSavepoint, ""},
+                        {Step::CommitTrans, ""}}));
 
     seen.clear();
-    db.SetObserver({});
-    db.Execute("Get_Description", {"1", "1", "0", "4"});
+    db_.SetObserver({});
+    db_.Execute("Get_Description", {"1", "1", "0", "4"});
     rows.Close();
     EXPECT_TRUE(seen.empty());
 }
