@@ -41,8 +41,12 @@ protected:
         EditorRun run;
         services.whileShown = [&](form::GUI& gui) {
             run.shown = true;
-            if (operate) {
-                operate(gui);
+            try {
+                if (operate) {
+                    operate(gui);
+                }
+            } catch (const std::exception& error) {  // the form would show it as an error box
+                ADD_FAILURE() << "the test's actions threw: " << error.what();
             }
             if (gui.IsLoaded()) {
                 gui.cmdApply.SetEnabled(false);
@@ -57,23 +61,28 @@ protected:
     // Every row of the tables a save writes, for before/after comparisons.
     std::string SavedTables() const {
         std::string all;
-        for (const char* table :
+        for (const std::string table :
              {"Node_DBN", "Detail_DBN_Prompts", "Node_General_Pool", "Node_MSG"}) {
-            all += table;
-            all += ":" +
-                   root.QueryText("SELECT group_concat(r, char(10)) FROM (SELECT " +
-                                  RowText(table) + " AS r FROM " + table + " ORDER BY r)") +
+            const std::string row = root.QueryText(
+                "SELECT group_concat('quote(' || name || ')', ' || '','' || ') FROM "
+                "pragma_table_info('" +
+                table + "')");
+            all += table + ":" +
+                   (row.empty() ? "missing"
+                                : root.QueryText("SELECT group_concat(r, char(10)) FROM (SELECT " +
+                                                 row + " AS r FROM " + table + " ORDER BY r)")) +
                    "\n";
         }
         return all;
     }
 
-    // Every column of a table as one quoted text expression.
-    std::string RowText(const std::string& table) const {
-        return root.QueryText(
-            "SELECT group_concat('quote(' || name || ')', ' || '','' || ') FROM "
-            "pragma_table_info('" +
-            table + "')");
+    // A refused save kept the unsaved edit and left the form ready to try again.
+    void ExpectEditKept(form::GUI& gui, const std::string& label) const {
+        EXPECT_TRUE(gui.cmdApply.Enabled());
+        EXPECT_EQ(gui.txtDescription.Text(), label);
+        EXPECT_TRUE(gui.Frame1.Enabled());
+        EXPECT_FALSE(gui.StatusBar1.Visible());
+        EXPECT_EQ(services.busyDepth, 0);
     }
 
     // Texts of the boxes with a title, joined by " | ".
