@@ -4,6 +4,7 @@
 
 #include "core/component_error.h"
 #include "form/gui.h"
+#include "form/in_place_pickers.h"
 #include "form/list_rows.h"
 
 #include <array>
@@ -21,7 +22,6 @@ constexpr const char* kEditOffCaption = "Edit Off";
 
 // The pickers cover the list from the "Command/Node" column on.
 constexpr int kPickerOffsetLeft = 1000;
-constexpr int kPickerOffsetTop = 50;
 
 struct PickerPair {
     ListControl* node;
@@ -161,7 +161,7 @@ void GUI::LVActions_ItemClick(ListItem& item) {
 void GUI::GenericLVactions_ItemClick(ListItem& item, ListControl& node, ListControl& number) {
     Trapped("GenericLVactions_ItemClick", [&] {
         const RowPosition position = LVActions.RowPositionOf(item);
-        const int top = LVActions.Top() + position.top + kPickerOffsetTop;
+        const int top = LVActions.Top() + position.top + kInPlacePickerDrop;
         node.SetLeft(LVActions.Left() + position.left + kPickerOffsetLeft);
         node.SetTop(top);
         number.SetVisible(number.ListCount() > 0);

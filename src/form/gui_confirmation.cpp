@@ -5,6 +5,7 @@
 
 #include "core/component_error.h"
 #include "form/gui.h"
+#include "form/in_place_pickers.h"
 #include "form/list_rows.h"
 
 #include <string>
@@ -23,7 +24,6 @@ constexpr int kDefaultMatchesIndex = 4;  // the entry "5"
 
 // The pickers cover the list from the "Command/Node" column on.
 constexpr int kPickerOffsetLeft = 1600;
-constexpr int kPickerOffsetTop = 50;
 constexpr int kNodePickerWidth = 900;
 constexpr int kNumberPickerWidth = 700;
 constexpr int kNodePickerWideWidth = 1600;
@@ -220,7 +220,7 @@ void GUI::LVConfirm_ItemClick(ListItem& item) {
         cmbConfirmNode.SetVisible(true);
         cmbConfirmNode.SetFocus();
         const RowPosition position = LVConfirm.RowPositionOf(item);
-        const int top = LVConfirm.Top() + position.top + kPickerOffsetTop;
+        const int top = LVConfirm.Top() + position.top + kInPlacePickerDrop;
         cmbConfirmNode.SetLeft(LVConfirm.Left() + position.left + kPickerOffsetLeft);
         cmbConfirmNode.SetTop(top);
         cmbConfirmNumber.SetVisible(cmbConfirmNumber.ListCount() > 0);

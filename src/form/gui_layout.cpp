@@ -6,6 +6,7 @@
 
 #include "core/component_error.h"
 #include "form/error_trap.h"
+#include "form/in_place_pickers.h"
 #include "form/text_validator.h"
 
 #include <algorithm>
@@ -25,13 +26,12 @@ ListControl Editable(std::string name, Control* container, Rect rect, int tab) {
 }
 
 // The in-place editors of the actions list: one row of a node-type list and a
-// node-number list per action, all 315 high.
-constexpr int kEditorHeight = 315;
+// node-number list per action.
 Rect ActionNodeAt(int top) {
-    return {1200, top, 975, kEditorHeight};
+    return {1200, top, 975, kInPlacePickerHeight};
 }
 Rect ActionNumberAt(int top) {
-    return {2160, top, 700, kEditorHeight};
+    return {2160, top, 700, kInPlacePickerHeight};
 }
 
 constexpr int kValidMatchTop = 240;

@@ -1,6 +1,7 @@
 #include "qt/list_view_binding.h"
 
 #include "form/controls/operator_input.h"
+#include "form/in_place_pickers.h"
 #include "qt/form_fonts.h"
 #include "qt/qt_children.h"
 
@@ -50,11 +51,6 @@ namespace {
 
 // Columns 2 and beyond hold the row's sub-items.
 constexpr int kMaxSubItems = 6;
-
-// The in-place pickers the form lays over a row: their height, and how far
-// below the given row top the form puts them (twips).
-constexpr int kPickerHeight = 315;
-constexpr int kPickerDrop = 50;
 
 Qt::Alignment AlignmentOf(form::ColumnAlignment alignment) {
     switch (alignment) {
@@ -249,8 +245,9 @@ form::RowPosition ListViewBinding::RowPosition(int position) const {
     // the row as drawn, covering it and no more of its neighbours than needed.
     const QRect row = tree_.visualItemRect(item);
     const QPoint topLeft = tree_.viewport()->mapTo(&tree_, row.topLeft());
-    const int pickerTop = topLeft.y() - (Scale().ToPixels(kPickerHeight) - row.height()) / 2;
-    return {Scale().ToTwips(topLeft.x()), Scale().ToTwips(pickerTop) - kPickerDrop};
+    const int pickerTop =
+        topLeft.y() - (Scale().ToPixels(form::kInPlacePickerHeight) - row.height()) / 2;
+    return {Scale().ToTwips(topLeft.x()), Scale().ToTwips(pickerTop) - form::kInPlacePickerDrop};
 }
 
 }  // namespace dbn::qt
