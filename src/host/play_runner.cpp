@@ -26,16 +26,6 @@ bool IsListView(const form::Control& c) {
     return c.Kind() == ControlKind::ListView;
 }
 
-// The first entry whose text is exactly this text; -1 when none is.
-int EntryIndex(const form::ListControl& list, const std::string& text) {
-    for (int index = 0; index < list.ListCount(); ++index) {
-        if (list.List(index) == text) {
-            return index;
-        }
-    }
-    return -1;
-}
-
 }  // namespace
 
 Player::Player(std::ostream& out, std::ostream& err) : out_(out), err_(err), services_(out) {
@@ -149,7 +139,7 @@ void Player::Operate(const Action& action) {
             if (!list.AcceptsInput()) {
                 break;
             }
-            const int index = EntryIndex(list, action.operands[1]);
+            const int index = list.FindExactEntry(action.operands[1]);
             if (index < 0) {
                 ScriptError(list.Name() + " has no entry \"" + action.operands[1] + "\"");
             }

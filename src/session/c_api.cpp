@@ -171,12 +171,7 @@ int cvl_dbn_form_pick(cvl_dbn_form* form, const char* list, const char* text) {
         if (control == nullptr || text == nullptr) {
             return -1;
         }
-        int index = -1;
-        for (int i = 0; i < control->ListCount() && index < 0; ++i) {
-            if (control->List(i) == text) {
-                index = i;
-            }
-        }
+        const int index = control->FindExactEntry(text);
         return index < 0 ? -1 : Outcome(dbn::form::operator_input::Pick(*control, index));
     });
 }

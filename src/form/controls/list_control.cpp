@@ -119,4 +119,10 @@ int ListControl::FindEntry(const std::string& text) const {
     return found == entries_.end() ? -1 : static_cast<int>(found - entries_.begin());
 }
 
+int ListControl::FindExactEntry(const std::string& text) const {
+    const auto found = std::find_if(entries_.begin(), entries_.end(),
+                                    [&](const Entry& entry) { return entry.text == text; });
+    return found == entries_.end() ? -1 : static_cast<int>(found - entries_.begin());
+}
+
 }  // namespace dbn::form

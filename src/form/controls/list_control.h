@@ -48,6 +48,8 @@ public:
 
     // Index of the first entry whose text equals text ignoring case, or -1.
     int FindEntry(const std::string& text) const;
+    // Index of the first entry whose text is exactly text, or -1.
+    int FindExactEntry(const std::string& text) const;
 
     std::function<void()> Click;
     std::function<void()> Change;
