@@ -2,6 +2,7 @@
 
 #include "form/controls/operator_input.h"
 #include "qt/binding_factory.h"
+#include "qt/directory_check_window.h"
 #include "qt/form_fonts.h"
 
 #include <QCloseEvent>
@@ -47,6 +48,7 @@ FormView::FormView(form::GUI& form, QWidget* parent)
     StackBySize();
     SetTabOrder();
     FollowWidth();
+    InstallDirectoryCheckKey(*this);
     formObserver_ = form.Observe([this](form::FormChange change) {
         if (change == form::FormChange::Width) {
             FollowWidth();

@@ -1,0 +1,122 @@
+#include "qt/directory_check_window.h"
+
+#include "core/component_error.h"
+#include "qt/form_view.h"
+#include "session/directory_check.h"
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QShortcut>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+#include <exception>
+
+namespace dbn::qt {
+namespace {
+
+enum Column { Sequence, LastName, FirstName, Extension, Verdict, Digits, Matches, Reason, Count };
+
+QTableWidgetItem* TextItem(const std::string& text) {
+    auto* item = new QTableWidgetItem(QString::fromStdString(text));
+    item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
+    return item;
+}
+
+// A number that sorts as a number.
+QTableWidgetItem* NumberItem(int value) {
+    auto* item = new QTableWidgetItem;
+    item->setData(Qt::DisplayRole, value);
+    item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
+    return item;
+}
+
+}  // namespace
+
+DirectoryCheckWindow::DirectoryCheckWindow(QWidget* parent)
+    : QWidget(parent, Qt::Window),
+      heading_(new QLabel(this)),
+      table_(new QTableWidget(0, Column::Count, this)),
+      summary_(new QLabel(this)) {
+    setObjectName("DirectoryCheckWindow");
+    setWindowTitle(kTitle);
+    heading_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    table_->setHorizontalHeaderLabels({"#", "Last name", "First name", "Extension", "Verdict",
+                                       "Digits", "Matches", "Reason"});
+    table_->verticalHeader()->hide();
+    table_->horizontalHeader()->setStretchLastSection(true);
+    table_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table_->setSortingEnabled(true);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(heading_);
+    layout->addWidget(table_, 1);
+    layout->addWidget(summary_);
+    resize(900, 480);
+}
+
+void DirectoryCheckWindow::ShowReport(const directory::DirectoryReport& report) {
+    QStringList lines;
+    for (const std::string& line : directory::ReportHeading(report)) {
+        lines << QString::fromStdString(line);
+    }
+    heading_->setText(lines.join('\n'));
+    // Rows go in unsorted, then the operator's chosen order is applied again.
+    table_->setSortingEnabled(false);
+    table_->setRowCount(static_cast<int>(report.names.size()));
+    for (std::size_t i = 0; i < report.names.size(); ++i) {
+        const directory::DirectoryName& name = report.names[i];
+        const directory::NameVerdict& verdict = report.verdicts[i];
+        const int row = static_cast<int>(i);
+        table_->setItem(row, Column::Sequence, NumberItem(name.sequence));
+        table_->setItem(row, Column::LastName, TextItem(name.lastName));
+        table_->setItem(row, Column::FirstName, TextItem(name.firstName));
+        table_->setItem(row, Column::Extension, TextItem(name.extension));
+        table_->setItem(row, Column::Verdict, TextItem(directory::VerdictName(verdict.verdict)));
+        table_->setItem(row, Column::Digits, TextItem(verdict.digits));
+        table_->setItem(row, Column::Matches, NumberItem(verdict.matches));
+        table_->setItem(row, Column::Reason, TextItem(verdict.reason));
+    }
+    table_->setSortingEnabled(true);
+    table_->resizeColumnsToContents();
+    summary_->setText(QString::fromStdString(directory::ReportSummary(report)));
+}
+
+void DirectoryCheckWindow::ShowProblem(const std::string& message) {
+    heading_->setText(QString::fromStdString(message));
+    table_->setRowCount(0);
+    summary_->clear();
+}
+
+QString DirectoryCheckWindow::Heading() const {
+    return heading_->text();
+}
+
+QString DirectoryCheckWindow::Summary() const {
+    return summary_->text();
+}
+
+DirectoryCheckWindow& ShowDirectoryCheck(FormView& view) {
+    auto* window = view.findChild<DirectoryCheckWindow*>("DirectoryCheckWindow");
+    if (window == nullptr) {
+        window = new DirectoryCheckWindow(&view);
+    }
+    try {
+        window->ShowReport(session::CheckFormNode(view.Form()));
+    } catch (const ComponentError& error) {
+        window->ShowProblem(error.Description());
+    } catch (const std::exception& error) {
+        window->ShowProblem(error.what());
+    }
+    window->show();
+    window->raise();
+    window->activateWindow();
+    return *window;
+}
+
+void InstallDirectoryCheckKey(FormView& view) {
+    auto* key = new QShortcut(QKeySequence(Qt::Key_F7), &view);
+    key->setContext(Qt::WindowShortcut);
+    QObject::connect(key, &QShortcut::activated, &view, [&view] { ShowDirectoryCheck(view); });
+}
+
+}  // namespace dbn::qt

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "directory/directory_report.h"
+
+#include <QWidget>
+
+#include <string>
+
+class QLabel;
+class QTableWidget;
+
+namespace dbn::qt {
+
+class FormView;
+
+// The report of the directory check in a window of its own: the heading with
+// the settings used, a table of every name the operator can sort by any
+// column, and the summary. F7 in the editor window opens it for the settings
+// the form shows now; pressing F7 again after a change shows the new answer.
+class DirectoryCheckWindow : public QWidget {
+public:
+    static constexpr const char* kTitle = "Directory Check";
+
+    explicit DirectoryCheckWindow(QWidget* parent = nullptr);
+
+    void ShowReport(const directory::DirectoryReport& report);
+    // When there is nothing to check: says why, with an empty table.
+    void ShowProblem(const std::string& message);
+
+    QTableWidget& Table() const noexcept { return *table_; }
+    QString Heading() const;
+    QString Summary() const;
+
+private:
+    QLabel* heading_;
+    QTableWidget* table_;
+    QLabel* summary_;
+};
+
+// Lets F7 in the editor window check the node on show under the settings the
+// form shows now, in the view's one report window (made on first use).
+void InstallDirectoryCheckKey(FormView& view);
+
+// Runs the check of the form on show in `view` and shows the report window.
+DirectoryCheckWindow& ShowDirectoryCheck(FormView& view);
+
+}  // namespace dbn::qt

@@ -1,0 +1,64 @@
+// The directory check of a stored dial-by-name node.
+#include "session/directory_check.h"
+
+#include "core/component_error.h"
+#include "session/load_helpers.h"
+
+namespace dbn::session {
+namespace {
+
+// A stored value when it lies in low..high, else the entry loading falls back to.
+int InRange(const RowSet& node, const char* column, int low, int high, int fallback) {
+    const int value = node.Field(column).ToInt16();
+    return value >= low && value <= high ? value : fallback;
+}
+
+}  // namespace
+
+directory::SearchSettings StoredSearchSettings(const RowSet& node) {
+    if (node.Field("Method").ToInt16() != 0) {
+        return directory::DefaultLastNameSearch();
+    }
+    const bool confirmation = node.Field("Confirm").ToInt16() != 0;
+    // Without confirmation the form shows Max Matches 5; with it, a stored
+    // value above the list's top shows "9" and one below 1 shows nothing.
+    int maxMatches = 5;
+    if (confirmation) {
+        maxMatches = std::min<int>(std::max<int>(node.Field("MaxMatch").ToInt16(), 0), 9);
+    }
+    return directory::CustomSearch(
+        directory::MatchModeOfTag(node.Field("FirstMode").ToInt16()),
+        InRange(node, "FirstMinDigits", 1, 9, 3), InRange(node, "FirstMaxDigits", 1, 9, 5),
+        InRange(node, "SecondMode", 0, 2, 0), InRange(node, "SecondMinDigits", 1, 9, 1),
+        InRange(node, "SecondMaxDigits", 1, 9, 5), confirmation, maxMatches);
+}
+
+std::int16_t StoredDirectoryNumber(const RowSet& node) {
+    return static_cast<std::int16_t>(InRange(node, "DirectoryNodeNumber", 1, 99, 1));
+}
+
+directory::DirectoryReport CheckStoredNode(DataBase& db, std::int16_t config,
+                                           std::int16_t partition, std::int16_t node) {
+    db.Execute("Get_DBN_Node", {Arg(config), Arg(partition), Arg(node), Arg(kDbnTypeID)});
+    RowSet& row = db.Recordset("Get_DBN_Node");
+    RowSetCloser closer(row);
+    if (row.Eof()) {
+        RaiseError(kErrCheckedNodeMissing, "DBN " + std::to_string(node) +
+                                               " doesn't exist in configuration " +
+                                               std::to_string(config) + ", partition " +
+                                               std::to_string(partition) + ".");
+    }
+    directory::SearchSettings settings = StoredSearchSettings(row);
+    const std::int16_t directory = StoredDirectoryNumber(row);
+    row.Close();
+    return directory::MakeDirectoryReport(config, partition, node, directory, std::move(settings),
+                                          ReadDirectoryNames(db, config, partition, directory));
+}
+
+ReachableCount CountReachableNames(DataBase& db, std::int16_t config, std::int16_t partition,
+                                   std::int16_t node) {
+    const directory::DirectoryReport report = CheckStoredNode(db, config, partition, node);
+    return {report.ReachableCount(), report.Total()};
+}
+
+}  // namespace dbn::session
