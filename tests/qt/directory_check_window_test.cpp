@@ -1,0 +1,70 @@
+// F7 in the editor window opens the directory check for the settings the form
+// shows now, in a window of its own with a table the operator can sort.
+#include "window_support.h"
+
+#include "qt/directory_check_window.h"
+
+#include <QShortcut>
+#include <QTableWidget>
+
+namespace dbn::testing {
+namespace {
+
+// Runs the window's F7 key as the window system does once it sees the key.
+void PressF7(qt::FormView& view) {
+    for (QShortcut* shortcut : view.findChildren<QShortcut*>()) {
+        if (shortcut->key() == QKeySequence(Qt::Key_F7)) {
+            emit shortcut->activated();
+            return;
+        }
+    }
+    ADD_FAILURE() << "F7 is not bound in the editor window";
+}
+
+// The table's column as texts, top to bottom.
+std::vector<std::string> ColumnOf(const QTableWidget& table, int column) {
+    std::vector<std::string> texts;
+    for (int row = 0; row < table.rowCount(); ++row) {
+        texts.push_back(table.item(row, column)->text().toStdString());
+    }
+    return texts;
+}
+
+TEST_F(EditorWindowTest, F7ShowsTheReportOfTheUnsavedSettingsAndSortsByAnyColumn) {
+    Open(1, [&](form::GUI& form, qt::FormView& view) {
+        PickEntry(WidgetOf<QComboBox>(view, "cmbFirstMinDigits"), "5");
+        ASSERT_EQ(form.cmbFirstMinDigits.Text(), "5");
+        PressF7(view);
+        auto* window = view.findChild<qt::DirectoryCheckWindow*>();
+        ASSERT_NE(window, nullptr);
+        EXPECT_TRUE(window->isVisible());
+        EXPECT_TRUE(window->Heading().contains("First stage: Last Name, 5 to 5 digits"));
+        EXPECT_EQ(window->Summary(), "4 of 5 names reachable");
+        QTableWidget& table = window->Table();
+        ASSERT_EQ(table.rowCount(), 5);
+        EXPECT_EQ(ColumnOf(table, 4), (std::vector<std::string>{"direct", "direct", "unreachable",
+                                                               "direct", "direct"}));
+
+        table.sortItems(4, Qt::DescendingOrder);
+        EXPECT_EQ(ColumnOf(table, 1).front(), "Chen");
+        table.sortItems(0, Qt::DescendingOrder);
+        EXPECT_EQ(ColumnOf(table, 0),
+                  (std::vector<std::string>{"5", "4", "3", "2", "1"}));
+
+        // A second check after another change reuses the same window.
+        PickEntry(WidgetOf<QComboBox>(view, "cmbFirstMinDigits"), "3");
+        EXPECT_EQ(&qt::ShowDirectoryCheck(view), window);
+        EXPECT_EQ(window->Summary(), "5 of 5 names reachable");
+
+        // A directory that does not exist: said in the window, nothing listed.
+        PickEntry(WidgetOf<QComboBox>(view, "cmbDirectory"), "9");
+        qt::ShowDirectoryCheck(view);
+        EXPECT_EQ(window->Heading().toStdString(),
+                  "DIR 9 doesn't exist in configuration 1, partition 1.");
+        EXPECT_EQ(table.rowCount(), 0);
+    });
+    EXPECT_TRUE(unexpectedBoxes.empty());
+}
+
+}  // namespace
+}  // namespace dbn::testing
