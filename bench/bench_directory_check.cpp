@@ -39,16 +39,16 @@ std::int16_t NodeOf(int size) {
 std::string GenerateSql(int size) {
     const std::string dir = std::to_string(DirectoryOf(size));
     const std::string node = std::to_string(NodeOf(size));
-    const std::string syllable = "substr('ba be bi bo bu ka ke ki ko ku ma me mi mo mu sa se si so "
-                                 "su ta te ti to tu la le li lo lu ', ";
+    const std::string syllable =
+        "substr('ba be bi bo bu ka ke ki ko ku ma me mi mo mu sa se si so "
+        "su ta te ti to tu la le li lo lu ', ";
     return "INSERT INTO Node_DIR SELECT ConfigID, PartID, NodeTypeID, " + dir +
            ", AccessCode, UsePasswords, NodeType, 'Generated', StartingPromptNumber FROM Node_DIR "
            "WHERE ConfigID = 1 AND PartID = 1 AND NodeNumber = 1;"
            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
-           std::to_string(size) +
-           ") INSERT INTO Detail_DIR SELECT 1, 1, i, " + syllable + "(i * 7 % 30) * 3 + 1, 2) || " +
-           syllable + "(i / 30 * 11 % 30) * 3 + 1, 2) || " + syllable +
-           "(i / 900 % 30) * 3 + 1, 2), " + syllable + "(i * 13 % 30) * 3 + 1, 2) || " +
+           std::to_string(size) + ") INSERT INTO Detail_DIR SELECT 1, 1, i, " + syllable +
+           "(i * 7 % 30) * 3 + 1, 2) || " + syllable + "(i / 30 * 11 % 30) * 3 + 1, 2) || " +
+           syllable + "(i / 900 % 30) * 3 + 1, 2), " + syllable + "(i * 13 % 30) * 3 + 1, 2) || " +
            syllable + "(i / 7 % 30) * 3 + 1, 2), printf('%06d', i), '', '', " + dir +
            " FROM n;"
            "CREATE TEMP TABLE copy AS SELECT * FROM Node_DBN WHERE ConfigID = 1 AND PartID = 1 "

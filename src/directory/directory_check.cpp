@@ -66,9 +66,9 @@ public:
     }
     // The entries whose digits begin with prefix.
     std::span<const Entry> WithPrefix(std::string_view prefix) const {
-        const auto first =
-            std::lower_bound(entries_.begin(), entries_.end(), prefix,
-                             [](const Entry& entry, std::string_view p) { return entry.digits < p; });
+        const auto first = std::lower_bound(
+            entries_.begin(), entries_.end(), prefix,
+            [](const Entry& entry, std::string_view p) { return entry.digits < p; });
         const auto last = std::partition_point(first, entries_.end(), [&](const Entry& entry) {
             return entry.digits.starts_with(prefix);
         });
@@ -94,8 +94,8 @@ public:
             if (modeKeys.count == 2) {
                 const std::string_view a = modeKeys.keys[0]->digits;
                 const std::string_view b = modeKeys.keys[1]->digits;
-                const auto common = std::mismatch(a.begin(), a.begin() + std::min(a.size(), b.size()),
-                                                  b.begin());
+                const auto common =
+                    std::mismatch(a.begin(), a.begin() + std::min(a.size(), b.size()), b.begin());
                 both_.Add(a.substr(0, static_cast<std::size_t>(common.first - a.begin())), name);
             }
         }
@@ -209,8 +209,8 @@ std::string NoDialReason(const SearchStage& stage, const ModeKeys& keys) {
     }
     std::string keysText;
     for (const KeypadKey* key : present) {
-        keysText += (keysText.empty() ? "" : " and ") +
-                    Spelled(stage.mode, *key, key->digits.size());
+        keysText +=
+            (keysText.empty() ? "" : " and ") + Spelled(stage.mode, *key, key->digits.size());
     }
     return keysText + (present.size() > 1 ? " are" : " is") + " shorter than the minimum of " +
            std::to_string(stage.minDigits) + " digits";
@@ -326,8 +326,8 @@ private:
             verdict.reason = leaves + then + OneOf(dial->matches);
             return verdict;
         }
-        verdict.reason = leaves + then + " matches " + std::to_string(dial->matches) + " of them, " +
-                         TooMany(settings_) +
+        verdict.reason = leaves + then + " matches " + std::to_string(dial->matches) +
+                         " of them, " + TooMany(settings_) +
                          SharedWith(names_, matcher.Others(dial->Digits(), name, kNamedAtMost),
                                     dial->matches - 1);
         return verdict;

@@ -25,9 +25,9 @@ struct DirectoryReport {
 };
 
 // Runs the check of names under settings and keeps both in the report.
-DirectoryReport MakeDirectoryReport(std::int16_t config, std::int16_t partition,
-                                    std::int16_t node, std::int16_t directory,
-                                    SearchSettings settings, std::vector<DirectoryName> names);
+DirectoryReport MakeDirectoryReport(std::int16_t config, std::int16_t partition, std::int16_t node,
+                                    std::int16_t directory, SearchSettings settings,
+                                    std::vector<DirectoryName> names);
 
 // The heading's lines: which node and directory, then the settings used
 // ("Default Last Name" says it is checked as a last-name search).

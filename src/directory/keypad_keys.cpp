@@ -38,23 +38,28 @@ char KeypadDigit(char c) noexcept {
     return '\0';
 }
 
+struct KeypadSpeller::Transliteration {
+    std::unique_ptr<icu::Transliterator> rules;
+};
+
 KeypadSpeller::KeypadSpeller() = default;
 KeypadSpeller::~KeypadSpeller() = default;
 
 std::string KeypadSpeller::ToAscii(std::string_view name) {
     if (toAscii_ == nullptr) {
         UErrorCode status = U_ZERO_ERROR;
-        toAscii_.reset(icu::Transliterator::createInstance(kToAsciiRules, UTRANS_FORWARD, status));
-        if (U_FAILURE(status) || toAscii_ == nullptr) {
-            toAscii_.reset();
-            RaiseError(kErrTransliterator,
-                       std::string("The keypad transliteration is not available: ") +
-                           u_errorName(status));
+        std::unique_ptr<icu::Transliterator> rules(
+            icu::Transliterator::createInstance(kToAsciiRules, UTRANS_FORWARD, status));
+        if (U_FAILURE(status) || rules == nullptr) {
+            RaiseError(
+                kErrTransliterator,
+                std::string("The keypad transliteration is not available: ") + u_errorName(status));
         }
+        toAscii_ = std::make_unique<Transliteration>(Transliteration{std::move(rules)});
     }
     icu::UnicodeString text = icu::UnicodeString::fromUTF8(
         icu::StringPiece(name.data(), static_cast<std::int32_t>(name.size())));
-    toAscii_->transliterate(text);
+    toAscii_->rules->transliterate(text);
     std::string ascii;
     text.toUTF8String(ascii);
     return ascii;

@@ -4,10 +4,6 @@
 #include <string>
 #include <string_view>
 
-namespace icu {
-class Transliterator;
-}
-
 namespace dbn::directory {
 
 // A text as a caller spells it on the keypad: the letters and digits that
@@ -36,7 +32,8 @@ public:
 private:
     std::string ToAscii(std::string_view name);
 
-    std::unique_ptr<icu::Transliterator> toAscii_;
+    struct Transliteration;  // the ICU transliterator, made on first need
+    std::unique_ptr<Transliteration> toAscii_;
 };
 
 // The keypad digit of an ASCII letter or digit, or '\0' for anything else.

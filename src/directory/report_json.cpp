@@ -12,8 +12,9 @@ std::string ReportJson(const DirectoryReport& report) {
 
     Json stages = Json::array();
     for (const SearchStage& stage : settings.stages) {
-        stages.push_back(
-            {{"mode", MatchModeName(stage.mode)}, {"min", stage.minDigits}, {"max", stage.maxDigits}});
+        stages.push_back({{"mode", MatchModeName(stage.mode)},
+                          {"min", stage.minDigits},
+                          {"max", stage.maxDigits}});
     }
     Json names = Json::array();
     for (std::size_t i = 0; i < report.names.size(); ++i) {

@@ -30,9 +30,9 @@ std::vector<std::string> ReportHeading(const DirectoryReport& report) {
     lines.push_back(method);
     for (std::size_t i = 0; i < settings.stages.size(); ++i) {
         const SearchStage& stage = settings.stages[i];
-        lines.push_back((i == 0 ? "First stage: " : "Second stage: ") +
-                        MatchModeName(stage.mode) + ", " + std::to_string(stage.minDigits) +
-                        " to " + std::to_string(stage.maxDigits) + " digits");
+        lines.push_back((i == 0 ? "First stage: " : "Second stage: ") + MatchModeName(stage.mode) +
+                        ", " + std::to_string(stage.minDigits) + " to " +
+                        std::to_string(stage.maxDigits) + " digits");
     }
     lines.push_back(settings.confirmation
                         ? "Confirmation: Yes, Max Matches " + std::to_string(settings.maxMatches)

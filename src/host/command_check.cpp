@@ -50,7 +50,8 @@ int RunCheck(std::vector<std::string> args) {
     }
 
     DataBase db;
-    const directory::DirectoryReport report = session::CheckStoredNode(db, *keys[0], *keys[1], *keys[2]);
+    const directory::DirectoryReport report =
+        session::CheckStoredNode(db, *keys[0], *keys[1], *keys[2]);
     std::cout << (asJson ? directory::ReportJson(report) : directory::ReportText(report));
     return report.ReachableCount() == report.Total() ? 0 : kSomeUnreachable;
 }

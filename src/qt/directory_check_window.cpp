@@ -38,11 +38,10 @@ DirectoryCheckWindow::DirectoryCheckWindow(QWidget* parent)
       heading_(new QLabel(this)),
       table_(new QTableWidget(0, Column::Count, this)),
       summary_(new QLabel(this)) {
-    setObjectName("DirectoryCheckWindow");
     setWindowTitle(kTitle);
     heading_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    table_->setHorizontalHeaderLabels({"#", "Last name", "First name", "Extension", "Verdict",
-                                       "Digits", "Matches", "Reason"});
+    table_->setHorizontalHeaderLabels(
+        {"#", "Last name", "First name", "Extension", "Verdict", "Digits", "Matches", "Reason"});
     table_->verticalHeader()->hide();
     table_->horizontalHeader()->setStretchLastSection(true);
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -96,7 +95,7 @@ QString DirectoryCheckWindow::Summary() const {
 }
 
 DirectoryCheckWindow& ShowDirectoryCheck(FormView& view) {
-    auto* window = view.findChild<DirectoryCheckWindow*>("DirectoryCheckWindow");
+    auto* window = view.findChild<DirectoryCheckWindow*>();
     if (window == nullptr) {
         window = new DirectoryCheckWindow(&view);
     }

@@ -18,6 +18,8 @@ class FormView;
 // column, and the summary. F7 in the editor window opens it for the settings
 // the form shows now; pressing F7 again after a change shows the new answer.
 class DirectoryCheckWindow : public QWidget {
+    Q_OBJECT
+
 public:
     static constexpr const char* kTitle = "Directory Check";
 

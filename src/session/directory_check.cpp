@@ -43,10 +43,9 @@ directory::DirectoryReport CheckStoredNode(DataBase& db, std::int16_t config,
     RowSet& row = db.Recordset("Get_DBN_Node");
     RowSetCloser closer(row);
     if (row.Eof()) {
-        RaiseError(kErrCheckedNodeMissing, "DBN " + std::to_string(node) +
-                                               " doesn't exist in configuration " +
-                                               std::to_string(config) + ", partition " +
-                                               std::to_string(partition) + ".");
+        RaiseError(kErrCheckedNodeMissing,
+                   "DBN " + std::to_string(node) + " doesn't exist in configuration " +
+                       std::to_string(config) + ", partition " + std::to_string(partition) + ".");
     }
     directory::SearchSettings settings = StoredSearchSettings(row);
     const std::int16_t directory = StoredDirectoryNumber(row);

@@ -13,10 +13,9 @@ std::vector<directory::DirectoryName> ReadDirectoryNames(DataBase& db, std::int1
     const bool exists = !node.Eof();
     node.Close();
     if (!exists) {
-        RaiseError(kErrDirectoryMissing, "DIR " + std::to_string(directory) +
-                                             " doesn't exist in configuration " +
-                                             std::to_string(config) + ", partition " +
-                                             std::to_string(partition) + ".");
+        RaiseError(kErrDirectoryMissing,
+                   "DIR " + std::to_string(directory) + " doesn't exist in configuration " +
+                       std::to_string(config) + ", partition " + std::to_string(partition) + ".");
     }
 
     db.Execute("Get_DIR_Names", {Arg(config), Arg(partition), Arg(directory)});

@@ -31,11 +31,11 @@ directory::SearchSettings FormSearchSettings(const form::GUI& form) {
         return directory::DefaultLastNameSearch();
     }
     const bool confirmation = SelectedTag(form.cmbConfirmation, 1) != 0;
-    return directory::CustomSearch(
-        directory::MatchModeOfTag(SelectedTag(form.cmbfirstMatch, 1)),
-        Number(form.cmbFirstMinDigits), Number(form.cmbFirstMaxDigits),
-        SelectedTag(form.cmbsecondMatch, 0), Number(form.cmbSecondMinDigits),
-        Number(form.cmbSecondMaxDigits), confirmation, Number(form.cmbMaxMatches));
+    return directory::CustomSearch(directory::MatchModeOfTag(SelectedTag(form.cmbfirstMatch, 1)),
+                                   Number(form.cmbFirstMinDigits), Number(form.cmbFirstMaxDigits),
+                                   SelectedTag(form.cmbsecondMatch, 0),
+                                   Number(form.cmbSecondMinDigits), Number(form.cmbSecondMaxDigits),
+                                   confirmation, Number(form.cmbMaxMatches));
 }
 
 directory::DirectoryReport CheckFormNode(form::GUI& form) {

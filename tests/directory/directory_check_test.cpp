@@ -106,7 +106,12 @@ const VerdictCase kVerdictCases[] = {
      {{Verdict::Unreachable, "", 0,
        "A -> 2 matches 7 names, more than the 1 that can be offered; shared with 2 A, 3 A, 4 A, "
        "5 A, 6 A and 1 more"},
-      {}, {}, {}, {}, {}, {}}},
+      {},
+      {},
+      {},
+      {},
+      {},
+      {}}},
     {"without confirmation only a single match connects, whatever Max Matches says",
      LastName(3, 5, false, 9),
      {"Smith/Anna/1", "Smith/Bob/2", "Baker/Tom/3"},
@@ -133,8 +138,10 @@ const VerdictCase kVerdictCases[] = {
     {"with confirmation the second stage offers up to Max Matches",
      CustomSearch(MatchMode::FirstName, 2, 3, 1, 1, 2, true, 2),
      {"Smith/Anna/1", "Smyth/Anna/2", "Jones/Anna/3"},
-     {{Verdict::SecondStage, "266", 3, "ANN -> 266 leaves 3 names; then SM -> 76, one of 2 matches"},
-      {Verdict::SecondStage, "266", 3, "ANN -> 266 leaves 3 names; then SM -> 76, one of 2 matches"},
+     {{Verdict::SecondStage, "266", 3,
+       "ANN -> 266 leaves 3 names; then SM -> 76, one of 2 matches"},
+      {Verdict::SecondStage, "266", 3,
+       "ANN -> 266 leaves 3 names; then SM -> 76, one of 2 matches"},
       {Verdict::SecondStage, "266", 3, "ANN -> 266 leaves 3 names; then JO -> 56"}}},
     {"both names: either key leads to the name, and a name matching by both counts once",
      CustomSearch(MatchMode::BothNames, 3, 5, 1, 1, 5, false, 5),
@@ -169,7 +176,10 @@ const VerdictCase kVerdictCases[] = {
       {Verdict::Unreachable, "", 0,
        "LEE -> 533 matches 6 names, more than the 5 that can be offered; shared with B Lee, C "
        "Lee, D Lee, E Lee, F Leeds"},
-      {}, {}, {}, {},
+      {},
+      {},
+      {},
+      {},
       {Verdict::Direct, "53337", 1, "LEEDS -> 53337"}}},
 };
 

@@ -88,8 +88,8 @@ TEST(DirectoryReport, EmptyDirectoryAndUndecodableNames) {
     EXPECT_EQ(json["total"], 0);
 
     // Bytes that are no UTF-8 neither stop the check nor the document.
-    const DirectoryReport broken = MakeDirectoryReport(1, 1, 1, 1, DefaultLastNameSearch(),
-                                                       {{1, "Sm\xffith", "\xc3", "1"}});
+    const DirectoryReport broken =
+        MakeDirectoryReport(1, 1, 1, 1, DefaultLastNameSearch(), {{1, "Sm\xffith", "\xc3", "1"}});
     EXPECT_EQ(nlohmann::json::parse(ReportJson(broken))["names"][0]["digits"], "76484");
 }
 

@@ -43,13 +43,12 @@ TEST_F(EditorWindowTest, F7ShowsTheReportOfTheUnsavedSettingsAndSortsByAnyColumn
         QTableWidget& table = window->Table();
         ASSERT_EQ(table.rowCount(), 5);
         EXPECT_EQ(ColumnOf(table, 4), (std::vector<std::string>{"direct", "direct", "unreachable",
-                                                               "direct", "direct"}));
+                                                                "direct", "direct"}));
 
         table.sortItems(4, Qt::DescendingOrder);
         EXPECT_EQ(ColumnOf(table, 1).front(), "Chen");
         table.sortItems(0, Qt::DescendingOrder);
-        EXPECT_EQ(ColumnOf(table, 0),
-                  (std::vector<std::string>{"5", "4", "3", "2", "1"}));
+        EXPECT_EQ(ColumnOf(table, 0), (std::vector<std::string>{"5", "4", "3", "2", "1"}));
 
         // A second check after another change reuses the same window.
         PickEntry(WidgetOf<QComboBox>(view, "cmbFirstMinDigits"), "3");

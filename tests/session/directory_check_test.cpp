@@ -38,7 +38,8 @@ TEST_F(DirectoryCheckTest, StoredNodeChecksItsDirectoryUnderItsSettings) {
               directory::CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, true, 3));
     ASSERT_EQ(report.names.size(), 5u);
     EXPECT_EQ(report.names[3].lastName, "Dubois");
-    EXPECT_EQ(Verdicts(report), "direct 23267, direct 22537, direct 2436, direct 38264, direct 38267");
+    EXPECT_EQ(Verdicts(report),
+              "direct 23267, direct 22537, direct 2436, direct 38264, direct 38267");
 
     DataBase db;
     const session::ReachableCount count = session::CountReachableNames(db, 1, 1, 1);
@@ -50,7 +51,8 @@ TEST_F(DirectoryCheckTest, StoredValuesOutsideTheListsAreReadAsTheEditorShowsThe
     using directory::CustomSearch;
     const std::pair<const char*, SearchSettings> cases[] = {
         {"Method = 1, FirstMode = 4", directory::DefaultLastNameSearch()},
-        {"FirstMode = 4, SecondMode = 2", CustomSearch(MatchMode::Extension, 3, 5, 0, 1, 5, true, 3)},
+        {"FirstMode = 4, SecondMode = 2",
+         CustomSearch(MatchMode::Extension, 3, 5, 0, 1, 5, true, 3)},
         {"FirstMode = 9, FirstMinDigits = 0, FirstMaxDigits = 10, SecondMode = 7",
          CustomSearch(MatchMode::LastName, 3, 5, 0, 1, 5, true, 3)},
         {"SecondMode = 1, SecondMinDigits = 0, SecondMaxDigits = 12",
@@ -60,10 +62,11 @@ TEST_F(DirectoryCheckTest, StoredValuesOutsideTheListsAreReadAsTheEditorShowsThe
         {"MaxMatch = 0", CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, true, 0)},
     };
     for (const auto& [assignments, settings] : cases) {
-        root.Exec("UPDATE Node_DBN SET Method = 0, FirstMode = 1, FirstMinDigits = 3, "
-                  "FirstMaxDigits = 5, SecondMode = 2, SecondMinDigits = 1, SecondMaxDigits = 5, "
-                  "Confirm = 1, MaxMatch = 3" +
-                  Where(1, "NodeNumber", 1));
+        root.Exec(
+            "UPDATE Node_DBN SET Method = 0, FirstMode = 1, FirstMinDigits = 3, "
+            "FirstMaxDigits = 5, SecondMode = 2, SecondMinDigits = 1, SecondMaxDigits = 5, "
+            "Confirm = 1, MaxMatch = 3" +
+            Where(1, "NodeNumber", 1));
         SetNode(1, 1, assignments);
         EXPECT_EQ(Stored(1, 1).settings, settings) << assignments;
     }
@@ -79,8 +82,8 @@ TEST_F(DirectoryCheckTest, MissingNodesGiveAClearError) {
     const Case cases[] = {
         {"", 9, session::kErrCheckedNodeMissing,
          "DBN 9 doesn't exist in configuration 1, partition 1."},
-        {"UPDATE Node_DBN SET DirectoryNodeNumber = 7 WHERE NodeNumber = 1", 1, session::kErrDirectoryMissing,
-         "DIR 7 doesn't exist in configuration 1, partition 1."},
+        {"UPDATE Node_DBN SET DirectoryNodeNumber = 7 WHERE NodeNumber = 1", 1,
+         session::kErrDirectoryMissing, "DIR 7 doesn't exist in configuration 1, partition 1."},
         {"DELETE FROM Node_DIR WHERE NodeNumber = 1", 2, session::kErrDirectoryMissing,
          "DIR 1 doesn't exist in configuration 1, partition 1."},
     };
@@ -128,8 +131,9 @@ TEST_F(DirectoryCheckTest, FormIsCheckedWithTheSettingsItShowsBeforeTheyAreSaved
         Set(gui, "cmbFirstMinDigits=3; cmbfirstMatch=Extension");
         report = session::CheckFormNode(gui);
         EXPECT_EQ(report.settings.stages.size(), 1u);
-        EXPECT_EQ(Verdicts(report), "direct 2101, direct 2102, direct 2103, direct 2104, "
-                                    "direct 2105, direct 2106");
+        EXPECT_EQ(Verdicts(report),
+                  "direct 2101, direct 2102, direct 2103, direct 2104, "
+                  "direct 2105, direct 2106");
         // The default method, whatever the custom section shows.
         Set(gui, "cmbMethod=Default Last Name");
         EXPECT_EQ(session::CheckFormNode(gui).settings, directory::DefaultLastNameSearch());
