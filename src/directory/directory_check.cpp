@@ -46,32 +46,53 @@ ModeKeys KeysOf(MatchMode mode, const NameKeys& name) {
     return {{&name.last, nullptr}, 1};
 }
 
+// How many leading digits of a key the check tells apart: more than any
+// digit list offers.
+constexpr std::size_t kIndexedDigits = 15;
+
+// Leading digits packed into a number, four bits a digit from the top, each
+// digit as 1 to 10 so that 0 marks the end: numeric order is the digits'
+// order, and the keys that begin with a prefix form one range of numbers.
+// Sorting and searching numbers keeps the index in one small block of memory.
+std::uint64_t Packed(std::string_view digits) {
+    std::uint64_t packed = 0;
+    const std::size_t length = std::min(digits.size(), kIndexedDigits);
+    for (std::size_t i = 0; i < length; ++i) {
+        packed |= static_cast<std::uint64_t>(digits[i] - '0' + 1) << (60 - 4 * i);
+    }
+    return packed;
+}
+
 // Keys in digit order, searched by prefix in O(log n).
 class PrefixIndex {
 public:
     struct Entry {
-        std::string_view digits;
-        NameIndex name;
+        std::uint64_t digits = 0;
+        NameIndex name = 0;
+
+        bool operator<(const Entry& other) const {
+            return digits != other.digits ? digits < other.digits : name < other.name;
+        }
     };
 
     void Add(std::string_view digits, NameIndex name) {
         if (!digits.empty()) {
-            entries_.push_back({digits, name});
+            entries_.push_back({Packed(digits), name});
         }
     }
-    void Sort() {
-        std::sort(entries_.begin(), entries_.end(), [](const Entry& a, const Entry& b) {
-            return a.digits != b.digits ? a.digits < b.digits : a.name < b.name;
-        });
-    }
-    // The entries whose digits begin with prefix.
+    void Sort() { std::sort(entries_.begin(), entries_.end()); }
+
+    // The entries whose digits begin with prefix (1 to kIndexedDigits digits).
     std::span<const Entry> WithPrefix(std::string_view prefix) const {
+        const std::uint64_t low = Packed(prefix);
+        const std::size_t length = std::min(prefix.size(), kIndexedDigits);
+        const std::uint64_t high = low | ((std::uint64_t{1} << (64 - 4 * length)) - 1);
         const auto first = std::lower_bound(
-            entries_.begin(), entries_.end(), prefix,
-            [](const Entry& entry, std::string_view p) { return entry.digits < p; });
-        const auto last = std::partition_point(first, entries_.end(), [&](const Entry& entry) {
-            return entry.digits.starts_with(prefix);
-        });
+            entries_.begin(), entries_.end(), low,
+            [](const Entry& entry, std::uint64_t value) { return entry.digits < value; });
+        const auto last = std::upper_bound(
+            first, entries_.end(), high,
+            [](std::uint64_t value, const Entry& entry) { return value < entry.digits; });
         return {first, last};
     }
 
@@ -152,7 +173,7 @@ struct Dial {
 std::optional<Dial> BestDial(const SearchStage& stage, const StageMatcher& matcher,
                              const ModeKeys& keys) {
     std::optional<Dial> best;
-    if (stage.minDigits > stage.maxDigits) {
+    if (stage.maxDigits < 1 || stage.minDigits > stage.maxDigits) {
         return best;
     }
     for (const KeypadKey* key : keys.All()) {
@@ -160,7 +181,8 @@ std::optional<Dial> BestDial(const SearchStage& stage, const StageMatcher& match
         if (size == 0 || size < static_cast<std::size_t>(std::max(stage.minDigits, 1))) {
             continue;
         }
-        Dial dial{key, std::min(size, static_cast<std::size_t>(stage.maxDigits)), 0};
+        const auto maxDigits = std::min(static_cast<std::size_t>(stage.maxDigits), kIndexedDigits);
+        Dial dial{key, std::min(size, maxDigits), 0};
         dial.matches = matcher.Count(dial.Digits());
         if (!best || dial.matches < best->matches) {
             best = dial;
@@ -203,7 +225,7 @@ std::string NoDialReason(const SearchStage& stage, const ModeKeys& keys) {
                 return "no extension";
         }
     }
-    if (stage.minDigits > stage.maxDigits) {
+    if (stage.maxDigits < 1 || stage.minDigits > stage.maxDigits) {
         return "no number of digits is allowed (minimum " + std::to_string(stage.minDigits) +
                ", maximum " + std::to_string(stage.maxDigits) + ")";
     }
@@ -253,11 +275,28 @@ class DirectoryCheck {
 public:
     DirectoryCheck(const SearchSettings& settings, const std::vector<DirectoryName>& names)
         : settings_(settings), names_(names) {
+        // Only the keys some stage searches by are made.
+        bool last = false;
+        bool first = false;
+        bool extension = false;
+        for (const SearchStage& stage : settings.stages) {
+            last = last || stage.mode == MatchMode::LastName || stage.mode == MatchMode::BothNames;
+            first =
+                first || stage.mode == MatchMode::FirstName || stage.mode == MatchMode::BothNames;
+            extension = extension || stage.mode == MatchMode::Extension;
+        }
         KeypadSpeller speller;
-        keys_.reserve(names.size());
-        for (const DirectoryName& name : names) {
-            keys_.push_back({speller.NameKey(name.lastName), speller.NameKey(name.firstName),
-                             ExtensionKey(name.extension)});
+        keys_.resize(names.size());
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            if (last) {
+                keys_[i].last = speller.NameKey(names[i].lastName);
+            }
+            if (first) {
+                keys_[i].first = speller.NameKey(names[i].firstName);
+            }
+            if (extension) {
+                keys_[i].extension = ExtensionKey(names[i].extension);
+            }
         }
     }
 
@@ -336,12 +375,13 @@ private:
     // The second stage's matcher over the names that the first stage's
     // digits leave, made once per distinct digits.
     const StageMatcher& SecondStageOf(std::string_view firstDigits) {
-        auto found = secondStages_.find(firstDigits);
+        const std::uint64_t packed = Packed(firstDigits);
+        auto found = secondStages_.find(packed);
         if (found == secondStages_.end()) {
             const std::vector<NameIndex> left = firstStage_->Matches(firstDigits);
             found = secondStages_
-                        .emplace(firstDigits, std::make_unique<StageMatcher>(
-                                                  settings_.stages[1].mode, keys_, left))
+                        .emplace(packed, std::make_unique<StageMatcher>(settings_.stages[1].mode,
+                                                                        keys_, left))
                         .first;
         }
         return *found->second;
@@ -351,7 +391,9 @@ private:
     const std::vector<DirectoryName>& names_;
     std::vector<NameKeys> keys_;
     std::unique_ptr<StageMatcher> firstStage_;
-    std::unordered_map<std::string_view, std::unique_ptr<StageMatcher>> secondStages_;
+    // Keyed by the first stage's digits, packed (they are never longer than
+    // the index tells apart).
+    std::unordered_map<std::uint64_t, std::unique_ptr<StageMatcher>> secondStages_;
 };
 
 }  // namespace
