@@ -46,6 +46,7 @@ DirectoryCheckWindow::DirectoryCheckWindow(QWidget* parent)
     table_->horizontalHeader()->setStretchLastSection(true);
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
     table_->setSortingEnabled(true);
+    table_->sortByColumn(Column::Sequence, Qt::AscendingOrder);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(heading_);
     layout->addWidget(table_, 1);

@@ -42,6 +42,7 @@ TEST_F(EditorWindowTest, F7ShowsTheReportOfTheUnsavedSettingsAndSortsByAnyColumn
         EXPECT_EQ(window->Summary(), "4 of 5 names reachable");
         QTableWidget& table = window->Table();
         ASSERT_EQ(table.rowCount(), 5);
+        EXPECT_EQ(ColumnOf(table, 0), (std::vector<std::string>{"1", "2", "3", "4", "5"}));
         EXPECT_EQ(ColumnOf(table, 4), (std::vector<std::string>{"direct", "direct", "unreachable",
                                                                 "direct", "direct"}));
 
