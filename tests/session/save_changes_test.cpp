@@ -97,9 +97,12 @@ TEST_F(SaveChanges, PoolEntryGetsTheLabelAndALocalTimeOnEverySaveAndEmptyNumbers
         EXPECT_TRUE(Rules(gui).SaveChanges(2));
         EXPECT_TRUE(std::regex_match(root.QueryText("SELECT DateModified" + pool),
                                      std::regex(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d)")));
-        // Nothing changed since: the time is written again all the same.
+        // Nothing changed since: the time is written again all the same (the
+        // pool row changed by another program is saved over, answered Yes).
         root.Exec("UPDATE Node_General_Pool SET DateModified = 'old'" + key);
+        services.answers = {form::kAnswerYes};
         EXPECT_TRUE(Rules(gui).SaveChanges(2));
+        EXPECT_TRUE(services.answers.empty());
     });
     EXPECT_EQ(root.QueryText("SELECT NodeDescription" + pool), "Sales team");
     EXPECT_NE(root.QueryText("SELECT DateModified" + pool), "old");
