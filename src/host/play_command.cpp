@@ -29,7 +29,7 @@ int RunPlay(const std::vector<std::string>& arguments) {
     if (!std::filesystem::is_directory(args[0], error)) {
         file.open(args[0]);
     }
-    if (!file) {
+    if (!file.is_open() || !file) {
         std::cerr << "error: cannot read " << args[0] << "\n";
         return kRunScriptError;
     }
