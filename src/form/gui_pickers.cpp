@@ -80,7 +80,10 @@ void GUI::GenericMSGLISTNOOPNode_Click(ListControl& node, ListControl& number, b
         }
         row->SetSubItem(rows::kLabel, "");
         row->SetSubItem(rows::kNodeName, node.Text());
-        if (rows::NodeNumberOf(*row) <= number.ListCount()) {
+        if (number.ListCount() == 0) {
+            // Nothing to pick: the number picker would only rewrite the row.
+            number.SetVisible(false);
+        } else if (rows::NodeNumberOf(*row) <= number.ListCount()) {
             number.SetText(row->SubItem(rows::kNodeNumber));
         }
     });

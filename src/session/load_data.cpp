@@ -3,6 +3,7 @@
 // custom settings.
 #include "session/business_rules.h"
 
+#include "core/component_error.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "session/load_helpers.h"
@@ -75,9 +76,15 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                 return;
             }
             // Read first: a change made while the form is filled then shows
-            // as a change at the next save rather than being overwritten.
-            std::optional<std::string> stored =
-                session::ReadStoredState(db_, config, partition, nodeNumber);
+            // as a change at the next save rather than being overwritten. A
+            // node whose rows cannot be read is shown as far as it loads; its
+            // save reads them again and stops there.
+            std::optional<std::string> stored;
+            try {
+                stored = session::ReadStoredState(db_, config, partition, nodeNumber);
+            } catch (const ComponentError&) {
+                stored.reset();
+            }
 
             db_.Execute("Get_DBN_Node",
                         {session::Arg(config), session::Arg(partition), session::Arg(nodeNumber),
