@@ -16,8 +16,8 @@ enum class Availability { Prompt, Instruction };
 // when its type may not be used in the partition, else the stored type with
 // its number matched against the refilled number list.
 void ShowTarget(form::GUI& form, session::RangeNotes& notes, const RowSet& node,
-                const std::string& role, form::ListControl& typeList,
-                form::ListControl& numberList, Availability availability) {
+                const std::string& role, form::ListControl& typeList, form::ListControl& numberList,
+                Availability availability) {
     const std::string code = node.Field(role + "NodeType").ToText();
     const bool available = availability == Availability::Prompt
                                ? form.IsPromptTypeAvailable(code)

@@ -68,10 +68,9 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
             if (nodeNumber < 0) {
                 // Node numbers start at 1; a negative one would be saved
                 // over another node.
-                form.ShowInformation(form.NodeNameCollection().Item(
-                                         session::Arg(session::kDbnTypeID)) +
-                                     " " + session::Arg(nodeNumber) +
-                                     " cannot be edited: node numbers start at 1.");
+                form.ShowInformation(
+                    form.NodeNameCollection().Item(session::Arg(session::kDbnTypeID)) + " " +
+                    session::Arg(nodeNumber) + " cannot be edited: node numbers start at 1.");
                 SetNavigationButtons(form);
                 return;
             }

@@ -8,15 +8,14 @@ namespace dbn::session {
 namespace {
 
 // The columns of Node_DBN that hold a setting with a range, in table order.
+// clang-format off
 constexpr std::array<std::string_view, 22> kColumnOrder = {
-    "Method",           "DirectoryNodeNumber",    "FirstLanguage",
-    "SecondLanguage",   "GreetingNodeNumber",     "FirstMode",
-    "FirstMinDigits",   "FirstMaxDigits",         "FirstPromptNodeNumber",
-    "SecondMode",       "SecondMinDigits",        "SecondMaxDigits",
-    "SecondPromptNodeNumber", "TimeoutNodeNumber", "InvalidNodeNumber",
-    "DigitTimeout",     "SelectionTimeout",       "RetryLimit",
-    "Confirm",          "MaxMatch",               "PlayName",
-    "ConfirmationExitNodeNumber"};
+    "Method", "DirectoryNodeNumber", "FirstLanguage", "SecondLanguage", "GreetingNodeNumber",
+    "FirstMode", "FirstMinDigits", "FirstMaxDigits", "FirstPromptNodeNumber",
+    "SecondMode", "SecondMinDigits", "SecondMaxDigits", "SecondPromptNodeNumber",
+    "TimeoutNodeNumber", "InvalidNodeNumber", "DigitTimeout", "SelectionTimeout", "RetryLimit",
+    "Confirm", "MaxMatch", "PlayName", "ConfirmationExitNodeNumber"};
+// clang-format on
 
 int OrderOf(std::string_view column) {
     const auto* found = std::find(kColumnOrder.begin(), kColumnOrder.end(), column);
@@ -25,8 +24,7 @@ int OrderOf(std::string_view column) {
 
 }  // namespace
 
-void RangeNotes::Note(std::string_view column, std::int32_t value,
-                      const form::ListControl& shown) {
+void RangeNotes::Note(std::string_view column, std::int32_t value, const form::ListControl& shown) {
     notes_.push_back({OrderOf(column), std::string(column), value, &shown});
 }
 

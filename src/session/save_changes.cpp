@@ -221,9 +221,8 @@ Business_Rules::WriteResult Business_Rules::WriteShownNode(std::int16_t nodeNumb
         return {WriteOutcome::Vanished, std::nullopt};
     }
     db_.Execute("Update_DBN_Node_Part2", Part2Arguments(gui, key));
-    db_.Execute("Update_Node_General_Pool",
-                {gui.txtDescription.Text(), CurrentModificationTime(), key.config, key.partition,
-                 kDbnTypeID, key.number});
+    db_.Execute("Update_Node_General_Pool", {gui.txtDescription.Text(), CurrentModificationTime(),
+                                             key.config, key.partition, kDbnTypeID, key.number});
     WritePromptRows(db_, gui, key);
     // What the next save compares with: the state just written.
     std::optional<std::string> saved =
@@ -254,12 +253,13 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
         });
     };
     write(true, false);
-    const std::string node = gui.NodeNameCollection().Item(kDbnTypeID) + " " +
-                             std::to_string(nodeNumber);
+    const std::string node =
+        gui.NodeNameCollection().Item(kDbnTypeID) + " " + std::to_string(nodeNumber);
     if (result && result->outcome == WriteOutcome::Changed) {
         const int answer = services_.MsgBox(
-            node + " was changed by another program after it was opened here. Save your changes "
-                   "over it?",
+            node +
+                " was changed by another program after it was opened here. Save your changes "
+                "over it?",
             form::MsgBoxButtons::YesNoCancel, form::MsgBoxIcon::Question, "Confirmation");
         if (answer == form::kAnswerYes) {
             write(false, true);
@@ -306,8 +306,9 @@ void Business_Rules::ReportMissingReferences(const std::string& node) {
         }
     }
     if (!missing.empty()) {
-        gui.ShowInformation(node + " was saved. These references point at nodes that do not "
-                                   "exist: " +
+        gui.ShowInformation(node +
+                            " was saved. These references point at nodes that do not "
+                            "exist: " +
                             missing + ".");
     }
 }

@@ -54,7 +54,8 @@ TEST(PlayRunner, AnAbandonedOrUnansweredRunSavesNothing) {
 // the script may act between lines.
 class DrivenScript : public std::streambuf {
 public:
-    DrivenScript(std::vector<std::string> lines, std::map<std::size_t, std::function<void()>> before)
+    DrivenScript(std::vector<std::string> lines,
+                 std::map<std::size_t, std::function<void()>> before)
         : lines_(std::move(lines)), before_(std::move(before)) {}
 
 protected:
@@ -86,7 +87,7 @@ TEST(PlayRunner, EachLineRunsBeforeTheNextIsReadAndTheStatusTellsFailures) {
     struct Case {
         std::vector<std::string> lines;
         std::function<void(testing::TempDataRoot&)> between;  // before the third line
-        std::string expected;                                // status|output|description
+        std::string expected;                                 // status|output|description
     };
     const auto theirs = [](testing::TempDataRoot& root) {
         root.Exec("UPDATE Node_DBN SET NodeDescription = 'Theirs'" + kNode1);
@@ -95,22 +96,26 @@ TEST(PlayRunner, EachLineRunsBeforeTheNextIsReadAndTheStatusTellsFailures) {
                                             "click cmdApply"};
     const Case cases[] = {
         {{"open 1 1 1", "type txtDescription Mine", "answer 6", "click cmdApply", "click cmdOK"},
-         theirs, "0|" + changed + "6\nreturned false\n|Mine"},
+         theirs,
+         "0|" + changed + "6\nreturned false\n|Mine"},
         {{"open 1 1 1", "type txtDescription Mine", "answer 7", "click cmdApply", "click cmdOK"},
-         theirs, "0|" + changed + "7\nreturned false\n|Theirs"},
+         theirs,
+         "0|" + changed + "7\nreturned false\n|Theirs"},
         {{"open 1 1 1", "type txtDescription Mine", "answer 2", "click cmdApply", "close"},
-         theirs, "1|" + changed + "2\nno answer queued for: box Confirmation: Do you want to "
-                 "save changes?\n|Theirs"},
+         theirs,
+         "1|" + changed +
+             "2\nno answer queued for: box Confirmation: Do you want to "
+             "save changes?\n|Theirs"},
         // The node is gone: told, and the run ends with 3.
-        {apply,
-         [](testing::TempDataRoot& root) { root.Exec("DELETE FROM Node_DBN" + kNode1); },
+        {apply, [](testing::TempDataRoot& root) { root.Exec("DELETE FROM Node_DBN" + kNode1); },
          "3|box Information: DBN 1 no longer exists in the configuration database. Nothing was "
          "saved. => 1\nabandoned\n|"},
         // An error box: the save is refused by the database.
         {apply,
          [](testing::TempDataRoot& root) {
-             root.Exec("CREATE TRIGGER refuse BEFORE UPDATE ON Node_General_Pool BEGIN SELECT "
-                       "RAISE(ABORT, 'refused'); END");
+             root.Exec(
+                 "CREATE TRIGGER refuse BEFORE UPDATE ON Node_General_Pool BEGIN SELECT "
+                 "RAISE(ABORT, 'refused'); END");
          },
          "3|box Error: Source: SQLite - SaveChanges \\nDescription: refused (Update_Node_General_"
          "Pool on"},
@@ -122,9 +127,8 @@ TEST(PlayRunner, EachLineRunsBeforeTheNextIsReadAndTheStatusTellsFailures) {
         std::ostringstream out;
         std::ostringstream err;
         const int status = Player(out, err).Run(script);
-        const std::string seen =
-            std::to_string(status) + "|" + out.str() + "|" +
-            root.QueryText("SELECT NodeDescription FROM Node_DBN" + kNode1);
+        const std::string seen = std::to_string(status) + "|" + out.str() + "|" +
+                                 root.QueryText("SELECT NodeDescription FROM Node_DBN" + kNode1);
         EXPECT_EQ(seen.substr(0, c.expected.size()), c.expected) << c.lines[2];
     }
 }
@@ -135,8 +139,7 @@ TEST(PlayRunner, NoDatabaseIsAFailedRun) {
     std::ostringstream out;
     std::ostringstream err;
     EXPECT_EQ(Player(out, err).Run(std::vector<std::string>{"open 1 1 1"}), kRunFailed);
-    EXPECT_EQ(out.str(), "box Error: There is no configuration database at " +
-                             root.DatabasePath() +
+    EXPECT_EQ(out.str(), "box Error: There is no configuration database at " + root.DatabasePath() +
                              ". Create one with: dbn-node-editor init => 1\nreturned false\n");
 }
 

@@ -122,7 +122,8 @@ TEST_F(ServicesTest, CloseBoxWithUnsavedChangesAsksAndStaysOpenOnCancel) {
 }
 
 TEST_F(ServicesTest, AChangeElsewhereIsAskedInTheWindowsOwnBox) {
-    const std::string node1 = " WHERE ConfigID = 1 AND PartID = 1 AND NodeTypeID = 15 AND NodeNumber = 1";
+    const std::string node1 =
+        " WHERE ConfigID = 1 AND PartID = 1 AND NodeTypeID = 15 AND NodeNumber = 1";
     struct Case {
         QString button;
         const char* shown;

@@ -12,8 +12,8 @@
 
 #include <cstdlib>
 #include <deque>
-#include <functional>
 #include <fstream>
+#include <functional>
 #include <random>
 #include <sstream>
 
@@ -201,14 +201,13 @@ TEST_F(MonkeyTest, RandomOperatorActionsKeepEveryNodeConsistent) {
     const unsigned seed = static_cast<unsigned>(EnvNumber("DBN_MONKEY_SEED", 20240304));
     const long total = EnvNumber("DBN_MONKEY_ACTIONS", 20000);
     Monkey monkey(seed, services, [this](GUI& gui) {
-        const std::string node = " WHERE ConfigID = 1 AND PartID = " +
-                                 std::to_string(gui.PartitionID()) +
-                                 " AND NodeTypeID = 15 AND NodeNumber = " +
-                                 std::to_string(gui.nodeNumber());
-        root.Exec("UPDATE Node_DBN SET NodeDescription = 'Changed elsewhere', RetryLimit = "
-                  "RetryLimit % 5 + 1" +
-                  node + "; UPDATE Node_General_Pool SET NodeDescription = 'Changed elsewhere'" +
-                  node);
+        const std::string node =
+            " WHERE ConfigID = 1 AND PartID = " + std::to_string(gui.PartitionID()) +
+            " AND NodeTypeID = 15 AND NodeNumber = " + std::to_string(gui.nodeNumber());
+        root.Exec(
+            "UPDATE Node_DBN SET NodeDescription = 'Changed elsewhere', RetryLimit = "
+            "RetryLimit % 5 + 1" +
+            node + "; UPDATE Node_General_Pool SET NodeDescription = 'Changed elsewhere'" + node);
     });
     std::string counter = ChangeCounter(root.DatabasePath());
     long done = 0;

@@ -72,9 +72,9 @@ TEST(CApi, AChangeElsewhereIsAskedThroughTheMessageBoxCallback) {
         const char* seen;  // the description shown after Apply
         const char* stored;
     };
-    for (const Case& c : {Case{CVL_DBN_ANSWER_YES, "Mine", "Mine"},
-                          Case{CVL_DBN_ANSWER_NO, "Theirs", "Theirs"},
-                          Case{CVL_DBN_ANSWER_CANCEL, "Mine", "Theirs"}}) {
+    for (const Case& c :
+         {Case{CVL_DBN_ANSWER_YES, "Mine", "Mine"}, Case{CVL_DBN_ANSWER_NO, "Theirs", "Theirs"},
+          Case{CVL_DBN_ANSWER_CANCEL, "Mine", "Theirs"}}) {
         TempDataRoot root(TempDataRoot::Content::Demo);
         Host host;
         host.answer = c.answer;

@@ -11,8 +11,9 @@ using ConcurrentEdit = SessionTest;
 
 const std::string kQuestion =
     "DBN 1 was changed by another program after it was opened here. Save your changes over it?";
-const std::string kNode1 = " WHERE ConfigID = 1 AND PartID = 1 AND NodeTypeID = 15 AND "
-                           "NodeNumber = 1";
+const std::string kNode1 =
+    " WHERE ConfigID = 1 AND PartID = 1 AND NodeTypeID = 15 AND "
+    "NodeNumber = 1";
 
 TEST_F(ConcurrentEdit, EachAnswerToTheQuestionAfterAChangeElsewhere) {
     struct Case {

@@ -102,9 +102,9 @@ TEST_F(LoadNode, ConfirmationRowsFollowConfirmAndMaxMatch) {
         });
     }
     const std::string shownAs = "Stored settings of DBN 1 outside their range are shown as: ";
-    EXPECT_EQ(services.TakeBoxTexts(),
-              (std::vector<std::string>{shownAs + "MaxMatch 0 -> nothing.",
-                                        shownAs + "MaxMatch 12 -> 9.", shownAs + "Confirm 2 -> Yes."}));
+    EXPECT_EQ(services.TakeBoxTexts(), (std::vector<std::string>{shownAs + "MaxMatch 0 -> nothing.",
+                                                                 shownAs + "MaxMatch 12 -> 9.",
+                                                                 shownAs + "Confirm 2 -> Yes."}));
 }
 
 TEST_F(LoadNode, UnavailableTargetsShowNoopAndWarnOnceAfterTheLoad) {

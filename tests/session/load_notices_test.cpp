@@ -21,15 +21,14 @@ TEST_F(LoadNotices, ADatabaseThatCannotBeOpenedIsToldOnceAndNoFormOpens) {
         std::function<void()> damage;
         std::string box;
     };
-    for (const Case& c :
-         {Case{[&] { fs::remove(path); }, missing},
-          Case{[&] { fs::remove_all(fs::path(path).parent_path()); }, missing},
-          Case{[&] {
-                   fs::create_directories(fs::path(path).parent_path());
-                   std::ofstream(path) << "not a database";
-               },
-               "Source: SQLite - ShowNodeEditor \r\nDescription: The file \"" + path +
-                   "\" is not a configuration database."}}) {
+    for (const Case& c : {Case{[&] { fs::remove(path); }, missing},
+                          Case{[&] { fs::remove_all(fs::path(path).parent_path()); }, missing},
+                          Case{[&] {
+                                   fs::create_directories(fs::path(path).parent_path());
+                                   std::ofstream(path) << "not a database";
+                               },
+                               "Source: SQLite - ShowNodeEditor \r\nDescription: The file \"" +
+                                   path + "\" is not a configuration database."}}) {
         c.damage();
         Business_Rules editor(services);
         EXPECT_FALSE(editor.ShowNodeEditor(1, 1, 1));
@@ -77,10 +76,11 @@ TEST_F(LoadNotices, SettingsShownThroughAFallbackAreToldOnceAfterLoading) {
         EXPECT_EQ(services.TakeBoxTexts(),
                   *c.told ? std::vector<std::string>{c.told} : std::vector<std::string>{})
             << c.stored;
-        root.Exec("UPDATE Node_DBN SET Method = 1, PlayName = 1, MaxMatch = 3, RetryLimit = 1, "
-                  "FirstMode = 1, GreetingNodeNumber = 1, SecondLanguage = 2, "
-                  "DirectoryNodeNumber = 1" +
-                  Where(1, "NodeNumber", c.node));
+        root.Exec(
+            "UPDATE Node_DBN SET Method = 1, PlayName = 1, MaxMatch = 3, RetryLimit = 1, "
+            "FirstMode = 1, GreetingNodeNumber = 1, SecondLanguage = 2, "
+            "DirectoryNodeNumber = 1" +
+            Where(1, "NodeNumber", c.node));
     }
 }
 
