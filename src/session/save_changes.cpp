@@ -253,14 +253,19 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
         });
     };
     write(true, false);
-    const std::string node =
-        gui.NodeNameCollection().Item(kDbnTypeID) + " " + std::to_string(nodeNumber);
+    // "DBN 5": how the messages below name the node.
+    auto nodeText = [&] {
+        return gui.NodeNameCollection().Item(kDbnTypeID) + " " + std::to_string(nodeNumber);
+    };
     if (result && result->outcome == WriteOutcome::Changed) {
-        const int answer = services_.MsgBox(
-            node +
-                " was changed by another program after it was opened here. Save your changes "
-                "over it?",
-            form::MsgBoxButtons::YesNoCancel, form::MsgBoxIcon::Question, "Confirmation");
+        int answer = form::kAnswerCancel;
+        form::RunTrapped(services_, "SaveChanges", [&] {
+            answer = services_.MsgBox(nodeText() +
+                                          " was changed by another program after it was opened "
+                                          "here. Save your changes over it?",
+                                      form::MsgBoxButtons::YesNoCancel, form::MsgBoxIcon::Question,
+                                      "Confirmation");
+        });
         if (answer == form::kAnswerYes) {
             write(false, true);
         } else {
@@ -277,7 +282,7 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
     }
     if (result->outcome == WriteOutcome::Vanished) {
         form::RunTrapped(services_, "SaveChanges", [&] {
-            gui.ShowInformation(node +
+            gui.ShowInformation(nodeText() +
                                 " no longer exists in the configuration database. Nothing was "
                                 "saved.");
         });
@@ -288,7 +293,7 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
         return false;
     }
     gui.StoredState = std::move(result->savedState);
-    ReportMissingReferences(node);
+    form::RunTrapped(services_, "SaveChanges", [&] { ReportMissingReferences(nodeText()); });
     return true;
 }
 
