@@ -159,6 +159,10 @@ std::string CheckScriptLine(std::string_view input) {
             if (action.numbers.size() != numbers) {
                 return "the action carries " + std::to_string(action.numbers.size()) + " numbers";
             }
+            // Only answers some box can give are queued.
+            if (action.verb == host::Verb::Answer && !host::IsAnswerCode(action.numbers[0])) {
+                return "the answer " + std::to_string(action.numbers[0]) + " was taken";
+            }
         }
         // Every word, quoted and escaped, splits back into itself.
         std::string why;

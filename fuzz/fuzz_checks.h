@@ -29,8 +29,8 @@ std::string CheckNumberClamp(std::string_view input);
 std::string CheckSqlTranslation(std::string_view input);
 
 // Parsing a play-script line never throws and gives an action, an error or
-// nothing; the words of the line, quoted and joined again, split back into
-// the same words.
+// nothing; an answer is one of the codes a box can return; the words of the
+// line, quoted and joined again, split back into the same words.
 std::string CheckScriptLine(std::string_view input);
 
 // Runs the check of a target by name; an unknown name is itself a failure.

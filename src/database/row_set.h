@@ -27,6 +27,8 @@ public:
     void MoveLast();
     void Close();
     std::size_t RowCount() const noexcept { return rows_.size(); }
+    // The column names, in the order the command returned them.
+    const std::vector<std::string>& Columns() const noexcept { return columns_; }
 
     // Used by DataBase when a command has run.
     void Open(std::vector<std::string> columns, std::vector<std::vector<FieldValue>> rows);

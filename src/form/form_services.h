@@ -42,6 +42,10 @@ public:
     virtual void ShowModal(GUI& form) = 0;
     // The form has unloaded: ends its modal show (if any) and hides it.
     virtual void EndModal(GUI& form) = 0;
+    // A save was refused by the database without an "Error" box (its node
+    // was gone); told after the operator has been. Hosts that report
+    // failures by an exit status count it.
+    virtual void SaveRefused() {}
 };
 
 }  // namespace dbn::form

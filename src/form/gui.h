@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -82,6 +83,9 @@ public:
     bool ConfirmEditMode = false;
     // The last "Please check the ..." text composed while loading a node.
     std::string PendingWarning;
+    // The fingerprint of the node's stored state when it was loaded or last
+    // saved; a save finding another one asks before it overwrites.
+    std::optional<std::string> StoredState;
 
     // ---- Load and unload ----------------------------------------------
     // Makes the form's own session object (set by the session before Load).
@@ -267,6 +271,9 @@ private:
     // Asks the label validator about txtDescription; a refused label is told
     // to the operator and answers false.
     bool CheckLabel();
+    // Apply's work: ValidateBeforeSave, the label check, then the save;
+    // true when the save committed (the mark is then cleared).
+    bool ApplyChanges();
 
     FormServices& services_;
     std::vector<Control*> controls_;

@@ -11,40 +11,49 @@ void GUI::EnableApply() {
     cmdApply.SetEnabled(true);
 }
 
+bool GUI::ApplyChanges() {
+    if (!ValidateBeforeSave()) {
+        return false;
+    }
+    if (!CheckLabel()) {
+        // Hand the label back to the operator, wholly selected.
+        txtDescription.SetSelStart(0);
+        txtDescription.SetSelLength(CharacterCount(txtDescription.Text()));
+        txtDescription.SetFocus();
+        return false;
+    }
+    if (formBusinessRules_ == nullptr) {
+        RaiseError(91, "Object variable or With block variable not set");
+    }
+    // Only a save that committed clears the mark: a failed save must not
+    // look saved.
+    if (!formBusinessRules_->SaveChanges(nodeNumber())) {
+        return false;
+    }
+    cmdApply.SetEnabled(false);
+    return true;
+}
+
 void GUI::cmdApply_Click() {
     Trapped("cmdApply_Click", [&] {
         LeaveEditModes(true, true);
-        if (!ValidateBeforeSave()) {
-            return;
-        }
-        if (!CheckLabel()) {
-            // Hand the label back to the operator, wholly selected.
-            txtDescription.SetSelStart(0);
-            txtDescription.SetSelLength(CharacterCount(txtDescription.Text()));
-            txtDescription.SetFocus();
-            return;
-        }
-        if (formBusinessRules_ == nullptr) {
-            RaiseError(91, "Object variable or With block variable not set");
-        }
-        // Only a save that committed clears the mark: a failed save must not
-        // look saved.
-        if (formBusinessRules_->SaveChanges(nodeNumber())) {
-            cmdApply.SetEnabled(false);
-        }
+        ApplyChanges();
     });
 }
 
 void GUI::cmdOK_Click() {
     Trapped("cmdOK_Click", [&] {
         LeaveEditModes(true, true);
+        // A save that did not happen (refused, failed, or answered No or
+        // Cancel after a change by another program) keeps the form open.
+        bool saved = true;
         if (cmdApply.Enabled()) {
-            cmdApply_Click();
-            if (cmdApply.Enabled()) {
-                return;
-            }
+            Trapped("cmdApply_Click", [&] { saved = ApplyChanges(); });
+            saved = saved && !cmdApply.Enabled();
         }
-        Unload();
+        if (saved) {
+            Unload();
+        }
     });
 }
 

@@ -264,7 +264,9 @@ void GUI::cmbConfirmNode_Click() {
         if (rows::NodeNumberOf(*row) > numbers) {
             row->SetSubItem(rows::kNodeNumber, "1");
         }
-        if (typeId != rows::kNoNumberType) {
+        // A type without numbers in the partition is stored as NOOP is: its
+        // code alone, number 0.
+        if (typeId != rows::kNoNumberType && numbers > 0) {
             if (rows::NodeNumberOf(*row) <= 0) {
                 row->SetSubItem(rows::kNodeNumber, "1");
             }

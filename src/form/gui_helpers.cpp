@@ -125,14 +125,11 @@ std::int16_t GUI::AskToSaveChanges() {
     if (answer != kAnswerYes) {
         return answer;
     }
-    if (!CheckLabel()) {
+    // The same checks and save as Apply: a refusal, or a save that did not
+    // commit, leaves the node dirty and the caller where it is.
+    if (formBusinessRules_ == nullptr || !ApplyChanges()) {
         return kAnswerCancel;
     }
-    // A save that did not commit leaves the node dirty and the caller where it is.
-    if (formBusinessRules_ == nullptr || !formBusinessRules_->SaveChanges(nodeNumber())) {
-        return kAnswerCancel;
-    }
-    cmdApply.SetEnabled(false);
     return answer;
 }
 

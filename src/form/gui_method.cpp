@@ -3,6 +3,7 @@
 // custom settings.
 
 #include "form/gui.h"
+#include "form/list_rows.h"
 
 #include <cstdint>
 #include <initializer_list>
@@ -16,6 +17,19 @@ constexpr int kMethodCustom = 0;  // index of "Custom" in cmbMethod
 constexpr std::int32_t kFirstBothNames = 3;
 constexpr std::int32_t kFirstExtension = 4;
 constexpr std::int32_t kSecondNone = 0;
+
+// Forces a prompt picker to a type. A type the partition does not offer
+// shows NOOP (no number) instead, and the pending notice names it.
+void ForcePromptType(GUI& gui, ListControl& node, const std::string& code) {
+    if (node.FindEntry(code) >= 0) {
+        node.SetText(code);
+        return;
+    }
+    gui.PendingWarning = list_rows::MaxNumberNotice(code);
+    if (node.FindEntry("NOOP") >= 0) {
+        node.SetText("NOOP");
+    }
+}
 
 // The tag of the selected entry, or nothing selected.
 std::optional<std::int32_t> SelectedTag(const ListControl& list) {
@@ -48,7 +62,7 @@ void GUI::cmbfirstMatch_Click() {
         cmbsecondMatch.SetText("None");
         cmbSecondMinDigits.SetText("1");
         cmbSecondMaxDigits.SetText("5");
-        cmbSecondMatchPrompt.SetText("MSG");
+        ForcePromptType(*this, cmbSecondMatchPrompt, "MSG");
         for (Control* control : std::initializer_list<Control*>{
                  &cmbsecondMatch, &cmbSecondMinDigits, &cmbSecondMaxDigits, &cmbSecondMatchPrompt,
                  &cmbSecondMatchPromptNumber}) {
@@ -72,7 +86,7 @@ void GUI::cmbsecondMatch_Click() {
     if (none) {
         cmbSecondMinDigits.SetText("1");
         cmbSecondMaxDigits.SetText("5");
-        cmbSecondMatchPrompt.SetText("MSG");
+        ForcePromptType(*this, cmbSecondMatchPrompt, "MSG");
     }
     for (Control* control :
          std::initializer_list<Control*>{&cmbSecondMinDigits, &cmbSecondMaxDigits,

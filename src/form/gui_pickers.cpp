@@ -64,7 +64,9 @@ void GUI::GenericMSGLISTNOOPNode_Click(ListControl& node, ListControl& number, b
         if (rows::NodeNumberOf(*row) > number.ListCount()) {
             row->SetSubItem(rows::kNodeNumber, "1");
         }
-        if (typeId != rows::kNoNumberType) {
+        // A type without numbers in the partition is stored as NOOP is: its
+        // code alone, number 0.
+        if (typeId != rows::kNoNumberType && number.ListCount() > 0) {
             if (rows::NodeNumberOf(*row) <= 0) {
                 row->SetSubItem(rows::kNodeNumber, "1");
             }
@@ -78,7 +80,10 @@ void GUI::GenericMSGLISTNOOPNode_Click(ListControl& node, ListControl& number, b
         }
         row->SetSubItem(rows::kLabel, "");
         row->SetSubItem(rows::kNodeName, node.Text());
-        if (rows::NodeNumberOf(*row) <= number.ListCount()) {
+        if (number.ListCount() == 0) {
+            // Nothing to pick: the number picker would only rewrite the row.
+            number.SetVisible(false);
+        } else if (rows::NodeNumberOf(*row) <= number.ListCount()) {
             number.SetText(row->SubItem(rows::kNodeNumber));
         }
     });

@@ -1,11 +1,18 @@
 #include "form/text_validator.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace dbn::form {
 
 bool TextValidator::IsValidText(const std::string& text) const {
-    return text.find('"') == std::string::npos && text.find("''") == std::string::npos;
+    // Control characters (below 32, and DEL) would corrupt the lists and
+    // files the label is shown in.
+    const bool control = std::any_of(text.begin(), text.end(), [](char c) {
+        const auto code = static_cast<unsigned char>(c);
+        return code < 32 || code == 127;
+    });
+    return !control && text.find('"') == std::string::npos && text.find("''") == std::string::npos;
 }
 
 void RegisterTextValidator() {

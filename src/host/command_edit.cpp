@@ -106,6 +106,10 @@ int RunEdit(std::vector<std::string> args) {
     RegisterEditorComponents(services);
     std::unique_ptr<Business_Rules> editor = CreateObjectAs<Business_Rules>(kBusinessRulesClass);
     editor->ShowNodeEditor(*keys[0], *keys[1], *keys[2]);
+    // The database could not be opened: its one box has said why.
+    if (editor->DatabaseUnavailable()) {
+        return 1;
+    }
     if (screenshot && !written) {
         std::cerr << "error: no screenshot: the editor window was not shown\n";
         return 1;

@@ -3,20 +3,12 @@
 #include "host/play_runner.h"
 #include "host/play_services.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 
 namespace dbn::host {
 namespace {
-
-std::vector<std::string> ReadLines(std::istream& in) {
-    std::vector<std::string> lines;
-    std::string line;
-    while (std::getline(in, line)) {
-        lines.push_back(line);
-    }
-    return lines;
-}
 
 int RunPlay(const std::vector<std::string>& arguments) {
     std::vector<std::string> args = arguments;
@@ -27,19 +19,21 @@ int RunPlay(const std::vector<std::string>& arguments) {
         std::cerr << "usage: dbn-node-editor play [--data-root DIR] SCRIPT\n";
         return kRunScriptError;
     }
-    std::vector<std::string> lines;
-    if (args[0] == "-") {
-        lines = ReadLines(std::cin);
-    } else {
-        std::ifstream file(args[0]);
-        if (!file) {
-            std::cerr << "error: cannot read " << args[0] << "\n";
-            return kRunScriptError;
-        }
-        lines = ReadLines(file);
-    }
     Player player(std::cout, std::cerr);
-    return player.Run(std::move(lines));
+    if (args[0] == "-") {
+        return player.Run(std::cin);
+    }
+    std::error_code error;
+    std::ifstream file;
+    // A folder opens as a file but reads nothing: refuse it as unreadable.
+    if (!std::filesystem::is_directory(args[0], error)) {
+        file.open(args[0]);
+    }
+    if (!file.is_open() || !file) {
+        std::cerr << "error: cannot read " << args[0] << "\n";
+        return kRunScriptError;
+    }
+    return player.Run(file);
 }
 
 const HostCommandRegistration registration{

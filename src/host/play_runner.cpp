@@ -7,8 +7,10 @@
 #include "session/business_rules.h"
 #include "session/component_registration.h"
 
+#include <istream>
 #include <memory>
 #include <ostream>
+#include <sstream>
 
 namespace dbn::host {
 
@@ -38,30 +40,45 @@ Player::Player(std::ostream& out, std::ostream& err) : out_(out), err_(err), ser
     RegisterEditorComponents(services_);
 }
 
-int Player::Run(std::vector<std::string> lines) {
-    lines_ = std::move(lines);
-    next_ = 0;
+int Player::Run(std::istream& script) {
+    script_ = &script;
+    lineNumber_ = 0;
     try {
-        while (next_ < lines_.size()) {
-            RunNextLine();
+        while (RunNextLine()) {
         }
     } catch (const RunStopped& stop) {
         out_.flush();
         return stop.status;
     }
     out_.flush();
-    return kRunCompleted;
+    return services_.Failed() ? kRunFailed : kRunCompleted;
 }
 
-void Player::RunNextLine() {
-    lineNumber_ = next_ + 1;
-    const ParsedLine parsed = ParseLine(lines_[next_++]);
+int Player::Run(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += line + "\n";
+    }
+    std::istringstream script(text);
+    return Run(script);
+}
+
+bool Player::RunNextLine() {
+    std::string line;
+    if (script_ == nullptr || !std::getline(*script_, line)) {
+        return false;
+    }
+    ++lineNumber_;
+    const ParsedLine parsed = ParseLine(line);
     if (!parsed.error.empty()) {
         ScriptError(parsed.error);
     }
     if (parsed.action) {
         Execute(*parsed.action);
     }
+    // What the line printed is out before the next line is read.
+    out_.flush();
+    return true;
 }
 
 void Player::Execute(const Action& action) {
@@ -112,8 +129,9 @@ void Player::RunModal(form::GUI& form) {
         form::GUI*& shown;
         ~Forget() { shown = nullptr; }
     } forget{shown_};
-    while (!unloaded_ && next_ < lines_.size()) {
-        RunNextLine();
+    bool more = true;
+    while (!unloaded_ && more) {
+        more = RunNextLine();
     }
     if (!unloaded_) {
         // The script ended with the form open: discard the changes and close it.

@@ -4,6 +4,7 @@
 #include "host/play_services.h"
 
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,11 +25,15 @@ public:
     Player(const Player&) = delete;
     Player& operator=(const Player&) = delete;
 
-    // Runs every line; answers the exit status (kRun*).
-    int Run(std::vector<std::string> lines);
+    // Runs the script line by line, each as soon as it has been read, so
+    // that a program feeding it through a pipe can act between lines;
+    // answers the exit status (kRun*).
+    int Run(std::istream& script);
+    int Run(const std::vector<std::string>& lines);
 
 private:
-    void RunNextLine();
+    // Reads and runs the next line; false at the end of the script.
+    bool RunNextLine();
     void Execute(const Action& action);
     void Open(const Action& action);
     // The modal show: runs lines until the form unloads or the script ends.
@@ -47,8 +52,7 @@ private:
     std::ostream& out_;
     std::ostream& err_;
     PlayServices services_;
-    std::vector<std::string> lines_;
-    std::size_t next_ = 0;        // index of the next line to run
+    std::istream* script_ = nullptr;
     std::size_t lineNumber_ = 0;  // 1-based number of the line running
     form::GUI* shown_ = nullptr;  // the form shown modally, if any
     bool unloaded_ = false;       // the shown form has unloaded

@@ -38,6 +38,9 @@ long PlayServices::Answer(const std::string& line) {
 int PlayServices::MsgBox(const std::string& text, form::MsgBoxButtons buttons, form::MsgBoxIcon,
                          const std::string& title) {
     const std::string line = "box " + title + ": " + OneLine(text);
+    if (title == "Error") {
+        failed_ = true;
+    }
     if (buttons == form::MsgBoxButtons::OK) {
         out_ << line << " => " << form::kAnswerOK << "\n";
         return form::kAnswerOK;

@@ -20,6 +20,9 @@ struct RunStopped {
 inline constexpr int kRunCompleted = 0;
 inline constexpr int kRunUnanswered = 1;
 inline constexpr int kRunScriptError = 2;
+// Ran to its end, but an "Error" box was shown, the database could not be
+// opened, or the database refused a save.
+inline constexpr int kRunFailed = 3;
 
 // The form's services without a display: message boxes and the confirmation
 // dialog print one line each and take their answers from a queue the script
@@ -46,6 +49,10 @@ public:
     void DoEvents() override {}
     void ShowModal(form::GUI& form) override;
     void EndModal(form::GUI& form) override;
+    void SaveRefused() override { failed_ = true; }
+
+    // An "Error" box was shown or a save was refused since the run began.
+    bool Failed() const noexcept { return failed_; }
 
 private:
     // Prints line with its answer, or stops the run when none is queued.
@@ -53,6 +60,7 @@ private:
 
     std::ostream& out_;
     std::deque<long> answers_;
+    bool failed_ = false;
 };
 
 // A shown text on one line: each CR LF becomes the two characters \n.

@@ -1,8 +1,11 @@
 #include "session/business_rules.h"
 
 #include "core/component_error.h"
+#include "database/data_location.h"
+#include "database/database_errors.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
+#include "session/load_helpers.h"
 
 namespace dbn {
 
@@ -42,8 +45,35 @@ private:
 
 }  // namespace
 
+bool Business_Rules::OpenDatabase(std::int16_t Config_ID, std::int16_t Partition_ID,
+                                  std::int16_t Node_Number) {
+    databaseUnavailable_ = false;
+    try {
+        db_.Execute("Get_DBN_Node", {session::Arg(Config_ID), session::Arg(Partition_ID),
+                                     session::Arg(Node_Number), session::Arg(session::kDbnTypeID)});
+        db_.Recordset("Get_DBN_Node").Close();
+        return true;
+    } catch (const ComponentError& error) {
+        databaseUnavailable_ = true;
+        if (error.Number() == kErrDatabaseMissing) {
+            services_.MsgBox("There is no configuration database at " +
+                                 DataSourceOf(db_.ConnectionString()) +
+                                 ". Create one with: dbn-node-editor init",
+                             form::MsgBoxButtons::OK, form::MsgBoxIcon::Exclamation, "Error");
+        } else {
+            form::ShowErrorMessage(services_, error, "ShowNodeEditor");
+        }
+        return false;
+    }
+}
+
 bool Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partition_ID,
                                     std::int16_t Node_Number) {
+    // A database that is missing or cannot be read is told once, before any
+    // form exists, instead of by every loading step in turn.
+    if (!OpenDatabase(Config_ID, Partition_ID, Node_Number)) {
+        return false;
+    }
     ShownFormScope scope(ownedForm_, form_);
     form::RunTrapped(services_, "ShowNodeEditor", [&] {
         editingNodeZero_ = Node_Number == 0;

@@ -4,10 +4,13 @@
 #include "database/database.h"
 #include "form/business_rules_link.h"
 #include "form/form_services.h"
+#include "session/range_notes.h"
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace dbn::form {
 class GUI;
@@ -34,6 +37,9 @@ public:
                         std::int16_t Node_Number);
 
     bool EditingNodeZero() const noexcept { return editingNodeZero_; }
+    // True when the last ShowNodeEditor could not open the database (it then
+    // showed one box and no form).
+    bool DatabaseUnavailable() const noexcept { return databaseUnavailable_; }
     DataBase& Db() noexcept { return db_; }
     form::GUI& Form();
     form::FormServices& Services() noexcept { return services_; }
@@ -56,12 +62,29 @@ public:
     void CheckForUnReferencedNodes();
     void AddNodeTolstRequired(std::string key, std::string typeID, std::string number);
     bool IsNodeExisted(std::string typeID, std::string number);
-    void AutoCreateNode(std::string templateNumber, std::string newNumber, std::string typeID);
+    // True when the node was created (its template's node row was copied).
+    bool AutoCreateNode(std::string templateNumber, std::string newNumber, std::string typeID);
 
 private:
+    // Opens the database and reads the node once; a failure is shown in one
+    // box and answers false.
+    bool OpenDatabase(std::int16_t Config_ID, std::int16_t Partition_ID, std::int16_t Node_Number);
+
+    enum class WriteOutcome { Committed, Changed, Vanished };
+    struct WriteResult {
+        WriteOutcome outcome;
+        // The stored state after a committed write.
+        std::optional<std::string> savedState;
+    };
+    WriteResult WriteShownNode(std::int16_t nodeNumber, bool overwrite);
+    // After a committed save: names the gathered references whose nodes are
+    // still missing, in one box.
+    void ReportMissingReferences(const std::string& node);
+
     form::FormServices& services_;
     DataBase db_;
     bool editingNodeZero_ = false;
+    bool databaseUnavailable_ = false;
     // The form this object works on: owned when this object showed it,
     // borrowed when this is the form's own object.
     std::unique_ptr<form::GUI> ownedForm_;
@@ -69,6 +92,10 @@ private:
     // Set by SaveChanges while it runs the referenced-node check: the check
     // then leaves its last copies uncommitted for the save to join.
     bool keepCopiesOpen_ = false;
+    // Per row of the last check's required-node lists: found or created.
+    std::vector<bool> referenceFound_;
+    // Settings the node being loaded shows through a fallback.
+    session::RangeNotes rangeNotes_;
 };
 
 }  // namespace dbn

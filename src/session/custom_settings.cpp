@@ -15,8 +15,8 @@ enum class Availability { Prompt, Instruction };
 // Shows a stored target in a picker pair: "NOOP" (and a pending warning)
 // when its type may not be used in the partition, else the stored type with
 // its number matched against the refilled number list.
-void ShowTarget(form::GUI& form, const RowSet& node, const std::string& role,
-                form::ListControl& typeList, form::ListControl& numberList,
+void ShowTarget(form::GUI& form, session::RangeNotes& notes, const RowSet& node,
+                const std::string& role, form::ListControl& typeList, form::ListControl& numberList,
                 Availability availability) {
     const std::string code = node.Field(role + "NodeType").ToText();
     const bool available = availability == Availability::Prompt
@@ -28,7 +28,10 @@ void ShowTarget(form::GUI& form, const RowSet& node, const std::string& role,
         return;
     }
     typeList.SetText(code);
-    session::SelectByEntryRange(numberList, node.Field(role + "NodeNumber").ToInt16(), -1);
+    const std::int16_t number = node.Field(role + "NodeNumber").ToInt16();
+    if (!session::SelectByEntryRange(numberList, number, -1)) {
+        notes.Note(role + "NodeNumber", number, numberList);
+    }
 }
 
 // The entry of cmbMaxMatches a stored MaxMatch selects: values above the
@@ -48,30 +51,47 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeN
         const std::int16_t config = form.ConfigID();
         const std::int16_t partition = form.PartitionID();
         auto value = [&](const char* column) { return node.Field(column).ToInt16(); };
+        // Selects by a range rule and notes a value shown through its fallback.
+        auto inRange = [&](form::ListControl& list, const char* column, std::int32_t low,
+                           std::int32_t high, int fallback) {
+            if (!session::SelectInRange(list, value(column), low, high, fallback)) {
+                rangeNotes_.Note(column, value(column), list);
+            }
+        };
+        auto inEntries = [&](form::ListControl& list, const char* column, int fallback) {
+            if (!session::SelectByEntryRange(list, value(column), fallback)) {
+                rangeNotes_.Note(column, value(column), list);
+            }
+        };
 
         // First match; "Both Names" and "Extension" force the second to "None".
-        session::SelectInRange(form.cmbfirstMatch, value("FirstMode"), 1, 4, 0);
-        session::SelectByEntryRange(form.cmbFirstMinDigits, value("FirstMinDigits"), 2);
-        session::SelectByEntryRange(form.cmbFirstMaxDigits, value("FirstMaxDigits"), 4);
-        ShowTarget(form, node, "FirstPrompt", form.cmbFirstMatchPrompt,
+        inRange(form.cmbfirstMatch, "FirstMode", 1, 4, 0);
+        inEntries(form.cmbFirstMinDigits, "FirstMinDigits", 2);
+        inEntries(form.cmbFirstMaxDigits, "FirstMaxDigits", 4);
+        ShowTarget(form, rangeNotes_, node, "FirstPrompt", form.cmbFirstMatchPrompt,
                    form.cmbFirstMatchPromptNumber, Availability::Prompt);
 
         // Second match; its handler sets defaults that the stored values replace.
+        // Its index is the mode itself ("None" is 0).
         const std::int16_t secondMode = value("SecondMode");
-        form.cmbsecondMatch.SetListIndex(secondMode >= 0 && secondMode <= 2 ? secondMode : 0);
-        session::SelectByEntryRange(form.cmbSecondMinDigits, value("SecondMinDigits"), 0);
-        session::SelectByEntryRange(form.cmbSecondMaxDigits, value("SecondMaxDigits"), 4);
-        ShowTarget(form, node, "SecondPrompt", form.cmbSecondMatchPrompt,
+        const bool secondValid = secondMode >= 0 && secondMode <= 2;
+        form.cmbsecondMatch.SetListIndex(secondValid ? secondMode : 0);
+        if (!secondValid) {
+            rangeNotes_.Note("SecondMode", secondMode, form.cmbsecondMatch);
+        }
+        inEntries(form.cmbSecondMinDigits, "SecondMinDigits", 0);
+        inEntries(form.cmbSecondMaxDigits, "SecondMaxDigits", 4);
+        ShowTarget(form, rangeNotes_, node, "SecondPrompt", form.cmbSecondMatchPrompt,
                    form.cmbSecondMatchPromptNumber, Availability::Prompt);
 
         // Error settings.
-        ShowTarget(form, node, "Timeout", form.cmbTimeoutNode, form.cmbTimeoutNumber,
+        ShowTarget(form, rangeNotes_, node, "Timeout", form.cmbTimeoutNode, form.cmbTimeoutNumber,
                    Availability::Instruction);
-        ShowTarget(form, node, "Invalid", form.cmbInvalidNode, form.cmbInvalidNumber,
+        ShowTarget(form, rangeNotes_, node, "Invalid", form.cmbInvalidNode, form.cmbInvalidNumber,
                    Availability::Instruction);
-        session::SelectInRange(form.cmbSelTimeOut, value("SelectionTimeout"), 1, 60, 4);
-        session::SelectInRange(form.cmbDigitTimeOut, value("DigitTimeout"), 1, 15, 9);
-        session::SelectInRange(form.cmbRetryLimit, value("RetryLimit"), 1, 5, 0);
+        inRange(form.cmbSelTimeOut, "SelectionTimeout", 1, 60, 4);
+        inRange(form.cmbDigitTimeOut, "DigitTimeout", 1, 15, 9);
+        inRange(form.cmbRetryLimit, "RetryLimit", 1, 5, 0);
 
         // Confirmation: the list ends with exactly the stored rows, so the
         // switch-on and number-of-matches handling add none, and rows set
@@ -92,6 +112,12 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeN
                 form.lblMaxMatches.SetEnabled(true);
                 form.cmbMaxMatches.SetEnabled(true);
                 form.cmbMaxMatches.SetListIndex(MaxMatchIndex(maxMatch));
+                if (maxMatch < 1 || maxMatch > 9) {
+                    rangeNotes_.Note("MaxMatch", maxMatch, form.cmbMaxMatches);
+                }
+            }
+            if (confirm != 0 && confirm != 1) {
+                rangeNotes_.Note("Confirm", confirm, form.cmbConfirmation);
             }
         }
         if (confirm == 1) {
@@ -124,9 +150,12 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeN
             prompts.Close();
         }
 
-        ShowTarget(form, node, "ConfirmationExit", form.cmbExitPromptNode, form.cmbExitPromptNumber,
-                   Availability::Prompt);
+        ShowTarget(form, rangeNotes_, node, "ConfirmationExit", form.cmbExitPromptNode,
+                   form.cmbExitPromptNumber, Availability::Prompt);
         form.cmbPlayName.SetListIndex(value("PlayName") == 0 ? 0 : 1);
+        if (value("PlayName") != 0 && value("PlayName") != 1) {
+            rangeNotes_.Note("PlayName", value("PlayName"), form.cmbPlayName);
+        }
     });
     return true;
 }

@@ -3,11 +3,15 @@
 // custom settings.
 #include "session/business_rules.h"
 
+#include "core/component_error.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "session/load_helpers.h"
+#include "session/stored_state.h"
 
 #include <array>
+#include <optional>
+#include <utility>
 
 namespace dbn {
 namespace {
@@ -41,9 +45,11 @@ void SetNavigationButtons(form::GUI& form) {
     form.cmdLast.SetEnabled(forward);
 }
 
-// A language value 0..2 selects that entry, anything else "None".
-void SelectLanguage(form::ListControl& list, std::int16_t value) {
-    list.SetListIndex(value >= 0 && value <= 2 ? value : 0);
+// A language value 0..2 selects that entry, anything else "None" (false).
+bool SelectLanguage(form::ListControl& list, std::int16_t value) {
+    const bool valid = value >= 0 && value <= 2;
+    list.SetListIndex(valid ? value : 0);
+    return valid;
 }
 
 }  // namespace
@@ -56,8 +62,28 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
         completed = form::RunTrapped(services_, "LoadData", [&] {
             form::GUI& form = Form();
             form.PendingWarning.clear();
+            rangeNotes_.Clear();
             const std::int16_t config = form.ConfigID();
             const std::int16_t partition = form.PartitionID();
+            if (nodeNumber < 0) {
+                // Node numbers start at 1; a negative one would be saved
+                // over another node.
+                form.ShowInformation(
+                    form.NodeNameCollection().Item(session::Arg(session::kDbnTypeID)) + " " +
+                    session::Arg(nodeNumber) + " cannot be edited: node numbers start at 1.");
+                SetNavigationButtons(form);
+                return;
+            }
+            // Read first: a change made while the form is filled then shows
+            // as a change at the next save rather than being overwritten. A
+            // node whose rows cannot be read is shown as far as it loads; its
+            // save reads them again and stops there.
+            std::optional<std::string> stored;
+            try {
+                stored = session::ReadStoredState(db_, config, partition, nodeNumber);
+            } catch (const ComponentError&) {
+                stored.reset();
+            }
 
             db_.Execute("Get_DBN_Node",
                         {session::Arg(config), session::Arg(partition), session::Arg(nodeNumber),
@@ -73,12 +99,16 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                     form.PendingWarning = session::MaxNumberWarning(greeting);
                 } else {
                     form.cmbGreetingNode.SetText(greeting);
-                    session::SelectByEntryRange(form.cmbGreetingNumber,
-                                                node.Field("GreetingNodeNumber").ToInt16(), -1);
+                    const std::int16_t number = node.Field("GreetingNodeNumber").ToInt16();
+                    if (!session::SelectByEntryRange(form.cmbGreetingNumber, number, -1)) {
+                        rangeNotes_.Note("GreetingNodeNumber", number, form.cmbGreetingNumber);
+                    }
                 }
 
-                session::SelectInRange(form.cmbDirectory,
-                                       node.Field("DirectoryNodeNumber").ToInt16(), 1, 99, 0);
+                const std::int16_t directory = node.Field("DirectoryNodeNumber").ToInt16();
+                if (!session::SelectInRange(form.cmbDirectory, directory, 1, 99, 0)) {
+                    rangeNotes_.Note("DirectoryNodeNumber", directory, form.cmbDirectory);
+                }
 
                 form.ClearListItems(form.LVActions);
                 for (std::size_t i = 0; i < kActionRows.size(); ++i) {
@@ -95,16 +125,25 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                                                   " of " +
                                                   std::to_string(form.cmbNode.ListCount()));
 
-                if (node.Field("Method").ToInt16() == 0) {
-                    form.cmbMethod.SetListIndex(0);
-                } else {
-                    form.cmbMethod.SetListIndex(1);
-                    SelectLanguage(form.cmbLanguage1, node.Field("FirstLanguage").ToInt16());
-                    SelectLanguage(form.cmbLanguage2, node.Field("SecondLanguage").ToInt16());
+                const std::int16_t method = node.Field("Method").ToInt16();
+                form.cmbMethod.SetListIndex(method == 0 ? 0 : 1);
+                if (method != 0 && method != 1) {
+                    rangeNotes_.Note("Method", method, form.cmbMethod);
+                }
+                // Custom nodes show their own languages too (in the disabled
+                // lists), so that a save never writes another node's into them.
+                for (auto [column, list] : {std::pair{"FirstLanguage", &form.cmbLanguage1},
+                                            std::pair{"SecondLanguage", &form.cmbLanguage2}}) {
+                    const std::int16_t language = node.Field(column).ToInt16();
+                    if (!SelectLanguage(*list, language)) {
+                        rangeNotes_.Note(column, language, *list);
+                    }
                 }
 
                 AssignCustomSettingsValues(node, nodeNumber);
+                form.StoredState = std::move(stored);
             } else {
+                form.StoredState.reset();
                 form.ShowInformation(
                     form.NodeNameCollection().Item(session::Arg(session::kDbnTypeID)) + " " +
                     session::Arg(nodeNumber) + " doesn't exist.");
@@ -119,6 +158,18 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
         const std::string warning = std::move(form_->PendingWarning);
         form_->PendingWarning.clear();
         form_->ShowInformation(warning);
+    }
+    // Settings shown through a fallback would be stored so by the next save.
+    if (found && completed && form_ != nullptr) {
+        form::RunTrapped(services_, "LoadData", [&] {
+            const std::string notes = rangeNotes_.Message(
+                form_->NodeNameCollection().Item(session::Arg(session::kDbnTypeID)) + " " +
+                session::Arg(nodeNumber));
+            rangeNotes_.Clear();
+            if (!notes.empty()) {
+                form_->ShowInformation(notes);
+            }
+        });
     }
     return found;
 }

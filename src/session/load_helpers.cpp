@@ -61,24 +61,28 @@ std::int32_t EntryNumber(const form::ListControl& list, int index) {
     RaiseError(13, "Type mismatch");
 }
 
-void SelectByEntryRange(form::ListControl& list, std::int32_t value, int fallback) {
+bool SelectByEntryRange(form::ListControl& list, std::int32_t value, int fallback) {
     const int count = list.ListCount();
     if (count > 0 && value >= EntryNumber(list, 0) && value <= EntryNumber(list, count - 1)) {
         list.SetListIndex(static_cast<int>(value) - 1);
-    } else if (fallback >= 0) {
+        return true;
+    }
+    if (fallback >= 0) {
         list.SetListIndex(fallback);
     } else if (count > 0) {
         list.SetListIndex(0);
     }
+    return count == 0;
 }
 
-void SelectInRange(form::ListControl& list, std::int32_t value, std::int32_t low, std::int32_t high,
+bool SelectInRange(form::ListControl& list, std::int32_t value, std::int32_t low, std::int32_t high,
                    int fallback) {
     if (value >= low && value <= high) {
         list.SetListIndex(static_cast<int>(value) - 1);
-    } else {
-        list.SetListIndex(fallback);
+        return true;
     }
+    list.SetListIndex(fallback);
+    return false;
 }
 
 void AddEntry(form::ListControl& list, const std::string& text, std::int32_t tag) {

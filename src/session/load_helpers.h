@@ -54,11 +54,12 @@ std::int32_t EntryNumber(const form::ListControl& list, int index);
 
 // Selects index value - 1 when value lies between the list's first and last
 // entries (compared as numbers), else `fallback` (-1: nothing when the list
-// is empty, else index 0).
-void SelectByEntryRange(form::ListControl& list, std::int32_t value, int fallback);
+// is empty, else index 0). False when a non-empty list fell back.
+bool SelectByEntryRange(form::ListControl& list, std::int32_t value, int fallback);
 
-// Selects index value - 1 when value lies in low..high, else `fallback`.
-void SelectInRange(form::ListControl& list, std::int32_t value, std::int32_t low, std::int32_t high,
+// Selects index value - 1 when value lies in low..high, else `fallback`;
+// false when it fell back.
+bool SelectInRange(form::ListControl& list, std::int32_t value, std::int32_t low, std::int32_t high,
                    int fallback);
 
 // Adds an entry and sets its tag on the entry just added.

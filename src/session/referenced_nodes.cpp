@@ -178,6 +178,16 @@ private:
     int errors_;
 };
 
+// The highest node number the partition allows for a type, when it is known.
+std::optional<long> LimitOf(form::GUI& gui, const std::string& typeID) {
+    const std::string key = FollowsMessageType(typeID) ? kMessageTypeID : typeID;
+    form::KeyedCollection& limits = gui.MaxNodeNumberCollection();
+    if (!limits.Contains(key)) {
+        return std::nullopt;
+    }
+    return TypeNumber(limits.Item(key));
+}
+
 std::string MissingNodeQuestion(const std::string& key) {
     return key + " is referenced but it does not exist.\r\nDo you want to auto create node '" +
            key + "'?";
@@ -220,29 +230,39 @@ bool Business_Rules::IsNodeExisted(std::string typeID, std::string number) {
     return exists;
 }
 
-void Business_Rules::AutoCreateNode(std::string templateNumber, std::string newNumber,
+bool Business_Rules::AutoCreateNode(std::string templateNumber, std::string newNumber,
                                     std::string typeID) {
     const CopyPlan* plan = FindCopyPlan(typeID);
     if (plan == nullptr) {
-        return;
+        return false;
     }
     form::GUI& gui = Form();
     const std::string config = std::to_string(gui.ConfigID());
     const std::string partition = std::to_string(gui.PartitionID());
 
-    // The node row, its detail rows and its pool row are created together.
+    // The node row, its detail rows and its pool row are created together;
+    // a template without a node row in its type's table creates nothing.
     TransactionScope transaction(db_);
+    long nodeRows = 0;
     if (plan->message) {
         typeID = kMessageTypeID;
-        db_.Execute("Duplicate_MSG_NODE", {newNumber, SoundFileName(gui.PartitionID(), newNumber),
-                                           config, partition, templateNumber});
+        nodeRows = db_.Execute("Duplicate_MSG_NODE",
+                               {newNumber, SoundFileName(gui.PartitionID(), newNumber), config,
+                                partition, templateNumber});
     }
     for (const char* command : plan->commands) {
-        db_.Execute(command, {newNumber, config, partition, templateNumber});
+        const long rows = db_.Execute(command, {newNumber, config, partition, templateNumber});
+        if (command == plan->commands.front()) {
+            nodeRows = rows;
+        }
+    }
+    if (nodeRows == 0) {
+        return false;
     }
     db_.Execute("Duplicate_Node_In_General_Pool",
                 {newNumber, CurrentModificationTime(), config, partition, templateNumber, typeID});
     transaction.Commit();
+    return true;
 }
 
 void Business_Rules::CheckForUnReferencedNodes() {
@@ -255,6 +275,7 @@ void Business_Rules::CheckForUnReferencedNodes() {
 
         std::unique_ptr<ConfirmationDialog> dialog =
             CreateObjectAs<ConfirmationDialog>(kConfirmationDialogClass);
+        referenceFound_.clear();
         gui.lstNodeTypeName.Clear();
         gui.lstNodeTypeID.Clear();
         gui.lstNodeNumber.Clear();
@@ -290,11 +311,23 @@ void Business_Rules::CheckForUnReferencedNodes() {
         }
 
         long answer = 0;
+        referenceFound_.assign(static_cast<std::size_t>(gui.lstNodeTypeName.ListCount()), false);
         for (int i = 0; i < gui.lstNodeTypeName.ListCount(); ++i) {
             const std::string key = gui.lstNodeTypeName.List(i);
             const std::string typeID = gui.lstNodeTypeID.List(i);
             const std::string number = gui.lstNodeNumber.List(i);
             if (IsNodeExisted(typeID, number)) {
+                referenceFound_[static_cast<std::size_t>(i)] = true;
+                continue;
+            }
+            // Numbers above the partition's limit for the type cannot be made.
+            if (const std::optional<long> limit = LimitOf(gui, typeID);
+                limit && TypeNumber(number).value_or(0) > *limit) {
+                copies.Commit();
+                const std::string code = gui.NodeNameCollection().Item(
+                    FollowsMessageType(typeID) ? kMessageTypeID : typeID);
+                gui.ShowInformation(key + " could not be created: the partition allows " + code +
+                                    " nodes up to " + std::to_string(*limit) + ".");
                 continue;
             }
             if (answer != form::kConfirmYesToAll) {
@@ -314,8 +347,15 @@ void Business_Rules::CheckForUnReferencedNodes() {
                         key + " could not be created: there is no template node 0 of its type.");
                 } else {
                     copies.Join();
-                    AutoCreateNode(kTemplateNumber, number, typeID);
-                    gui.StatusBar1.SetPanelText(key + " is created.");
+                    if (AutoCreateNode(kTemplateNumber, number, typeID)) {
+                        referenceFound_[static_cast<std::size_t>(i)] = true;
+                        gui.StatusBar1.SetPanelText(key + " is created.");
+                    } else {
+                        copies.Commit();
+                        gui.ShowInformation(
+                            key +
+                            " could not be created: there is no template node 0 of its type.");
+                    }
                 }
             } else if (answer == form::kConfirmCancel || answer == 0) {
                 break;

@@ -6,9 +6,11 @@
 #include "session/business_rules.h"
 #include "session/form_references.h"
 #include "session/modification_time.h"
+#include "session/stored_state.h"
 #include "session/transaction_scope.h"
 
 #include <exception>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -195,49 +197,125 @@ private:
 
 }  // namespace
 
+// Writes the form's node in one unit of work (a savepoint inside the
+// referenced-node check's open copies). Unless told to overwrite, it first
+// compares the stored state with the one the form was loaded from and writes
+// nothing when another program has changed it.
+Business_Rules::WriteResult Business_Rules::WriteShownNode(std::int16_t nodeNumber,
+                                                           bool overwrite) {
+    form::GUI& gui = Form();
+    const NodeKeyText key{std::to_string(gui.ConfigID()), std::to_string(gui.PartitionID()),
+                          std::to_string(nodeNumber)};
+    TransactionScope transaction(db_);
+    const std::optional<std::string> stored =
+        session::ReadStoredState(db_, gui.ConfigID(), gui.PartitionID(), nodeNumber);
+    if (!stored) {
+        // Deleted by another program since it was loaded.
+        return {WriteOutcome::Vanished, std::nullopt};
+    }
+    if (!overwrite && gui.StoredState && *stored != *gui.StoredState) {
+        return {WriteOutcome::Changed, std::nullopt};
+    }
+    db_.Execute("Delete_DBN_PromptsNode", {key.config, key.partition, key.number});
+    if (db_.Execute("Update_DBN_Node_Part1", Part1Arguments(gui, key)) == 0) {
+        return {WriteOutcome::Vanished, std::nullopt};
+    }
+    db_.Execute("Update_DBN_Node_Part2", Part2Arguments(gui, key));
+    db_.Execute("Update_Node_General_Pool", {gui.txtDescription.Text(), CurrentModificationTime(),
+                                             key.config, key.partition, kDbnTypeID, key.number});
+    WritePromptRows(db_, gui, key);
+    // What the next save compares with: the state just written.
+    std::optional<std::string> saved =
+        session::ReadStoredState(db_, gui.ConfigID(), gui.PartitionID(), nodeNumber);
+    transaction.Commit();
+    return {WriteOutcome::Committed, std::move(saved)};
+}
+
 bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
     form::GUI& gui = Form();
-    bool committed = false;
-    bool vanished = false;
-    form::RunTrapped(services_, "SaveChanges", [&] {
-        SavingDisplay display(gui, services_);
-        {
-            const FlagScope keepOpen(keepCopiesOpen_);
-            CheckForUnReferencedNodes();
-        }
-        OpenCopies copies(db_);
-        gui.StatusBar1.SetPanelText("Saving node information. Please wait...");
-
-        const NodeKeyText key{std::to_string(gui.ConfigID()), std::to_string(gui.PartitionID()),
-                              std::to_string(nodeNumber)};
-        // The prompt rows, the node's row and its pool entry change together
-        // or not at all (inside the copies' transaction, as a savepoint).
-        TransactionScope transaction(db_);
-        db_.Execute("Delete_DBN_PromptsNode", {key.config, key.partition, key.number});
-        if (db_.Execute("Update_DBN_Node_Part1", Part1Arguments(gui, key)) == 0) {
-            // Deleted by another program since it was loaded.
-            transaction.Rollback();
-            vanished = true;
-            return;
-        }
-        db_.Execute("Update_DBN_Node_Part2", Part2Arguments(gui, key));
-        db_.Execute("Update_Node_General_Pool",
-                    {gui.txtDescription.Text(), CurrentModificationTime(), key.config,
-                     key.partition, kDbnTypeID, key.number});
-        WritePromptRows(db_, gui, key);
-        transaction.Commit();
-        copies.Commit();
-        committed = true;
-    });
-    if (vanished) {
+    std::optional<WriteResult> result;
+    // Writes the node inside the transaction the check left open, so that the
+    // nodes it created are committed with it (or on their own, when the node
+    // is not written).
+    auto write = [&](bool checkReferences, bool overwrite) {
+        result.reset();
         form::RunTrapped(services_, "SaveChanges", [&] {
-            gui.ShowInformation(gui.NodeNameCollection().Item(kDbnTypeID) + " " +
-                                std::to_string(nodeNumber) +
+            SavingDisplay display(gui, services_);
+            if (checkReferences) {
+                const FlagScope keepOpen(keepCopiesOpen_);
+                CheckForUnReferencedNodes();
+            }
+            OpenCopies copies(db_);
+            gui.StatusBar1.SetPanelText("Saving node information. Please wait...");
+            WriteResult written = WriteShownNode(nodeNumber, overwrite);
+            copies.Commit();
+            result = std::move(written);
+        });
+    };
+    write(true, false);
+    // "DBN 5": how the messages below name the node.
+    auto nodeText = [&] {
+        return gui.NodeNameCollection().Item(kDbnTypeID) + " " + std::to_string(nodeNumber);
+    };
+    if (result && result->outcome == WriteOutcome::Changed) {
+        int answer = form::kAnswerCancel;
+        form::RunTrapped(services_, "SaveChanges", [&] {
+            answer = services_.MsgBox(nodeText() +
+                                          " was changed by another program after it was opened "
+                                          "here. Save your changes over it?",
+                                      form::MsgBoxButtons::YesNoCancel, form::MsgBoxIcon::Question,
+                                      "Confirmation");
+        });
+        if (answer == form::kAnswerYes) {
+            write(false, true);
+        } else {
+            if (answer == form::kAnswerNo) {
+                // Drop the edits: show the node as it is stored now.
+                LoadData(nodeNumber);
+                gui.cmdApply.SetEnabled(false);
+            }
+            return false;
+        }
+    }
+    if (!result) {
+        return false;
+    }
+    if (result->outcome == WriteOutcome::Vanished) {
+        form::RunTrapped(services_, "SaveChanges", [&] {
+            gui.ShowInformation(nodeText() +
                                 " no longer exists in the configuration database. Nothing was "
                                 "saved.");
         });
+        services_.SaveRefused();
+        return false;
     }
-    return committed;
+    if (result->outcome != WriteOutcome::Committed) {
+        return false;
+    }
+    gui.StoredState = std::move(result->savedState);
+    form::RunTrapped(services_, "SaveChanges", [&] { ReportMissingReferences(nodeText()); });
+    return true;
+}
+
+void Business_Rules::ReportMissingReferences(const std::string& node) {
+    form::GUI& gui = Form();
+    std::string missing;
+    for (int i = 0; i < gui.lstNodeTypeName.ListCount(); ++i) {
+        // Only references the check did not find or create are looked up again.
+        const auto row = static_cast<std::size_t>(i);
+        if (row < referenceFound_.size() && referenceFound_[row]) {
+            continue;
+        }
+        if (!IsNodeExisted(gui.lstNodeTypeID.List(i), gui.lstNodeNumber.List(i))) {
+            missing += (missing.empty() ? "" : ", ") + gui.lstNodeTypeName.List(i);
+        }
+    }
+    if (!missing.empty()) {
+        gui.ShowInformation(node +
+                            " was saved. These references point at nodes that do not "
+                            "exist: " +
+                            missing + ".");
+    }
 }
 
 }  // namespace dbn

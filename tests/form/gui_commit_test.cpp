@@ -126,11 +126,22 @@ TEST_F(GuiCommit, SaveQuestionAnswers) {
     EXPECT_EQ(gui.AskToSaveChanges(), form::kAnswerNo);
     EXPECT_TRUE(gui.cmdApply.Enabled());
 
-    RefusedLabel();
+    // Yes runs Apply's checks: each refusal is told and answers Cancel.
+    for (const char* label : {"Say \"hi\"", "Tab\there", "Bell\x7f"}) {
+        gui.txtDescription.SetText(label);
+        services.answers = {form::kAnswerYes};
+        EXPECT_EQ(gui.AskToSaveChanges(), form::kAnswerCancel) << label;
+        EXPECT_EQ(services.boxes.back().text, kLabelRefused) << label;
+    }
+    gui.txtDescription.SetText("Fine");
+    gui.cmbMethod.SetListIndex(1);
+    gui.cmbLanguage1.SetListIndex(0);
+    gui.cmbLanguage2.SetListIndex(0);
     services.answers = {form::kAnswerYes};
     EXPECT_EQ(gui.AskToSaveChanges(), form::kAnswerCancel);
-    EXPECT_EQ(services.boxes.back().text, kLabelRefused);
+    EXPECT_EQ(services.boxes.back().text, "Please select a language in Language 1");
     EXPECT_TRUE(link.saves.empty());
+    gui.cmbLanguage1.SetListIndex(1);
 
     gui.txtDescription.SetText("Fine");
     link.saveCommits = false;

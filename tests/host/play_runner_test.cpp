@@ -3,7 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <functional>
+#include <map>
 #include <sstream>
+#include <streambuf>
 
 namespace dbn::host {
 namespace {
@@ -43,6 +47,100 @@ TEST(PlayRunner, AnAbandonedOrUnansweredRunSavesNothing) {
         Play({"open 1 1 1", "type txtDescription Renamed", "click cmdNext", "show txtDescription"}),
         "1|no answer queued for: box Confirmation: Do you want to save changes?\n||"
         "Staff directory");
+}
+
+// A script handed out one line at a time, as through a pipe: before line i
+// (0-based) is read, the action given for it runs, as the program writing
+// the script may act between lines.
+class DrivenScript : public std::streambuf {
+public:
+    DrivenScript(std::vector<std::string> lines,
+                 std::map<std::size_t, std::function<void()>> before)
+        : lines_(std::move(lines)), before_(std::move(before)) {}
+
+protected:
+    int_type underflow() override {
+        if (next_ == lines_.size()) {
+            return traits_type::eof();
+        }
+        if (auto action = before_.find(next_); action != before_.end()) {
+            action->second();
+        }
+        current_ = lines_[next_++] + "\n";
+        setg(current_.data(), current_.data(), current_.data() + current_.size());
+        return traits_type::to_int_type(current_[0]);
+    }
+
+private:
+    std::vector<std::string> lines_;
+    std::map<std::size_t, std::function<void()>> before_;
+    std::size_t next_ = 0;
+    std::string current_;
+};
+
+const std::string kNode1 = " WHERE PartID = 1 AND NodeTypeID = 15 AND NodeNumber = 1";
+
+TEST(PlayRunner, EachLineRunsBeforeTheNextIsReadAndTheStatusTellsFailures) {
+    const std::string changed =
+        "box Confirmation: DBN 1 was changed by another program after it was opened here. Save "
+        "your changes over it? => ";
+    struct Case {
+        std::vector<std::string> lines;
+        std::function<void(testing::TempDataRoot&)> between;  // before the third line
+        std::string expected;                                 // status|output|description
+    };
+    const auto theirs = [](testing::TempDataRoot& root) {
+        root.Exec("UPDATE Node_DBN SET NodeDescription = 'Theirs'" + kNode1);
+    };
+    const std::vector<std::string> apply = {"open 1 1 1", "type txtDescription Mine",
+                                            "click cmdApply"};
+    const Case cases[] = {
+        {{"open 1 1 1", "type txtDescription Mine", "answer 6", "click cmdApply", "click cmdOK"},
+         theirs,
+         "0|" + changed + "6\nreturned false\n|Mine"},
+        {{"open 1 1 1", "type txtDescription Mine", "answer 7", "click cmdApply", "click cmdOK"},
+         theirs,
+         "0|" + changed + "7\nreturned false\n|Theirs"},
+        {{"open 1 1 1", "type txtDescription Mine", "answer 2", "click cmdApply", "close"},
+         theirs,
+         "1|" + changed +
+             "2\nno answer queued for: box Confirmation: Do you want to "
+             "save changes?\n|Theirs"},
+        // The node is gone: told, and the run ends with 3.
+        {apply, [](testing::TempDataRoot& root) { root.Exec("DELETE FROM Node_DBN" + kNode1); },
+         "3|box Information: DBN 1 no longer exists in the configuration database. Nothing was "
+         "saved. => 1\nabandoned\n|"},
+        // An error box: the save is refused by the database.
+        {apply,
+         [](testing::TempDataRoot& root) {
+             root.Exec(
+                 "CREATE TRIGGER refuse BEFORE UPDATE ON Node_General_Pool BEGIN SELECT "
+                 "RAISE(ABORT, 'refused'); END");
+         },
+         "3|box Error: Source: SQLite - SaveChanges \\nDescription: refused (Update_Node_General_"
+         "Pool on"},
+    };
+    for (const Case& c : cases) {
+        testing::TempDataRoot root(testing::TempDataRoot::Content::Demo);
+        DrivenScript buffer(c.lines, {{2, [&] { c.between(root); }}});
+        std::istream script(&buffer);
+        std::ostringstream out;
+        std::ostringstream err;
+        const int status = Player(out, err).Run(script);
+        const std::string seen = std::to_string(status) + "|" + out.str() + "|" +
+                                 root.QueryText("SELECT NodeDescription FROM Node_DBN" + kNode1);
+        EXPECT_EQ(seen.substr(0, c.expected.size()), c.expected) << c.lines[2];
+    }
+}
+
+TEST(PlayRunner, NoDatabaseIsAFailedRun) {
+    testing::TempDataRoot root(testing::TempDataRoot::Content::Demo);
+    std::filesystem::remove(root.DatabasePath());
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(Player(out, err).Run(std::vector<std::string>{"open 1 1 1"}), kRunFailed);
+    EXPECT_EQ(out.str(), "box Error: There is no configuration database at " + root.DatabasePath() +
+                             ". Create one with: dbn-node-editor init => 1\nreturned false\n");
 }
 
 }  // namespace

@@ -121,5 +121,37 @@ TEST_F(ServicesTest, CloseBoxWithUnsavedChangesAsksAndStaysOpenOnCancel) {
     EXPECT_EQ(services.ShownView(), nullptr);
 }
 
+TEST_F(ServicesTest, AChangeElsewhereIsAskedInTheWindowsOwnBox) {
+    const std::string node1 =
+        " WHERE ConfigID = 1 AND PartID = 1 AND NodeTypeID = 15 AND NodeNumber = 1";
+    struct Case {
+        QString button;
+        const char* shown;
+        const char* stored;
+        bool dirty;
+    };
+    for (const Case& c : {Case{"Yes", "Mine", "Mine", false}, Case{"No", "Theirs", "Theirs", false},
+                          Case{"Cancel", "Mine", "Theirs", true}}) {
+        data.Exec("UPDATE Node_DBN SET NodeDescription = 'Staff directory'" + node1);
+        Open(1, [&](form::GUI& form, qt::FormView& view) {
+            TypeKeys(WidgetOf<QLineEdit>(view, "txtDescription"), "Mine");
+            data.Exec("UPDATE Node_DBN SET NodeDescription = 'Theirs'" + node1);
+            AnswerWith(c.button);
+            WidgetOf<QAbstractButton>(view, "cmdApply").click();
+            EXPECT_EQ(title, "Confirmation");
+            EXPECT_EQ(icon, QMessageBox::Question);
+            EXPECT_EQ(text,
+                      "DBN 1 was changed by another program after it was opened here. Save your "
+                      "changes over it?");
+            EXPECT_EQ(WidgetOf<QLineEdit>(view, "txtDescription").text().toStdString(), c.shown);
+            EXPECT_EQ(form.cmdApply.Enabled(), c.dirty);
+            form.cmdApply.SetEnabled(false);
+            view.close();
+        });
+        EXPECT_EQ(data.QueryText("SELECT NodeDescription FROM Node_DBN" + node1), c.stored);
+    }
+    EXPECT_TRUE(unexpectedBoxes.empty());
+}
+
 }  // namespace
 }  // namespace dbn::testing

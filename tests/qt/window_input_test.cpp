@@ -43,6 +43,14 @@ TEST_F(EditorWindowTest, PickingAMethodRunsItsHandlerAndResizesTheWindow) {
         auto& apply = WidgetOf<QPushButton>(view, "cmdApply");
         ASSERT_FALSE(apply.isEnabled());
 
+        // Picking the entry already shown changes nothing.
+        const int rows = form.LVConfirm.ItemCount();
+        PickEntry(WidgetOf<QComboBox>(view, "cmbConfirmation"), "Yes");
+        PickEntry(WidgetOf<QComboBox>(view, "cmbMethod"), "Custom");
+        EXPECT_FALSE(apply.isEnabled());
+        EXPECT_EQ(form.LVConfirm.ItemCount(), rows);
+        EXPECT_EQ(view.width(), wide);
+
         PickEntry(WidgetOf<QComboBox>(view, "cmbMethod"), "Default Last Name");
         EXPECT_EQ(form.cmbMethod.Text(), "Default Last Name");
         EXPECT_TRUE(form.cmdApply.Enabled());

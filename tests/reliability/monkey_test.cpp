@@ -1,7 +1,8 @@
 // Seeded random operator actions on the editor over the demo database: picks,
 // typed texts (garbage and very long ones included), button presses, row
-// clicks, focus changes, header presses, scrolls, navigation, the close box
-// and random answers to every question. No exception may leave a handler,
+// clicks, focus changes, header presses, scrolls, navigation, the close box,
+// changes to the shown node by another program, and random answers to every
+// question. No exception may leave a handler,
 // and after every save each dial-by-name node is consistent.
 //
 // DBN_MONKEY_SEED and DBN_MONKEY_ACTIONS change the seed and the number of
@@ -12,6 +13,7 @@
 #include <cstdlib>
 #include <deque>
 #include <fstream>
+#include <functional>
 #include <random>
 #include <sstream>
 
@@ -46,7 +48,10 @@ constexpr const char* kOddTexts[] = {
 
 class Monkey {
 public:
-    Monkey(unsigned seed, FakeServices& services) : random_(seed), services_(services) {}
+    // changeElsewhere changes the stored node of the form from another
+    // connection, as another program would.
+    Monkey(unsigned seed, FakeServices& services, std::function<void(GUI&)> changeElsewhere)
+        : random_(seed), services_(services), changeElsewhere_(std::move(changeElsewhere)) {}
 
     // One random action on the shown form; answers its description.
     std::string Act(GUI& gui) {
@@ -54,6 +59,10 @@ public:
         if (Below(300) == 0) {
             gui.Unload();  // the close box
             return "close box";
+        }
+        if (Below(150) == 0) {
+            changeElsewhere_(gui);
+            return "change elsewhere";
         }
         const int kind = static_cast<int>(Below(9));
         Control* control = RandomControl(gui, kind);
@@ -176,6 +185,7 @@ private:
 
     std::mt19937 random_;
     FakeServices& services_;
+    std::function<void(GUI&)> changeElsewhere_;
 };
 
 // The one error box random input may bring up: switching the confirmation
@@ -190,7 +200,15 @@ using MonkeyTest = EditorTest;
 TEST_F(MonkeyTest, RandomOperatorActionsKeepEveryNodeConsistent) {
     const unsigned seed = static_cast<unsigned>(EnvNumber("DBN_MONKEY_SEED", 20240304));
     const long total = EnvNumber("DBN_MONKEY_ACTIONS", 20000);
-    Monkey monkey(seed, services);
+    Monkey monkey(seed, services, [this](GUI& gui) {
+        const std::string node =
+            " WHERE ConfigID = 1 AND PartID = " + std::to_string(gui.PartitionID()) +
+            " AND NodeTypeID = 15 AND NodeNumber = " + std::to_string(gui.nodeNumber());
+        root.Exec(
+            "UPDATE Node_DBN SET NodeDescription = 'Changed elsewhere', RetryLimit = "
+            "RetryLimit % 5 + 1" +
+            node + "; UPDATE Node_General_Pool SET NodeDescription = 'Changed elsewhere'" + node);
+    });
     std::string counter = ChangeCounter(root.DatabasePath());
     long done = 0;
     long saves = 0;

@@ -10,6 +10,8 @@ struct Host {
     std::vector<std::string> boxes;
     std::string seen;
     int ended = 0;
+    int answer = CVL_DBN_ANSWER_CANCEL;  // to every question
+    TempDataRoot* root = nullptr;
 };
 
 cvl_dbn_callbacks Callbacks(Host& host) {
@@ -62,6 +64,50 @@ TEST(CApi, TheHostOperatesTheShownFormThroughItsModalRun) {
     cvl_dbn_release(editor);
     EXPECT_EQ(host.ended, 3);
     EXPECT_EQ(host.boxes, std::vector<std::string>{"Information: DBN 9 doesn't exist."});
+}
+
+TEST(CApi, AChangeElsewhereIsAskedThroughTheMessageBoxCallback) {
+    struct Case {
+        int answer;
+        const char* seen;  // the description shown after Apply
+        const char* stored;
+    };
+    for (const Case& c :
+         {Case{CVL_DBN_ANSWER_YES, "Mine", "Mine"}, Case{CVL_DBN_ANSWER_NO, "Theirs", "Theirs"},
+          Case{CVL_DBN_ANSWER_CANCEL, "Mine", "Theirs"}}) {
+        TempDataRoot root(TempDataRoot::Content::Demo);
+        Host host;
+        host.answer = c.answer;
+        host.root = &root;
+        cvl_dbn_callbacks callbacks = Callbacks(host);
+        callbacks.msg_box = [](void* user, const char* text, int buttons, int icon,
+                               const char* title) {
+            auto& host = *static_cast<Host*>(user);
+            host.boxes.push_back(std::string(title) + ": " + text + " " + std::to_string(buttons) +
+                                 std::to_string(icon));
+            return buttons == CVL_DBN_BUTTONS_YES_NO_CANCEL ? host.answer
+                                                            : static_cast<int>(CVL_DBN_ANSWER_OK);
+        };
+        callbacks.run_modal = [](void* user, cvl_dbn_form* form) {
+            auto& host = *static_cast<Host*>(user);
+            cvl_dbn_form_type(form, "txtDescription", "Mine");
+            host.root->Exec("UPDATE Node_DBN SET NodeDescription = 'Theirs' WHERE NodeNumber = 1");
+            cvl_dbn_form_press(form, "cmdApply");
+            char buffer[16];
+            cvl_dbn_form_text(form, "txtDescription", buffer, sizeof buffer);
+            host.seen = buffer;
+        };
+        cvl_dbn_editor* editor = cvl_dbn_create(&callbacks);
+        cvl_dbn_show_node_editor(editor, 1, 1, 1);
+        cvl_dbn_release(editor);
+        EXPECT_EQ(host.boxes, std::vector<std::string>{
+                                  "Confirmation: DBN 1 was changed by another program after it "
+                                  "was opened here. Save your changes over it? 12"});
+        EXPECT_EQ(host.seen, c.seen);
+        EXPECT_EQ(root.QueryText("SELECT NodeDescription FROM Node_DBN WHERE PartID = 1 AND "
+                                 "NodeNumber = 1"),
+                  c.stored);
+    }
 }
 
 }  // namespace

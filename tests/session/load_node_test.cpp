@@ -15,7 +15,7 @@ TEST_F(LoadNode, StoredValuesSelectTheirEntriesOrTheFallback) {
                       {"DirectoryNodeNumber = 0", "cmbDirectory", 0},
                       {"DirectoryNodeNumber = 100", "cmbDirectory", 0},
                       {"DirectoryNodeNumber = 99", "cmbDirectory", 98},
-                      {"Method = 0, FirstLanguage = 2", "cmbLanguage1", 1},  // left as it was
+                      {"Method = 0, FirstLanguage = 2", "cmbLanguage1", 2},  // its own
                       {"Method = 7, FirstLanguage = 2", "cmbMethod", 1},
                       {"Method = 7, FirstLanguage = 2", "cmbLanguage1", 2},
                       {"Method = 1, FirstLanguage = 3, SecondLanguage = 1", "cmbLanguage1", 0},
@@ -101,7 +101,10 @@ TEST_F(LoadNode, ConfirmationRowsFollowConfirmAndMaxMatch) {
             EXPECT_EQ(Rows(gui.LVConfirm), names ? fixed + names : "") << arrange;
         });
     }
-    EXPECT_TRUE(services.boxes.empty());
+    const std::string shownAs = "Stored settings of DBN 1 outside their range are shown as: ";
+    EXPECT_EQ(services.TakeBoxTexts(), (std::vector<std::string>{shownAs + "MaxMatch 0 -> nothing.",
+                                                                 shownAs + "MaxMatch 12 -> 9.",
+                                                                 shownAs + "Confirm 2 -> Yes."}));
 }
 
 TEST_F(LoadNode, UnavailableTargetsShowNoopAndWarnOnceAfterTheLoad) {

@@ -109,6 +109,29 @@ TEST_F(ReferencedCheck, NodesThatCannotBeCreatedAreReportedAndTheCheckGoesOn) {
               "P01M012.wav");
 }
 
+TEST_F(ReferencedCheck, TemplatesNeedTheirNodeRowsAndNumbersStayWithinTheLimits) {
+    // DATE's template keeps only its pool row; partition 2 allows XFER up to 20.
+    root.Exec("DELETE FROM Node_DATE" + Where(2, "NodeNumber", 0));
+    services.confirmAnswers = {2, form::kConfirmNo};
+    Open(2, 5, [&](form::GUI& gui) {
+        SetTarget(gui.LVActions, 0, "XFER 21", "XFER", "4", "21");
+        SetTarget(gui.LVActions, 1, "DATE 4", "DATE", "3", "4");
+        SetTarget(gui.LVActions, 2, "MSG 12", "MSG", "0", "12");
+        gui.cmdApply_Click();
+        EXPECT_FALSE(gui.cmdApply.Enabled());
+    });
+    EXPECT_EQ(services.confirmations.size(), 2u);
+    EXPECT_EQ(services.TakeBoxTexts(),
+              (std::vector<std::string>{
+                  "XFER 21 could not be created: the partition allows XFER nodes up to 20.",
+                  "DATE 4 could not be created: there is no template node 0 of its type.",
+                  "DBN 5 was saved. These references point at nodes that do not exist: XFER 21, "
+                  "DATE 4, MSG 12."}));
+    EXPECT_EQ(Count("Node_General_Pool", Where(2, "NodeNumber", 4) + " AND NodeTypeID = 3"), 0);
+    EXPECT_EQ(Count("Node_XFER", Where(2, "NodeNumber", 21)), 0);
+    EXPECT_EQ(NodeColumn("ValidMatchNodeNumber || AbortNodeType", 2, 5), "21DATE");
+}
+
 TEST_F(ReferencedCheck, FailedCreationIsUndoneAndTheSaveStillHappens) {
     root.Exec(
         "CREATE TRIGGER injected BEFORE INSERT ON Node_General_Pool BEGIN "
@@ -123,8 +146,10 @@ TEST_F(ReferencedCheck, FailedCreationIsUndoneAndTheSaveStillHappens) {
         SetTarget(gui.LVActions, 1, "MSG 12", "MSG", "0", "12");
         EXPECT_TRUE(Rules(gui).SaveChanges(5));
     });
-    ASSERT_EQ(services.boxes.size(), 1u);
+    ASSERT_EQ(services.boxes.size(), 2u);
     EXPECT_NE(services.boxes[0].text.find(" - CheckForUnReferencedNodes \r\n"), std::string::npos);
+    EXPECT_EQ(services.boxes[1].text,
+              "DBN 5 was saved. These references point at nodes that do not exist: MSG 12.");
     EXPECT_EQ(services.confirmations.size(), 1u);
     EXPECT_EQ(Count("Node_MSG", Where(2, "NodeNumber", 12)), 0);
     EXPECT_EQ(NodeColumn("AbortNodeNumber", 2, 5), "12");

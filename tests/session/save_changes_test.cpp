@@ -2,6 +2,8 @@
 // and what a failed save leaves behind.
 #include "session_support.h"
 
+#include "form/controls/operator_input.h"
+
 #include <regex>
 
 namespace dbn::testing {
@@ -97,9 +99,12 @@ TEST_F(SaveChanges, PoolEntryGetsTheLabelAndALocalTimeOnEverySaveAndEmptyNumbers
         EXPECT_TRUE(Rules(gui).SaveChanges(2));
         EXPECT_TRUE(std::regex_match(root.QueryText("SELECT DateModified" + pool),
                                      std::regex(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d)")));
-        // Nothing changed since: the time is written again all the same.
+        // Nothing changed since: the time is written again all the same (the
+        // pool row changed by another program is saved over, answered Yes).
         root.Exec("UPDATE Node_General_Pool SET DateModified = 'old'" + key);
+        services.answers = {form::kAnswerYes};
         EXPECT_TRUE(Rules(gui).SaveChanges(2));
+        EXPECT_TRUE(services.answers.empty());
     });
     EXPECT_EQ(root.QueryText("SELECT NodeDescription" + pool), "Sales team");
     EXPECT_NE(root.QueryText("SELECT DateModified" + pool), "old");
@@ -146,6 +151,37 @@ TEST_F(SaveChanges, AFailedSaveWritesNothingAndLeavesTheFormAsItWas) {
     EXPECT_EQ(root.QueryText("SELECT NodeDescription FROM Node_General_Pool" +
                              Where(2, "NodeNumber", 5) + " AND NodeTypeID = 15"),
               "Support directory");
+}
+
+// A type the partition offers without numbers (HANGUP has no limit row) is
+// shown and stored as NOOP is: its code alone, number 0.
+TEST_F(SaveChanges, ARowSetToATypeWithoutNumbersStoresTheCodeAlone) {
+    namespace input = form::operator_input;
+    root.Exec("INSERT INTO SR_Node_Type_can_contain_Node_Type VALUES (15, 999, 1), (15, 999, 2)");
+    Open(1, 1, [&](form::GUI& gui) {
+        struct Row {
+            form::ListView& list;
+            form::Button& edit;
+            form::ListControl& node;
+            const char* key;
+        };
+        for (const Row& row : {Row{gui.LVActions, gui.cmdActionsEdit, gui.cmbAbortNode, "2a"},
+                               Row{gui.LVConfirm, gui.cmdConfirmEdit, gui.cmbConfirmNode, "3a"}}) {
+            input::ClickRow(row.list, *row.list.FindItem(row.key));
+            input::Press(row.edit);
+            ASSERT_TRUE(input::Pick(row.node, row.node.FindExactEntry("HANGUP")));
+            const form::ListItem& item = *row.list.FindItem(row.key);
+            EXPECT_EQ(item.SubItem(2) + "|" + item.SubItem(6), "HANGUP|0") << row.key;
+            input::Press(row.edit);
+        }
+        gui.cmdApply_Click();
+        EXPECT_FALSE(gui.cmdApply.Enabled());
+    });
+    EXPECT_EQ(NodeColumn("AbortNodeType || AbortNodeNumber || AbortNodeTypeID", 1, 1),
+              "HANGUP0999");
+    EXPECT_EQ(root.QueryText("SELECT PromptNodeType || PromptNodeNumber FROM Detail_DBN_Prompts" +
+                             Where(1, "NodeMasterID", 1) + " AND PromptNumber = 1"),
+              "HANGUP0");
 }
 
 }  // namespace

@@ -27,6 +27,11 @@ bool Pick(ListControl& list, int index) {
     if (index >= list.ListCount()) {
         return false;
     }
+    // Picking the entry the list already shows changes nothing: no Click,
+    // so no handler refills or resets what depends on it.
+    if (index == list.ListIndex() && list.Text() == list.List(index)) {
+        return true;
+    }
     list.SetListIndex(index);
     return true;
 }

@@ -15,7 +15,8 @@ namespace dbn::form {
 // have it), as a mouse click does, then acts.
 namespace operator_input {
 
-// Picks entry index of a list: selects it (Click).
+// Picks entry index of a list: selects it (Click). The entry the list already
+// shows stays as it is, with no Click.
 bool Pick(ListControl& list, int index);
 // Replaces the whole text of an editable list (one Change).
 bool Type(ListControl& list, const std::string& text);

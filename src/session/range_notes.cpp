@@ -1,0 +1,47 @@
+#include "session/range_notes.h"
+
+#include <algorithm>
+#include <array>
+
+namespace dbn::session {
+
+namespace {
+
+// The columns of Node_DBN that hold a setting with a range, in table order.
+// clang-format off
+constexpr std::array<std::string_view, 22> kColumnOrder = {
+    "Method", "DirectoryNodeNumber", "FirstLanguage", "SecondLanguage", "GreetingNodeNumber",
+    "FirstMode", "FirstMinDigits", "FirstMaxDigits", "FirstPromptNodeNumber",
+    "SecondMode", "SecondMinDigits", "SecondMaxDigits", "SecondPromptNodeNumber",
+    "TimeoutNodeNumber", "InvalidNodeNumber", "DigitTimeout", "SelectionTimeout", "RetryLimit",
+    "Confirm", "MaxMatch", "PlayName", "ConfirmationExitNodeNumber"};
+// clang-format on
+
+int OrderOf(std::string_view column) {
+    const auto* found = std::find(kColumnOrder.begin(), kColumnOrder.end(), column);
+    return static_cast<int>(found - kColumnOrder.begin());
+}
+
+}  // namespace
+
+void RangeNotes::Note(std::string_view column, std::int32_t value, const form::ListControl& shown) {
+    notes_.push_back({OrderOf(column), std::string(column), value, &shown});
+}
+
+std::string RangeNotes::Message(const std::string& node) const {
+    if (notes_.empty()) {
+        return {};
+    }
+    std::vector<Entry> ordered = notes_;
+    std::stable_sort(ordered.begin(), ordered.end(),
+                     [](const Entry& a, const Entry& b) { return a.order < b.order; });
+    std::string items;
+    for (const Entry& note : ordered) {
+        const std::string shown = note.shown->ListIndex() < 0 ? "nothing" : note.shown->Text();
+        items += (items.empty() ? "" : "; ") + note.column + " " + std::to_string(note.value) +
+                 " -> " + shown;
+    }
+    return "Stored settings of " + node + " outside their range are shown as: " + items + ".";
+}
+
+}  // namespace dbn::session

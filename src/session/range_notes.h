@@ -1,0 +1,36 @@
+#pragma once
+
+// Stored settings that loading showed through a fallback entry because their
+// values lie outside the ranges the lists offer; the operator is told about
+// them once per load, since the next save stores what the form shows.
+
+#include "form/controls/list_control.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace dbn::session {
+
+class RangeNotes {
+public:
+    void Clear() { notes_.clear(); }
+    // Notes that the stored value of a Node_DBN column is shown by `shown`
+    // through a fallback. The shown text is read when the message is made.
+    void Note(std::string_view column, std::int32_t value, const form::ListControl& shown);
+    // "Stored settings of NODE outside their range are shown as: ITEM; ITEM."
+    // in the column order of Node_DBN; empty when nothing was noted.
+    std::string Message(const std::string& node) const;
+
+private:
+    struct Entry {
+        int order;
+        std::string column;
+        std::int32_t value;
+        const form::ListControl* shown;
+    };
+    std::vector<Entry> notes_;
+};
+
+}  // namespace dbn::session

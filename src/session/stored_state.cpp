@@ -1,0 +1,50 @@
+#include "session/stored_state.h"
+
+#include "database/database.h"
+#include "session/load_helpers.h"
+
+#include <variant>
+
+namespace dbn::session {
+
+namespace {
+
+// Appends every row of a command's row set: each value with its column name
+// and its kind, so that 1, "1" and Null never read alike.
+void AppendRows(std::string& state, RowSet& rows) {
+    RowSetCloser closer(rows);
+    const std::size_t columns = rows.Columns().size();
+    state += rows.Name() + ":" + std::to_string(rows.RowCount()) + "\n";
+    for (; !rows.Eof(); rows.MoveNext()) {
+        for (std::size_t column = 0; column < columns; ++column) {
+            const std::string& name = rows.Columns()[column];
+            const FieldValue value = rows.Field(name);
+            state += name + "=" + std::to_string(value.Raw().index()) + ":" + value.ToText();
+            state += '\x1f';
+        }
+        state += '\n';
+    }
+    rows.Close();
+}
+
+}  // namespace
+
+std::optional<std::string> ReadStoredState(DataBase& db, std::int16_t configID,
+                                           std::int16_t partitionID, std::int16_t nodeNumber) {
+    std::string state;
+    db.Execute("Get_DBN_Node", {Arg(configID), Arg(partitionID), Arg(nodeNumber), Arg(kDbnTypeID)});
+    RowSet& node = db.Recordset("Get_DBN_Node");
+    if (node.Eof()) {
+        node.Close();
+        return std::nullopt;
+    }
+    AppendRows(state, node);
+    db.Execute("Get_DBN_PromptsNode", {Arg(configID), Arg(partitionID), Arg(nodeNumber)});
+    AppendRows(state, db.Recordset("Get_DBN_PromptsNode"));
+    db.Execute("Get_Description",
+               {Arg(configID), Arg(partitionID), Arg(kDbnTypeID), Arg(nodeNumber)});
+    AppendRows(state, db.Recordset("Get_Description"));
+    return state;
+}
+
+}  // namespace dbn::session
