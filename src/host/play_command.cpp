@@ -18,22 +18,15 @@ std::vector<std::string> ReadLines(std::istream& in) {
     return lines;
 }
 
-int RunPlay(const std::vector<std::string>& arguments) {
-    std::vector<std::string> args = arguments;
-    if (!TakeDataRootOption(args)) {
-        return kRunScriptError;
-    }
-    if (args.size() != 1) {
-        std::cerr << "usage: dbn-node-editor play [--data-root DIR] SCRIPT\n";
-        return kRunScriptError;
-    }
+int RunPlay(const CommandArgs& args) {
+    const std::string& script = args.Positionals()[0];
     std::vector<std::string> lines;
-    if (args[0] == "-") {
+    if (script == "-") {
         lines = ReadLines(std::cin);
     } else {
-        std::ifstream file(args[0]);
+        std::ifstream file(script);
         if (!file) {
-            std::cerr << "error: cannot read " << args[0] << "\n";
+            std::cerr << "error: cannot read " << script << "\n";
             return kRunScriptError;
         }
         lines = ReadLines(file);
@@ -42,9 +35,20 @@ int RunPlay(const std::vector<std::string>& arguments) {
     return player.Run(std::move(lines));
 }
 
-const HostCommandRegistration registration{
-    {"play", "play [--data-root DIR] SCRIPT", RunPlay},
-};
+HostCommand PlayCommand() {
+    HostCommand command;
+    command.name = "play";
+    command.summary = "operate the editor from a script of operator actions, without a display";
+    command.arguments = {{"SCRIPT", "the script file, one action a line; - reads standard input"}};
+    command.exitCodes = {
+        {kRunCompleted, "the script ran to its end"},
+        {kRunUnanswered, "a box asked a question that the script did not answer"},
+        {kRunScriptError, "a script error: wrong line, control or entry, or no SCRIPT"}};
+    command.run = RunPlay;
+    return command;
+}
+
+const HostCommandRegistration kPlay(PlayCommand());
 
 }  // namespace
 }  // namespace dbn::host
