@@ -4,43 +4,19 @@
 #include "core/component_factory.h"
 #include "database/data_location.h"
 #include "database/database.h"
-#include "database/database_setup.h"
 #include "host/gui_application.h"
 #include "host/host_command.h"
+#include "qt/missing_database_offer.h"
 #include "qt/node_list_window.h"
 #include "qt/qt_form_services.h"
 #include "session/business_rules.h"
 #include "session/component_registration.h"
-
-#include <QMessageBox>
-#include <QPushButton>
 
 #include <filesystem>
 #include <iostream>
 
 namespace dbn::host {
 namespace {
-
-// A missing database: offers to create the demo database or an empty one.
-// Answers false when the operator quits.
-bool OfferToCreateDatabase(const std::string& path) {
-    QMessageBox box(QMessageBox::Question, QStringLiteral("Confirmation"),
-                    QStringLiteral("There is no configuration database at %1.\n\n"
-                                   "Create the demo database there, or an empty one?")
-                        .arg(QString::fromStdString(path)));
-    QPushButton* demo =
-        box.addButton(QStringLiteral("Create &Demo Database"), QMessageBox::AcceptRole);
-    QPushButton* empty =
-        box.addButton(QStringLiteral("Create &Empty Database"), QMessageBox::AcceptRole);
-    box.addButton(QStringLiteral("&Quit"), QMessageBox::RejectRole);
-    box.setDefaultButton(demo);
-    box.exec();
-    if (box.clickedButton() != demo && box.clickedButton() != empty) {
-        return false;
-    }
-    CreateConfigurationDatabase(path, box.clickedButton() == demo);
-    return true;
-}
 
 int RunBrowse(const CommandArgs& args) {
     const std::optional<std::string> screenshot = ScreenshotFile(args);
@@ -55,7 +31,7 @@ int RunBrowse(const CommandArgs& args) {
                       << "; create one with: dbn-node-editor init\n";
             return kExitFailed;
         }
-        if (!OfferToCreateDatabase(path)) {
+        if (!qt::OfferToCreateDatabase(path)) {
             return kExitOk;
         }
     }

@@ -89,7 +89,9 @@ NodeListWindow::NodeListWindow(DataBase& db, std::string databasePath, OpenNode 
         FillTable();
     });
     connect(filter_, &QLineEdit::textChanged, this, [this] { FillTable(); });
-    connect(table_, &QTableWidget::cellDoubleClicked, this, [this] { OpenSelected(); });
+    // Enter on a row and a double-click both activate it.
+    connect(table_, &QTableWidget::activated, this, [this] { OpenSelected(); });
+    connect(filter_, &QLineEdit::returnPressed, this, [this] { OpenSelected(); });
     resize(760, 420);
     Refresh();
 }
@@ -100,8 +102,7 @@ void NodeListWindow::BuildMenus() {
     QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
     QAction* create = file->addAction(QStringLiteral("&New\u2026"), this, [this] { NewNode(); });
     create->setShortcut(QKeySequence::New);
-    QAction* open = file->addAction(QStringLiteral("&Open"), this, [this] { OpenSelected(); });
-    open->setShortcuts({QKeySequence(Qt::Key_Return), QKeySequence(Qt::Key_Enter)});
+    file->addAction(QStringLiteral("&Open"), this, [this] { OpenSelected(); });
     QAction* refresh = file->addAction(QStringLiteral("&Refresh"), this, [this] { Refresh(); });
     refresh->setShortcut(QKeySequence::Refresh);
     file->addSeparator();
