@@ -39,7 +39,7 @@ std::unique_ptr<QApplication> StartGuiApplication() {
     QApplication::setApplicationDisplayName(QStringLiteral("Dial-by-Name Node Editor"));
     QApplication::setApplicationVersion(QStringLiteral(DBN_VERSION));
     QApplication::setDesktopFileName(QStringLiteral(DBN_APP_ID));
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/" DBN_APP_ID ".svg")));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/" DBN_APP_ID ".png")));
     return application;
 }
 
