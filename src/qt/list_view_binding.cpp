@@ -119,7 +119,10 @@ ListViewBinding::ListViewBinding(form::ListView& list, QTreeWidget& tree, const 
         return false;
     });
     QObject::connect(tree.verticalScrollBar(), &QScrollBar::valueChanged, Context(),
-                     [this] { Input([this] { return form::operator_input::Scroll(list_); }); });
+                     [this](int value) {
+                         scrollValue_ = value;
+                         Input([this] { return form::operator_input::Scroll(list_); });
+                     });
 
     list.SetRowGeometry(
         [this](const form::ListView&, int position) { return RowPosition(position); });
@@ -138,10 +141,12 @@ void ListViewBinding::Sync(form::ChangeAspect aspect) {
             SyncColumns();
             SyncRows();
             SyncSelection();
+            KeepScrollPosition();
             break;
         case form::ChangeAspect::Rows:
             SyncRows();
             SyncSelection();
+            KeepScrollPosition();
             break;
         case form::ChangeAspect::Selection:
             SyncSelection();
@@ -200,8 +205,26 @@ void ListViewBinding::SyncRows() {
             item->setTextAlignment(column, alignment);
         }
     }
-    if (list_.EnsuredVisible() >= 0 && list_.EnsuredVisible() < rows) {
-        tree_.scrollToItem(tree_.topLevelItem(list_.EnsuredVisible()));
+    // The list scrolls only when asked to, once per request: a row change
+    // after the operator scrolled leaves the rows where they are.
+    if (list_.EnsureVisibleRequests() != scrollRequestsDone_) {
+        scrollRequestsDone_ = list_.EnsureVisibleRequests();
+        if (list_.EnsuredVisible() >= 0 && list_.EnsuredVisible() < rows) {
+            tree_.scrollToItem(tree_.topLevelItem(list_.EnsuredVisible()));
+        }
+        scrollValue_ = tree_.verticalScrollBar()->value();
+    }
+}
+
+void ListViewBinding::KeepScrollPosition() {
+    // Columns dropped and added again while a row is clicked make the
+    // horizontal scroll bar come and go, and with it the vertical range,
+    // which clamps the position; the rows go back to where the operator left
+    // them.
+    QScrollBar& scroll = *tree_.verticalScrollBar();
+    if (scroll.value() != scrollValue_) {
+        tree_.doItemsLayout();
+        scroll.setValue(scrollValue_);
     }
 }
 

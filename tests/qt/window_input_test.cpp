@@ -147,6 +147,41 @@ TEST_F(EditorWindowTest, ScrollingTheConfirmationListHidesItsPickers) {
     });
 }
 
+// Wherever the confirmation list is scrolled, a click edits the row clicked:
+// the list stays where it is and the pickers lie over that row; in and out of
+// edit mode alike.
+TEST_F(EditorWindowTest, ARowScrolledIntoViewIsEditedWhereItIs) {
+    Open(1, [&](form::GUI& form, qt::FormView& view) {
+        auto& tree = WidgetOf<QTreeWidget>(view, "LVConfirm");
+        QScrollBar& scroll = *tree.verticalScrollBar();
+        ASSERT_GT(scroll.maximum(), 0);
+        for (const bool editFirst : {false, true}) {
+            scroll.setValue(scroll.maximum());
+            const int scrolled = scroll.value();
+            const int last = tree.topLevelItemCount() - 1;
+            if (editFirst) {
+                ClickRow(tree, last);
+                WidgetOf<QPushButton>(view, "cmdConfirmEdit").click();
+            } else {
+                ClickRow(tree, last - 1);
+                ClickRow(tree, last);
+            }
+            EXPECT_EQ(scroll.value(), scrolled) << "edit first " << editFirst;
+            EXPECT_EQ(form.LVConfirm.SelectedItem(), &form.LVConfirm.ItemAt(last));
+            if (form.ConfirmEditMode) {
+                EXPECT_TRUE(view.WidgetOf("cmbConfirmNode")->isVisible());
+                EXPECT_TRUE(PickerOverRow(view, tree, last, "cmbConfirmNode"));
+            } else {
+                WidgetOf<QPushButton>(view, "cmdConfirmEdit").click();
+                EXPECT_EQ(scroll.value(), scrolled);
+                EXPECT_TRUE(PickerOverRow(view, tree, last, "cmbConfirmNode"));
+            }
+            WidgetOf<QPushButton>(view, "cmdConfirmEdit").click();  // edit off
+            scroll.setValue(0);
+        }
+    });
+}
+
 TEST_F(EditorWindowTest, EscPressesCancelAndClosesTheWindow) {
     bool closed = false;
     Open(1, [&](form::GUI& form, qt::FormView& view) {
