@@ -3,6 +3,7 @@
 
 #include "window_support.h"
 
+#include <QAbstractItemView>
 #include <QHeaderView>
 #include <QPushButton>
 #include <QScrollBar>
@@ -178,6 +179,23 @@ TEST_F(EditorWindowTest, ARowScrolledIntoViewIsEditedWhereItIs) {
             }
             WidgetOf<QPushButton>(view, "cmdConfirmEdit").click();  // edit off
             scroll.setValue(0);
+        }
+    });
+}
+
+// An opened drop-down highlights the entry its field shows.
+TEST_F(EditorWindowTest, ADropDownOpensOnTheEntryItShows) {
+    Open(1, [&](form::GUI&, qt::FormView& view) {
+        WidgetOf<QPushButton>(view, "cmdActionsEdit").click();
+        ClickRow(WidgetOf<QTreeWidget>(view, "LVActions"), 1);
+        for (const char* name : {"cmbAbortNode", "cmbAbortNumber", "cmbMethod", "cmbDirectory",
+                                 "cmbGreetingNumber"}) {
+            auto& combo = WidgetOf<QComboBox>(view, name);
+            ASSERT_TRUE(combo.isVisible()) << name;
+            combo.showPopup();
+            const QModelIndex highlighted = combo.view()->currentIndex();
+            EXPECT_EQ(highlighted.data().toString(), combo.currentText()) << name;
+            combo.hidePopup();
         }
     });
 }
