@@ -1,6 +1,7 @@
 #include "qt/form_view.h"
 
 #include "form/controls/operator_input.h"
+#include "qt/accessible_names.h"
 #include "qt/binding_factory.h"
 #include "qt/form_fonts.h"
 
@@ -44,6 +45,7 @@ FormView::FormView(form::GUI& form, QWidget* parent)
     setFont(FormFont());
     setSizeGripEnabled(false);
     Build();
+    NameControls(bindings_);
     StackBySize();
     SetTabOrder();
     FollowWidth();

@@ -188,8 +188,8 @@ TEST_F(EditorWindowTest, ADropDownOpensOnTheEntryItShows) {
     Open(1, [&](form::GUI&, qt::FormView& view) {
         WidgetOf<QPushButton>(view, "cmdActionsEdit").click();
         ClickRow(WidgetOf<QTreeWidget>(view, "LVActions"), 1);
-        for (const char* name : {"cmbAbortNode", "cmbAbortNumber", "cmbMethod", "cmbDirectory",
-                                 "cmbGreetingNumber"}) {
+        for (const char* name :
+             {"cmbAbortNode", "cmbAbortNumber", "cmbMethod", "cmbDirectory", "cmbGreetingNumber"}) {
             auto& combo = WidgetOf<QComboBox>(view, name);
             ASSERT_TRUE(combo.isVisible()) << name;
             combo.showPopup();
