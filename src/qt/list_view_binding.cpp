@@ -2,6 +2,7 @@
 
 #include "form/controls/operator_input.h"
 #include "form/in_place_pickers.h"
+#include "qt/focus_frame.h"
 #include "qt/form_fonts.h"
 #include "qt/qt_children.h"
 
@@ -36,6 +37,16 @@ public:
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override {
         QStyledItemDelegate::paint(painter, option, index);
+        // The current row of the focused list gets a line above and below in
+        // the highlight's dark shade, as the focused field elsewhere does.
+        if (option.state.testFlag(QStyle::State_HasFocus)) {
+            painter->save();
+            painter->setPen(
+                option.palette.color(QPalette::Active, QPalette::Highlight).darker(160));
+            painter->drawLine(option.rect.topLeft(), option.rect.topRight());
+            painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
+            painter->restore();
+        }
         if (!gridLines) {
             return;
         }
@@ -79,6 +90,7 @@ ListViewBinding::ListViewBinding(form::ListView& list, QTreeWidget& tree, const 
       tree_(tree),
       grid_(MakeChild<GridDelegate>(tree)) {
     tree.setItemDelegate(&grid_);
+    new FocusFrame(tree);  // owned by the tree
     tree.setRootIsDecorated(false);
     tree.setIndentation(0);
     tree.setUniformRowHeights(true);

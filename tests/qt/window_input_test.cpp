@@ -200,6 +200,34 @@ TEST_F(EditorWindowTest, ADropDownOpensOnTheEntryItShows) {
     });
 }
 
+// The focused list view shows a frame in the highlight colour; the others none.
+TEST_F(EditorWindowTest, TheFocusedListViewIsFramed) {
+    Open(1, [&](form::GUI&, qt::FormView& view) {
+        auto frameShown = [&](const char* name) {
+            auto& tree = WidgetOf<QTreeWidget>(view, name);
+            for (QWidget* child : tree.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+                if (child->testAttribute(Qt::WA_TransparentForMouseEvents) && child->isVisible()) {
+                    return child->geometry() == tree.rect();
+                }
+            }
+            return false;
+        };
+        for (const char* focused : {"LVActions", "LVConfirm"}) {
+            QFocusEvent in(QEvent::FocusIn, Qt::TabFocusReason);
+            QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
+            for (const char* other : {"LVActions", "LVConfirm"}) {
+                if (std::string(other) != focused) {
+                    QApplication::sendEvent(view.WidgetOf(other), &out);
+                }
+            }
+            QApplication::sendEvent(view.WidgetOf(focused), &in);
+            EXPECT_TRUE(frameShown(focused)) << focused;
+            EXPECT_FALSE(
+                frameShown(std::string(focused) == "LVActions" ? "LVConfirm" : "LVActions"));
+        }
+    });
+}
+
 TEST_F(EditorWindowTest, EscPressesCancelAndClosesTheWindow) {
     bool closed = false;
     Open(1, [&](form::GUI& form, qt::FormView& view) {
