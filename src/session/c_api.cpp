@@ -66,6 +66,7 @@ public:
         shown_ = true;
         cvl_dbn_form handle{&form};
         if (callbacks_.run_modal != nullptr) {
+            inModalRun_ = true;
             callbacks_.run_modal(callbacks_.user, &handle);
         }
         if (form.IsLoaded()) {
@@ -76,8 +77,11 @@ public:
     }
 
     void EndModal(GUI&) override {
-        // A form unloaded unseen (a missing node) was never in a modal run.
-        if (shown_ && callbacks_.end_modal != nullptr) {
+        // Only a modal run of the host ends: not a form unloaded unseen (a
+        // missing node), nor one shown without run_modal.
+        const bool ending = inModalRun_;
+        inModalRun_ = false;
+        if (ending && callbacks_.end_modal != nullptr) {
             callbacks_.end_modal(callbacks_.user);
         }
     }
@@ -85,6 +89,7 @@ public:
     // Before a ShowNodeEditor call: nothing shown, nothing failed yet.
     void StartSession() noexcept {
         shown_ = false;
+        inModalRun_ = false;
         failedToStart_ = false;
     }
     // The status cvl_dbn_show_node_editor answers for the call just ended.
@@ -98,6 +103,8 @@ public:
 private:
     cvl_dbn_callbacks callbacks_;
     bool shown_ = false;
+    // Between run_modal's call and the form's end.
+    bool inModalRun_ = false;
     // An "Error" box came before the form was shown: the editor could not start.
     bool failedToStart_ = false;
 };

@@ -78,8 +78,8 @@ typedef struct cvl_dbn_callbacks {
      * closes the form, as if the operator had abandoned it. Optional. */
     void (*run_modal)(void* user, cvl_dbn_form* form);
     /* The form has closed (it may be called from inside run_modal, when an
-     * action of the host closed it). Called only after run_modal was, never
-     * for a form that was not shown. Optional. */
+     * action of the host closed it). Called only after run_modal was: never
+     * for a form that was not shown, nor when run_modal is NULL. Optional. */
     void (*end_modal)(void* user);
 } cvl_dbn_callbacks;
 
