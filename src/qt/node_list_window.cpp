@@ -82,12 +82,9 @@ NodeListWindow::NodeListWindow(DataBase& db, std::string databasePath, OpenNode 
     setCentralWidget(central);
     BuildMenus();
 
-    connect(configurations_, &QComboBox::currentIndexChanged, this, [this] { FillPartitions(); });
-    connect(partitionChooser_, &QComboBox::currentIndexChanged, this, [this] {
-        Guarded(
-            [this] { rows_ = list_.Nodes(ShownPartition().value_or(session::PartitionKey{})); });
-        FillTable();
-    });
+    connect(configurations_, &QComboBox::currentIndexChanged, this,
+            [this] { FillPartitions(std::nullopt); });
+    connect(partitionChooser_, &QComboBox::currentIndexChanged, this, [this] { ReadNodes(); });
     connect(filter_, &QLineEdit::textChanged, this, [this] { FillTable(); });
     // Enter on a row and a double-click both activate it.
     connect(table_, &QTableWidget::activated, this, [this] { OpenSelected(); });
@@ -124,40 +121,30 @@ std::optional<session::PartitionKey> NodeListWindow::ShownPartition() const {
 
 void NodeListWindow::Refresh() {
     const std::optional<session::PartitionKey> shown = ShownPartition();
-    const std::vector<std::int16_t> selected = [&] {
-        std::vector<std::int16_t> numbers;
-        const int row = table_->currentRow();
-        if (row >= 0 && table_->item(row, 0) != nullptr) {
-            numbers.push_back(
-                static_cast<std::int16_t>(table_->item(row, 0)->data(Qt::UserRole).toInt()));
-        }
-        return numbers;
-    }();
+    const std::optional<std::int16_t> selected = SelectedNumber();
     if (!Guarded([this] { partitions_ = list_.Partitions(); })) {
         partitions_.clear();
     }
-    const QSignalBlocker blockConfigs(configurations_);
-    configurations_->clear();
-    std::set<std::int16_t> configs;
-    for (const session::PartitionKey& key : partitions_) {
-        if (configs.insert(key.config).second) {
-            configurations_->addItem(QString::number(key.config), key.config);
+    {
+        const QSignalBlocker block(configurations_);
+        configurations_->clear();
+        std::set<std::int16_t> configs;
+        for (const session::PartitionKey& key : partitions_) {
+            if (configs.insert(key.config).second) {
+                configurations_->addItem(QString::number(key.config), key.config);
+            }
+        }
+        if (shown) {
+            configurations_->setCurrentIndex(std::max(0, configurations_->findData(shown->config)));
         }
     }
-    if (shown) {
-        configurations_->setCurrentIndex(std::max(0, configurations_->findData(shown->config)));
-    }
-    FillPartitions();
-    if (shown) {
-        partitionChooser_->setCurrentIndex(
-            std::max(0, partitionChooser_->findData(shown->partition)));
-    }
-    if (!selected.empty()) {
-        SelectNumber(selected.front());
+    FillPartitions(shown ? std::optional(shown->partition) : std::nullopt);
+    if (selected) {
+        SelectNumber(*selected);
     }
 }
 
-void NodeListWindow::FillPartitions() {
+void NodeListWindow::FillPartitions(std::optional<std::int16_t> preferred) {
     const int config = configurations_->currentData().toInt();
     {
         const QSignalBlocker block(partitionChooser_);
@@ -167,7 +154,15 @@ void NodeListWindow::FillPartitions() {
                 partitionChooser_->addItem(QString::number(key.partition), key.partition);
             }
         }
+        if (preferred) {
+            partitionChooser_->setCurrentIndex(
+                std::max(0, partitionChooser_->findData(*preferred)));
+        }
     }
+    ReadNodes();
+}
+
+void NodeListWindow::ReadNodes() {
     rows_.clear();
     if (const std::optional<session::PartitionKey> shown = ShownPartition()) {
         Guarded([&] { rows_ = list_.Nodes(*shown); });
@@ -217,16 +212,22 @@ std::vector<std::int16_t> NodeListWindow::ShownNumbers() const {
     return numbers;
 }
 
+std::optional<std::int16_t> NodeListWindow::SelectedNumber() const {
+    const int row = table_->currentRow();
+    if (row < 0 || table_->item(row, 0) == nullptr) {
+        return std::nullopt;
+    }
+    return static_cast<std::int16_t>(table_->item(row, 0)->data(Qt::UserRole).toInt());
+}
+
 void NodeListWindow::OpenSelected() {
     const std::optional<session::PartitionKey> shown = ShownPartition();
-    const int row = table_->currentRow();
-    if (!shown || row < 0 || table_->item(row, 0) == nullptr) {
+    const std::optional<std::int16_t> number = SelectedNumber();
+    if (!shown || !number) {
         return;
     }
-    const auto number = static_cast<std::int16_t>(table_->item(row, 0)->data(Qt::UserRole).toInt());
-    openNode_(*shown, number);
+    openNode_(*shown, *number);
     Refresh();
-    SelectNumber(number);
 }
 
 void NodeListWindow::NewNode() {

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -45,9 +46,13 @@ public:
 
 private:
     void BuildMenus();
-    void FillPartitions();
+    // Fills the partition chooser for the chosen configuration, choosing
+    // `preferred` when it is there, and reads that partition's nodes.
+    void FillPartitions(std::optional<std::int16_t> preferred);
+    void ReadNodes();
     void FillTable();
     void SelectNumber(std::int16_t number);
+    std::optional<std::int16_t> SelectedNumber() const;
     std::optional<session::PartitionKey> ShownPartition() const;
     // Runs a database step; an error is shown in one box and answers false.
     bool Guarded(const std::function<void()>& step);
