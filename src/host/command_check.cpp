@@ -4,59 +4,45 @@
 #include "database/database.h"
 #include "directory/directory_report.h"
 #include "host/host_command.h"
+#include "host/key_argument.h"
 #include "session/directory_check.h"
 
-#include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <iostream>
-#include <optional>
-#include <string>
 
 namespace dbn::host {
 namespace {
 
-constexpr const char* kCheckUsage = "check [--data-root DIR] CONFIG PARTITION NODE [--json]";
 constexpr int kSomeUnreachable = 4;
 
-std::optional<std::int16_t> ParseNodeKey(const std::string& text) {
-    std::int16_t value = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (error != std::errc() || stop != end) {
-        return std::nullopt;
-    }
-    return value;
-}
-
-int RunCheck(std::vector<std::string> args) {
-    if (!TakeDataRootOption(args)) {
-        return 2;
-    }
-    const auto json = std::find(args.begin(), args.end(), "--json");
-    const bool asJson = json != args.end();
-    if (asJson) {
-        args.erase(json);
-    }
-    std::optional<std::int16_t> keys[3];
-    bool valid = args.size() == 3;
-    for (std::size_t i = 0; valid && i < 3; ++i) {
-        keys[i] = ParseNodeKey(args[i]);
-        valid = keys[i].has_value();
-    }
-    if (!valid) {
-        std::cerr << "usage: dbn-node-editor " << kCheckUsage << "\n";
-        return 2;
-    }
+int RunCheck(const CommandArgs& args) {
+    const std::int16_t config = KeyArgument("CONFIG", args.Positionals()[0]);
+    const std::int16_t partition = KeyArgument("PARTITION", args.Positionals()[1]);
+    const std::int16_t node = KeyArgument("NODE", args.Positionals()[2]);
 
     DataBase db;
-    const directory::DirectoryReport report =
-        session::CheckStoredNode(db, *keys[0], *keys[1], *keys[2]);
-    std::cout << (asJson ? directory::ReportJson(report) : directory::ReportText(report));
-    return report.ReachableCount() == report.Total() ? 0 : kSomeUnreachable;
+    const directory::DirectoryReport report = session::CheckStoredNode(db, config, partition, node);
+    std::cout << (args.IsSet("json") ? directory::ReportJson(report)
+                                     : directory::ReportText(report));
+    return report.ReachableCount() == report.Total() ? kExitOk : kSomeUnreachable;
 }
 
-const HostCommandRegistration kCheck(HostCommand{"check", kCheckUsage, RunCheck});
+HostCommand CheckCommand() {
+    HostCommand command;
+    command.name = "check";
+    command.summary = "tell for every name in a node's directory whether callers can reach it";
+    command.options = {{"json", "", "print the report as one JSON document"}};
+    command.arguments = {{"CONFIG", "configuration ID, a whole number from -32768 to 32767"},
+                         {"PARTITION", "partition ID, a whole number from -32768 to 32767"},
+                         {"NODE", "node number, a whole number from -32768 to 32767"}};
+    command.exitCodes = {{kExitOk, "every name of the directory is reachable"},
+                         {kExitFailed, "failed: no database, no such node or directory"},
+                         {kSomeUnreachable, "some names of the directory are unreachable"}};
+    command.run = RunCheck;
+    return command;
+}
+
+const HostCommandRegistration kCheck(CheckCommand());
 
 }  // namespace
 }  // namespace dbn::host

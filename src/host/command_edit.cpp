@@ -1,57 +1,25 @@
-// The "edit" sub-command: opens the editor window on one node. With
-// --screenshot it writes a picture of the loaded window instead and closes it
-// without saving, answering every box on the way, so that it runs unattended.
+// The "edit" command: opens the editor window on one node. With --screenshot
+// it writes a picture of the loaded window instead and closes it without
+// saving, answering every box on the way, so that it runs unattended.
 #include "core/component_factory.h"
 #include "form/gui.h"
+#include "host/gui_application.h"
 #include "host/host_command.h"
+#include "host/key_argument.h"
 #include "qt/form_view.h"
 #include "qt/qt_form_services.h"
 #include "session/business_rules.h"
 #include "session/component_registration.h"
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QMessageBox>
 #include <QPixmap>
 
-#include <charconv>
-#include <cstdint>
 #include <iostream>
-#include <optional>
 #include <string>
 
 namespace dbn::host {
 namespace {
-
-constexpr const char* kEditUsage =
-    "edit [--data-root DIR] [--screenshot FILE] CONFIG PARTITION NODE";
-
-std::optional<std::int16_t> ParseKey(const std::string& text) {
-    std::int16_t value = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (error != std::errc() || stop != end) {
-        return std::nullopt;
-    }
-    return value;
-}
-
-// Removes "--screenshot FILE" from args; false (after saying why) on a missing FILE.
-bool TakeScreenshotOption(std::vector<std::string>& args, std::optional<std::string>& file) {
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == "--screenshot") {
-            if (i + 1 >= args.size()) {
-                std::cerr << "error: --screenshot needs a file name\n";
-                return false;
-            }
-            file = args[i + 1];
-            args.erase(args.begin() + static_cast<long>(i),
-                       args.begin() + static_cast<long>(i) + 2);
-            return true;
-        }
-    }
-    return true;
-}
 
 // Prints a box to standard error and answers it: OK, or Cancel where it asks.
 void AnswerUnattended(QMessageBox& box) {
@@ -69,26 +37,15 @@ void AnswerUnattended(QMessageBox& box) {
     }
 }
 
-int RunEdit(std::vector<std::string> args) {
-    std::optional<std::string> screenshot;
-    if (!TakeDataRootOption(args) || !TakeScreenshotOption(args, screenshot)) {
-        return 2;
+int RunEdit(const CommandArgs& args) {
+    const std::optional<std::string> screenshot = ScreenshotFile(args);
+    const std::int16_t config = KeyArgument("CONFIG", args.Positionals()[0]);
+    const std::int16_t partition = KeyArgument("PARTITION", args.Positionals()[1]);
+    const std::int16_t node = KeyArgument("NODE", args.Positionals()[2]);
+    if (!ChooseDisplay(screenshot.has_value())) {
+        return kExitFailed;
     }
-    std::optional<std::int16_t> keys[3];
-    bool valid = args.size() == 3;
-    for (std::size_t i = 0; valid && i < 3; ++i) {
-        keys[i] = ParseKey(args[i]);
-        valid = keys[i].has_value();
-    }
-    if (!valid) {
-        std::cerr << "usage: dbn-node-editor " << kEditUsage << "\n";
-        return 2;
-    }
-
-    int argc = 1;
-    char name[] = "dbn-node-editor";
-    char* argv[] = {name, nullptr};
-    QApplication application(argc, argv);
+    const std::unique_ptr<QApplication> application = StartGuiApplication();
 
     qt::QtFormServices services;
     bool written = false;
@@ -97,7 +54,7 @@ int RunEdit(std::vector<std::string> args) {
         services.whenShown = [&](form::GUI& form, qt::FormView& view) {
             written = view.grab().save(QString::fromStdString(*screenshot), "PNG");
             if (!written) {
-                std::cerr << "error: cannot write " << *screenshot << "\n";
+                std::cerr << "dbn-node-editor: cannot write " << *screenshot << "\n";
             }
             form.cmdApply.SetEnabled(false);
             form.Unload();
@@ -105,19 +62,35 @@ int RunEdit(std::vector<std::string> args) {
     }
     RegisterEditorComponents(services);
     std::unique_ptr<Business_Rules> editor = CreateObjectAs<Business_Rules>(kBusinessRulesClass);
-    editor->ShowNodeEditor(*keys[0], *keys[1], *keys[2]);
+    editor->ShowNodeEditor(config, partition, node);
     // The database could not be opened: its one box has said why.
     if (editor->DatabaseUnavailable()) {
-        return 1;
+        return kExitFailed;
     }
     if (screenshot && !written) {
-        std::cerr << "error: no screenshot: the editor window was not shown\n";
-        return 1;
+        std::cerr << "dbn-node-editor: no screenshot: the editor window was not shown\n";
+        return kExitFailed;
     }
-    return 0;
+    return kExitOk;
 }
 
-const HostCommandRegistration kEdit(HostCommand{"edit", kEditUsage, RunEdit});
+HostCommand EditCommand() {
+    HostCommand command;
+    command.name = "edit";
+    command.summary = "open the editor window on one dial-by-name node";
+    command.options = {
+        {"screenshot", "FILE",
+         "write a picture of the loaded window to FILE (.png) and close it unsaved"}};
+    command.arguments = {{"CONFIG", "configuration ID, a whole number from -32768 to 32767"},
+                         {"PARTITION", "partition ID, a whole number from -32768 to 32767"},
+                         {"NODE", "node number, a whole number from -32768 to 32767"}};
+    command.exitCodes = {
+        {1, "failed: no display, no database, or the screenshot could not be written"}};
+    command.run = RunEdit;
+    return command;
+}
+
+const HostCommandRegistration kEdit(EditCommand());
 
 }  // namespace
 }  // namespace dbn::host

@@ -1,4 +1,4 @@
-// The "init" and "where" sub-commands: create the configuration database, and
+// The "init" and "where" commands: create the configuration database, and
 // tell where the editor looks for it.
 #include "core/component_error.h"
 #include "database/data_location.h"
@@ -11,61 +11,55 @@
 namespace dbn::host {
 namespace {
 
-constexpr const char* kInitUsage = "init [--data-root DIR] [--empty] [--force]";
-constexpr const char* kWhereUsage = "where [--data-root DIR]";
-
 std::string DatabasePath() {
     return DataSourceOf(BuildConnectionString());
 }
 
-int RunInit(std::vector<std::string> args) {
-    if (!TakeDataRootOption(args)) {
-        return 2;
-    }
-    bool empty = false;
-    bool force = false;
-    for (const std::string& arg : args) {
-        if (arg == "--empty") {
-            empty = true;
-        } else if (arg == "--force") {
-            force = true;
-        } else {
-            std::cerr << "init: unexpected argument: " << arg << "\nusage: dbn-node-editor "
-                      << kInitUsage << "\n";
-            return 2;
-        }
-    }
+int RunInit(const CommandArgs& args) {
     const std::string path = DatabasePath();
     try {
-        CreateConfigurationDatabase(path, !empty,
-                                    force ? ExistingDatabase::Replace : ExistingDatabase::Refuse);
+        CreateConfigurationDatabase(
+            path, !args.IsSet("empty"),
+            args.IsSet("force") ? ExistingDatabase::Replace : ExistingDatabase::Refuse);
     } catch (const ComponentError& error) {
         if (error.Number() != kErrDatabaseExists) {
             throw;
         }
         std::cerr << "error: " << error.Description()
                   << " Use --force to replace it with a new one.\n";
-        return 1;
+        return kExitFailed;
     }
     std::cout << path << "\n";
-    return 0;
+    return kExitOk;
 }
 
-int RunWhere(std::vector<std::string> args) {
-    if (!TakeDataRootOption(args)) {
-        return 2;
-    }
-    if (!args.empty()) {
-        std::cerr << "where: unexpected argument: " << args.front() << "\nusage: dbn-node-editor "
-                  << kWhereUsage << "\n";
-        return 2;
-    }
+int RunWhere(const CommandArgs&) {
     std::cout << DatabasePath() << "\n";
-    return 0;
+    return kExitOk;
 }
 
-const HostCommandRegistration kInit(HostCommand{"init", kInitUsage, RunInit});
-const HostCommandRegistration kWhere(HostCommand{"where", kWhereUsage, RunWhere});
+HostCommand InitCommand() {
+    HostCommand command;
+    command.name = "init";
+    command.summary = "create the configuration database with the demo nodes, and print its path";
+    command.options = {{"empty", "", "create the tables without the demo content"},
+                       {"force", "", "replace a database that already exists"}};
+    command.exitCodes = {{1, "the database exists (without --force) or could not be written"}};
+    command.run = RunInit;
+    return command;
+}
+
+const HostCommandRegistration kInit(InitCommand());
+
+HostCommand WhereCommand() {
+    HostCommand command;
+    command.name = "where";
+    command.summary = "print the path of the configuration database the editor opens";
+    command.run = RunWhere;
+    return command;
+}
+
+const HostCommandRegistration kWhere(WhereCommand());
 
 }  // namespace
 }  // namespace dbn::host

@@ -1,77 +1,36 @@
-// dbn-node-editor: creates, inspects, scripts and edits the dial-by-name
-// nodes of a configuration database.
+// dbn-node-editor: lists, creates, inspects, scripts and edits the
+// dial-by-name nodes of a configuration database.
+#include "core/component_error.h"
 #include "host/host_command.h"
 
-#include "core/component_error.h"
-#include "database/data_location.h"
+#include <QString>
+#include <QtGlobal>
 
+#include <cstdlib>
 #include <iostream>
 
-namespace dbn::host {
 namespace {
 
-std::vector<HostCommand>& Registry() {
-    static std::vector<HostCommand> commands;
-    return commands;
-}
-
-void PrintUsage(std::ostream& out) {
-    out << "usage:\n";
-    for (const HostCommand& command : Registry()) {
-        out << "  dbn-node-editor " << command.usage << "\n";
+// The toolkit's own warnings ("QStandardPaths: XDG_RUNTIME_DIR not set", font
+// and platform notes) mean nothing to an operator; only its fatal and
+// critical messages reach standard error, unless DBN_QT_MESSAGES is set.
+void QuietToolkitMessages(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type == QtCriticalMsg || type == QtFatalMsg || std::getenv("DBN_QT_MESSAGES") != nullptr) {
+        std::cerr << message.toStdString() << "\n";
     }
 }
 
 }  // namespace
 
-const std::vector<HostCommand>& HostCommands() {
-    return Registry();
-}
-
-HostCommandRegistration::HostCommandRegistration(HostCommand command) {
-    Registry().push_back(std::move(command));
-}
-
-bool TakeDataRootOption(std::vector<std::string>& args) {
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == "--data-root") {
-            if (i + 1 >= args.size()) {
-                std::cerr << "error: --data-root needs a folder\n";
-                return false;
-            }
-            SetDataRootOverride(args[i + 1]);
-            args.erase(args.begin() + static_cast<long>(i),
-                       args.begin() + static_cast<long>(i) + 2);
-            return true;
-        }
-    }
-    return true;
-}
-
-}  // namespace dbn::host
-
 int main(int argc, char** argv) {
-    using namespace dbn::host;
-    std::vector<std::string> args(argv + 1, argv + argc);
-    if (args.empty() || args[0] == "--help" || args[0] == "-h") {
-        PrintUsage(args.empty() ? std::cerr : std::cout);
-        return args.empty() ? 2 : 0;
+    qInstallMessageHandler(QuietToolkitMessages);
+    const std::vector<std::string> args(argv + 1, argv + argc);
+    try {
+        return dbn::host::RunProgram(args);
+    } catch (const dbn::ComponentError& error) {
+        std::cerr << "dbn-node-editor: " << error.Description() << "\n";
+    } catch (const std::exception& error) {
+        std::cerr << "dbn-node-editor: " << error.what() << "\n";
     }
-    for (const HostCommand& command : HostCommands()) {
-        if (command.name == args[0]) {
-            args.erase(args.begin());
-            try {
-                return command.run(args);
-            } catch (const dbn::ComponentError& error) {
-                std::cerr << "error: " << error.Description() << "\n";
-                return 1;
-            } catch (const std::exception& error) {
-                std::cerr << "error: " << error.what() << "\n";
-                return 1;
-            }
-        }
-    }
-    std::cerr << "unknown command: " << args[0] << "\n";
-    PrintUsage(std::cerr);
-    return 2;
+    return dbn::host::kExitFailed;
 }

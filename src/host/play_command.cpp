@@ -10,35 +10,45 @@
 namespace dbn::host {
 namespace {
 
-int RunPlay(const std::vector<std::string>& arguments) {
-    std::vector<std::string> args = arguments;
-    if (!TakeDataRootOption(args)) {
-        return kRunScriptError;
-    }
-    if (args.size() != 1) {
-        std::cerr << "usage: dbn-node-editor play [--data-root DIR] SCRIPT\n";
-        return kRunScriptError;
-    }
+int RunPlay(const CommandArgs& args) {
+    const std::string& script = args.Positionals()[0];
     Player player(std::cout, std::cerr);
-    if (args[0] == "-") {
+    if (script == "-") {
         return player.Run(std::cin);
     }
     std::error_code error;
     std::ifstream file;
     // A folder opens as a file but reads nothing: refuse it as unreadable.
-    if (!std::filesystem::is_directory(args[0], error)) {
-        file.open(args[0]);
+    if (!std::filesystem::is_directory(script, error)) {
+        file.open(script);
     }
     if (!file.is_open() || !file) {
-        std::cerr << "error: cannot read " << args[0] << "\n";
+        std::cerr << "error: cannot read " << script << "\n";
         return kRunScriptError;
     }
     return player.Run(file);
 }
 
-const HostCommandRegistration registration{
-    {"play", "play [--data-root DIR] SCRIPT", RunPlay},
-};
+HostCommand PlayCommand() {
+    HostCommand command;
+    command.name = "play";
+    command.summary = "operate the editor from a script of operator actions, without a display";
+    command.arguments = {{"SCRIPT", "the script file, one action a line; - reads standard input"}};
+    command.exitCodes = {{kRunCompleted,
+                          "the script ran to its end, no \"Error\" box was shown and every save "
+                          "asked for committed or was declined by an answer"},
+                         {kRunUnanswered, "a box asked a question that the script did not answer"},
+                         {kRunScriptError,
+                          "a script error: wrong line, control, entry or answer, or a SCRIPT "
+                          "that cannot be read"},
+                         {kRunFailed,
+                          "the script ran to its end, but an \"Error\" box was shown, the database "
+                          "could not be opened or the database refused a save"}};
+    command.run = RunPlay;
+    return command;
+}
+
+const HostCommandRegistration kPlay(PlayCommand());
 
 }  // namespace
 }  // namespace dbn::host

@@ -1,6 +1,7 @@
 #include "qt/form_view.h"
 
 #include "form/controls/operator_input.h"
+#include "qt/accessible_names.h"
 #include "qt/binding_factory.h"
 #include "qt/directory_check_window.h"
 #include "qt/form_fonts.h"
@@ -45,6 +46,7 @@ FormView::FormView(form::GUI& form, QWidget* parent)
     setFont(FormFont());
     setSizeGripEnabled(false);
     Build();
+    NameControls(bindings_);
     StackBySize();
     SetTabOrder();
     FollowWidth();

@@ -2,6 +2,7 @@
 
 #include "form/controls/operator_input.h"
 
+#include <QAbstractItemView>
 #include <QLineEdit>
 #include <QSignalBlocker>
 
@@ -20,6 +21,12 @@ ListBinding::ListBinding(form::ListControl& list, QComboBox& combo, const TwipsS
     combo.setEditable(list.IsEditable());
     combo.setMaxVisibleItems(8);
     WatchFocus(combo);
+    // An editable list whose text was written without picking an entry has
+    // no current entry; its drop-down opens on the entry of that text.
+    Hook(*combo.view()->window(), QEvent::Show, [this](QEvent&) {
+        HighlightShownEntry();
+        return false;
+    });
     QObject::connect(&combo, &QComboBox::activated, Context(), [this](int index) {
         Input([this, index] { return form::operator_input::Pick(list_, index); });
     });
@@ -86,6 +93,16 @@ void ListBinding::SyncSelection() {
         combo_.setCurrentIndex(list_.ListIndex());
     }
     SyncText();
+}
+
+void ListBinding::HighlightShownEntry() {
+    if (combo_.currentIndex() >= 0 || combo_.lineEdit() == nullptr) {
+        return;
+    }
+    const int shown = combo_.findText(combo_.lineEdit()->text(), Qt::MatchFixedString);
+    if (shown >= 0) {
+        combo_.view()->setCurrentIndex(combo_.model()->index(shown, combo_.modelColumn()));
+    }
 }
 
 void ListBinding::SyncText() {

@@ -20,6 +20,7 @@ private:
     void SyncEntries();
     void SyncSelection();
     void SyncText();
+    void HighlightShownEntry();
 
     form::ListControl& list_;
     QComboBox& combo_;

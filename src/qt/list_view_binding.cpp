@@ -2,6 +2,7 @@
 
 #include "form/controls/operator_input.h"
 #include "form/in_place_pickers.h"
+#include "qt/focus_frame.h"
 #include "qt/form_fonts.h"
 #include "qt/qt_children.h"
 
@@ -36,6 +37,16 @@ public:
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override {
         QStyledItemDelegate::paint(painter, option, index);
+        // The current row of the focused list gets a line above and below in
+        // the highlight's dark shade, as the focused field elsewhere does.
+        if (option.state.testFlag(QStyle::State_HasFocus)) {
+            painter->save();
+            painter->setPen(
+                option.palette.color(QPalette::Active, QPalette::Highlight).darker(160));
+            painter->drawLine(option.rect.topLeft(), option.rect.topRight());
+            painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
+            painter->restore();
+        }
         if (!gridLines) {
             return;
         }
@@ -79,6 +90,7 @@ ListViewBinding::ListViewBinding(form::ListView& list, QTreeWidget& tree, const 
       tree_(tree),
       grid_(MakeChild<GridDelegate>(tree)) {
     tree.setItemDelegate(&grid_);
+    new FocusFrame(tree);  // owned by the tree
     tree.setRootIsDecorated(false);
     tree.setIndentation(0);
     tree.setUniformRowHeights(true);
@@ -119,7 +131,10 @@ ListViewBinding::ListViewBinding(form::ListView& list, QTreeWidget& tree, const 
         return false;
     });
     QObject::connect(tree.verticalScrollBar(), &QScrollBar::valueChanged, Context(),
-                     [this] { Input([this] { return form::operator_input::Scroll(list_); }); });
+                     [this](int value) {
+                         scrollValue_ = value;
+                         Input([this] { return form::operator_input::Scroll(list_); });
+                     });
 
     list.SetRowGeometry(
         [this](const form::ListView&, int position) { return RowPosition(position); });
@@ -138,10 +153,12 @@ void ListViewBinding::Sync(form::ChangeAspect aspect) {
             SyncColumns();
             SyncRows();
             SyncSelection();
+            KeepScrollPosition();
             break;
         case form::ChangeAspect::Rows:
             SyncRows();
             SyncSelection();
+            KeepScrollPosition();
             break;
         case form::ChangeAspect::Selection:
             SyncSelection();
@@ -200,8 +217,26 @@ void ListViewBinding::SyncRows() {
             item->setTextAlignment(column, alignment);
         }
     }
-    if (list_.EnsuredVisible() >= 0 && list_.EnsuredVisible() < rows) {
-        tree_.scrollToItem(tree_.topLevelItem(list_.EnsuredVisible()));
+    // The list scrolls only when asked to, once per request: a row change
+    // after the operator scrolled leaves the rows where they are.
+    if (list_.EnsureVisibleRequests() != scrollRequestsDone_) {
+        scrollRequestsDone_ = list_.EnsureVisibleRequests();
+        if (list_.EnsuredVisible() >= 0 && list_.EnsuredVisible() < rows) {
+            tree_.scrollToItem(tree_.topLevelItem(list_.EnsuredVisible()));
+        }
+        scrollValue_ = tree_.verticalScrollBar()->value();
+    }
+}
+
+void ListViewBinding::KeepScrollPosition() {
+    // Columns dropped and added again while a row is clicked make the
+    // horizontal scroll bar come and go, and with it the vertical range,
+    // which clamps the position; the rows go back to where the operator left
+    // them.
+    QScrollBar& scroll = *tree_.verticalScrollBar();
+    if (scroll.value() != scrollValue_) {
+        tree_.doItemsLayout();
+        scroll.setValue(scrollValue_);
     }
 }
 

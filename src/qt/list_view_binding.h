@@ -26,6 +26,7 @@ private:
     void SyncColumns();
     void SyncRows();
     void SyncSelection();
+    void KeepScrollPosition();
     void ClickRow(QTreeWidgetItem* item);
     form::RowPosition RowPosition(int position) const;
 
@@ -34,6 +35,10 @@ private:
     GridDelegate& grid_;
     // Between a mouse press on the rows and its release.
     bool mousePressed_ = false;
+    // The model's EnsureVisible requests the tree has followed.
+    int scrollRequestsDone_ = 0;
+    // Where the operator, or a request of the model, last scrolled the rows.
+    int scrollValue_ = 0;
 };
 
 }  // namespace dbn::qt

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QEventLoop>
+#include <QIcon>
 #include <QPushButton>
 #include <QTimer>
 
@@ -62,6 +63,15 @@ private:
     FormView* previous_;
 };
 
+// The editor's boxes and its question about a missing node look alike: plain
+// captions, no pictures on the buttons, whatever the platform's style adds to
+// its standard buttons.
+void PlainButtons(QMessageBox& box) {
+    for (QAbstractButton* button : box.buttons()) {
+        button->setIcon(QIcon());
+    }
+}
+
 }  // namespace
 
 QtFormServices::~QtFormServices() {
@@ -84,6 +94,7 @@ int QtFormServices::MsgBox(const std::string& text, form::MsgBoxButtons buttons,
                                            QMessageBox::Cancel);
     QMessageBox box(IconOf(icon), QString::fromStdString(title), DialogText(text), shown, view_);
     box.setEscapeButton(buttons == form::MsgBoxButtons::OK ? QMessageBox::Ok : QMessageBox::Cancel);
+    PlainButtons(box);
     Run(box);
     if (box.clickedButton() == nullptr) {
         return buttons == form::MsgBoxButtons::OK ? form::kAnswerOK : form::kAnswerCancel;
@@ -106,6 +117,7 @@ long QtFormServices::Confirm(const std::string& text, const std::string& title) 
     }
     // Closing the dialog is its cancel.
     box.setEscapeButton(answers.back().first);
+    PlainButtons(box);
     Run(box);
     for (const auto& [button, code] : answers) {
         if (box.clickedButton() == button) {

@@ -74,7 +74,32 @@ void LabelBinding::Sync(form::ChangeAspect aspect) {
         if (widget_.height() < lineHeight) {
             widget_.resize(widget_.width(), lineHeight);
         }
+        CentreOnField();
     }
+}
+
+void LabelBinding::AlignWith(QWidget& field) {
+    field_ = &field;
+    Hook(field, QEvent::Move, [this](QEvent&) {
+        CentreOnField();
+        return false;
+    });
+    Hook(field, QEvent::Resize, [this](QEvent&) {
+        CentreOnField();
+        return false;
+    });
+    CentreOnField();
+}
+
+void LabelBinding::CentreOnField() {
+    if (field_ == nullptr) {
+        return;
+    }
+    // The field draws its text in its vertical middle; the label takes the
+    // field's top and height and draws its text in the middle too.
+    const QRect model = Scale().ToPixels(label_.Bounds());
+    widget_.setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    widget_.setGeometry(model.x(), field_->y(), model.width(), field_->height());
 }
 
 // ---- Button -----------------------------------------------------------------

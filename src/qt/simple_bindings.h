@@ -27,12 +27,19 @@ class LabelBinding : public ControlBinding {
 public:
     LabelBinding(form::Label& label, QLabel& widget, const TwipsScale& scale);
 
+    // Centres a one-line label on the text line of the field beside it,
+    // from now on whenever either moves.
+    void AlignWith(QWidget& field);
+
 protected:
     void Sync(form::ChangeAspect aspect) override;
 
 private:
+    void CentreOnField();
+
     form::Label& label_;
     QLabel& widget_;
+    QPointer<QWidget> field_;
 };
 
 // A button with its caption or its navigation picture; a click is a Press.

@@ -39,6 +39,9 @@ public:
         } else if (icon == MsgBoxIcon::Question) {
             iconCode = CVL_DBN_ICON_QUESTION;
         }
+        if (title == "Error" && !shown_) {
+            failedToStart_ = true;
+        }
         return callbacks_.msg_box(callbacks_.user, text.c_str(), buttonCode, iconCode,
                                   title.c_str());
     }
@@ -60,8 +63,10 @@ public:
     }
 
     void ShowModal(GUI& form) override {
+        shown_ = true;
         cvl_dbn_form handle{&form};
         if (callbacks_.run_modal != nullptr) {
+            inModalRun_ = true;
             callbacks_.run_modal(callbacks_.user, &handle);
         }
         if (form.IsLoaded()) {
@@ -72,13 +77,36 @@ public:
     }
 
     void EndModal(GUI&) override {
-        if (callbacks_.end_modal != nullptr) {
+        // Only a modal run of the host ends: not a form unloaded unseen (a
+        // missing node), nor one shown without run_modal.
+        const bool ending = inModalRun_;
+        inModalRun_ = false;
+        if (ending && callbacks_.end_modal != nullptr) {
             callbacks_.end_modal(callbacks_.user);
         }
     }
 
+    // Before a ShowNodeEditor call: nothing shown, nothing failed yet.
+    void StartSession() noexcept {
+        shown_ = false;
+        inModalRun_ = false;
+        failedToStart_ = false;
+    }
+    // The status cvl_dbn_show_node_editor answers for the call just ended.
+    int SessionStatus() const noexcept {
+        if (shown_) {
+            return CVL_DBN_SHOWN;
+        }
+        return failedToStart_ ? CVL_DBN_NOT_STARTED : CVL_DBN_NOT_EDITABLE;
+    }
+
 private:
     cvl_dbn_callbacks callbacks_;
+    bool shown_ = false;
+    // Between run_modal's call and the form's end.
+    bool inModalRun_ = false;
+    // An "Error" box came before the form was shown: the editor could not start.
+    bool failedToStart_ = false;
 };
 
 template <class T>
@@ -133,15 +161,17 @@ cvl_dbn_editor* cvl_dbn_create(const cvl_dbn_callbacks* callbacks) {
 int cvl_dbn_show_node_editor(cvl_dbn_editor* editor, int16_t config_id, int16_t partition_id,
                              int16_t node_number) {
     if (editor == nullptr) {
-        return 0;
+        return CVL_DBN_NOT_STARTED;
     }
     try {
         // The editor creates its question dialog by name, for its own callbacks.
         dbn::RegisterEditorComponents(editor->services);
         registeredServices = &editor->services;
-        return editor->rules->ShowNodeEditor(config_id, partition_id, node_number) ? 1 : 0;
+        editor->services.StartSession();
+        editor->rules->ShowNodeEditor(config_id, partition_id, node_number);
+        return editor->services.SessionStatus();
     } catch (...) {
-        return 0;
+        return CVL_DBN_NOT_STARTED;
     }
 }
 

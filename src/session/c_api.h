@@ -10,7 +10,7 @@
  *   callbacks.confirm = my_confirm;      // required
  *   callbacks.run_modal = my_run_modal;  // optional, see below
  *   cvl_dbn_editor* editor = cvl_dbn_create(&callbacks);
- *   cvl_dbn_show_node_editor(editor, 1, 2, 5);   // returns when the form closes
+ *   int status = cvl_dbn_show_node_editor(editor, 1, 2, 5);  // when it closes
  *   cvl_dbn_release(editor);
  *
  * Everything runs on the calling thread. No C++ exception leaves these
@@ -46,6 +46,13 @@ enum {
     CVL_DBN_CONFIRM_NO = 7
 };
 
+/* What cvl_dbn_show_node_editor answers. */
+enum {
+    CVL_DBN_SHOWN = 0,         /* the editor was shown and has closed */
+    CVL_DBN_NOT_EDITABLE = 1,  /* the node does not exist or cannot be edited */
+    CVL_DBN_NOT_STARTED = -1   /* the editor could not start (e.g. no database) */
+};
+
 typedef struct cvl_dbn_editor cvl_dbn_editor;
 /* The editor form while it is shown; valid only inside run_modal. */
 typedef struct cvl_dbn_form cvl_dbn_form;
@@ -71,7 +78,8 @@ typedef struct cvl_dbn_callbacks {
      * closes the form, as if the operator had abandoned it. Optional. */
     void (*run_modal)(void* user, cvl_dbn_form* form);
     /* The form has closed (it may be called from inside run_modal, when an
-     * action of the host closed it). Optional. */
+     * action of the host closed it). Called only after run_modal was: never
+     * for a form that was not shown, nor when run_modal is NULL. Optional. */
     void (*end_modal)(void* user);
 } cvl_dbn_callbacks;
 
@@ -81,7 +89,11 @@ typedef struct cvl_dbn_callbacks {
 cvl_dbn_editor* cvl_dbn_create(const cvl_dbn_callbacks* callbacks);
 
 /* Loads, fills and shows the editor for one node; returns when the form
- * closes. Always 0 (false): every effect is in the database. */
+ * closes. Every effect is in the database. Answers CVL_DBN_SHOWN (0) when
+ * the editor was shown and closed, CVL_DBN_NOT_EDITABLE (1) when the node
+ * does not exist or cannot be edited (the host was told in a box), and
+ * CVL_DBN_NOT_STARTED (-1) when the editor could not start, for example when
+ * the database could not be opened (also told in a box), or for a NULL editor. */
 int cvl_dbn_show_node_editor(cvl_dbn_editor* editor, int16_t config_id, int16_t partition_id,
                              int16_t node_number);
 

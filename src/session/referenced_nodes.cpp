@@ -9,108 +9,19 @@
 #include "session/business_rules.h"
 #include "session/confirmation_dialog.h"
 #include "session/form_references.h"
-#include "session/modification_time.h"
+#include "session/node_templates.h"
 #include "session/transaction_scope.h"
 
-#include <array>
-#include <charconv>
-#include <cstdio>
 #include <exception>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace dbn {
 
 namespace {
 
-constexpr const char* kMessageTypeID = "0";
 constexpr const char* kDirectoryTypeID = "16";
 constexpr const char* kTemplateNumber = "0";
-
-// The type ID as a number, when the text holds one.
-std::optional<long> TypeNumber(std::string_view text) {
-    long value = 0;
-    auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size()) {
-        return std::nullopt;
-    }
-    return value;
-}
-
-// Types whose references carry no node to look up.
-bool IsNeverGathered(std::string_view typeID) {
-    std::optional<long> type = TypeNumber(typeID);
-    return type == 814 || type == 816 || type == 999;
-}
-
-// Types that follow the message type.
-bool FollowsMessageType(std::string_view typeID) {
-    std::optional<long> type = TypeNumber(typeID);
-    return type == 817 || type == 818;
-}
-
-// How a node of one type is copied: the commands after the node row's own
-// copy (detail rows), all taking new number, configuration, partition and
-// template number. The message type's copy takes a sound-file name as well.
-struct CopyPlan {
-    std::string_view typeID;
-    bool message = false;
-    std::vector<const char*> commands;
-};
-
-const std::vector<CopyPlan>& CopyPlans() {
-    static const std::vector<CopyPlan> plans = {
-        {"0", true, {}},
-        {"817", true, {}},
-        {"818", true, {}},
-        {"1", false, {"Duplicate_CMD_NODE", "Duplicate_Detail_CMD_NODE"}},
-        {"2", false, {"Duplicate_TIME_Node", "Duplicate_Detail_TIME_Node"}},
-        {"3", false, {"Duplicate_DATE_Node", "Duplicate_Detail_DATE_Node"}},
-        {"4", false, {"Duplicate_XFER_Node"}},
-        {"6",
-         false,
-         {"Duplicate_DTMF_Node", "Duplicate_DetailPrompts_DTMF_Node",
-          "Duplicate_DetailActions_DTMF_Node"}},
-        {"7",
-         false,
-         {"Duplicate_VOX_Node", "Duplicate_DetailPrompts_VOX_Node",
-          "Duplicate_DetailActions_VOX_Node"}},
-        {"8", false, {"Duplicate_LIST_Node", "Duplicate_Detail_LIST_Node"}},
-        {"9",
-         false,
-         {"Duplicate_AUTO_Node", "Duplicate_DetailPrompts_AUTO_Node",
-          "Duplicate_DetailActions_AUTO_Node"}},
-        {"12", false, {"Duplicate_PAAS_Node", "Duplicate_Detail_PAAS_Node"}},
-        {"13", false, {"Duplicate_TABLE_Node", "Duplicate_DetailActions_TABLE_Node"}},
-        {"15", false, {"Duplicate_DBN_Node", "Duplicate_DetailPrompts_DBN_Node"}},
-        {"16", false, {"Duplicate_DIR_Node", "Duplicate_Detail_DIR_Node"}},
-    };
-    return plans;
-}
-
-const CopyPlan* FindCopyPlan(std::string_view typeID) {
-    for (const CopyPlan& plan : CopyPlans()) {
-        if (plan.typeID == typeID) {
-            return &plan;
-        }
-    }
-    return nullptr;
-}
-
-// "P" + partition (two digits at least) + "M" + node number (three digits at
-// least) + ".wav".
-std::string SoundFileName(std::int16_t partition, const std::string& number) {
-    std::optional<long> value = TypeNumber(number);
-    if (!value) {
-        RaiseError(13, "Type mismatch");
-    }
-    std::array<char, 48> name{};
-    int length = std::snprintf(name.data(), name.size(), "P%02dM%03ld.wav",
-                               static_cast<int>(partition), *value);
-    return std::string(name.data(), static_cast<std::size_t>(length));
-}
 
 // Copies made one after another with no word to the operator in between
 // share one transaction, since a commit costs far more than a copy. The
@@ -180,12 +91,12 @@ private:
 
 // The highest node number the partition allows for a type, when it is known.
 std::optional<long> LimitOf(form::GUI& gui, const std::string& typeID) {
-    const std::string key = FollowsMessageType(typeID) ? kMessageTypeID : typeID;
+    const std::string key = session::LookedUpTypeID(typeID);
     form::KeyedCollection& limits = gui.MaxNodeNumberCollection();
     if (!limits.Contains(key)) {
         return std::nullopt;
     }
-    return TypeNumber(limits.Item(key));
+    return session::WholeNumber(limits.Item(key));
 }
 
 std::string MissingNodeQuestion(const std::string& key) {
@@ -198,19 +109,14 @@ std::string MissingNodeQuestion(const std::string& key) {
 void Business_Rules::AddNodeTolstRequired(std::string key, std::string typeID, std::string number) {
     form::GUI& gui = Form();
     form::RunTrapped(services_, "AddNodeTolstRequired", [&] {
-        if (IsNeverGathered(typeID)) {
+        std::optional<session::RequiredNode> node =
+            session::GatheredReference(std::move(key), std::move(typeID), std::move(number));
+        if (!node || gui.lstNodeTypeName.FindExact(node->key) >= 0) {
             return;
         }
-        if (FollowsMessageType(typeID)) {
-            typeID = kMessageTypeID;
-            key = "MSG " + number;
-        }
-        if (gui.lstNodeTypeName.FindExact(key) >= 0) {
-            return;
-        }
-        gui.lstNodeTypeName.AddItem(key);
-        gui.lstNodeTypeID.AddItem(typeID);
-        gui.lstNodeNumber.AddItem(number);
+        gui.lstNodeTypeName.AddItem(node->key);
+        gui.lstNodeTypeID.AddItem(node->typeID);
+        gui.lstNodeNumber.AddItem(node->number);
     });
 }
 
@@ -218,49 +124,22 @@ bool Business_Rules::IsNodeExisted(std::string typeID, std::string number) {
     form::GUI& gui = Form();
     bool exists = false;
     form::RunTrapped(services_, "IsNodeExisted", [&] {
-        if (FollowsMessageType(typeID)) {
-            typeID = kMessageTypeID;
-        }
-        db_.Execute("Get_Description", {std::to_string(gui.ConfigID()),
-                                        std::to_string(gui.PartitionID()), typeID, number});
-        RowSet& found = db_.Recordset("Get_Description");
-        exists = !found.Eof();
-        found.Close();
+        exists =
+            session::NodeExists(db_, gui.ConfigID(), gui.PartitionID(), std::move(typeID), number);
     });
     return exists;
 }
 
 bool Business_Rules::AutoCreateNode(std::string templateNumber, std::string newNumber,
                                     std::string typeID) {
-    const CopyPlan* plan = FindCopyPlan(typeID);
-    if (plan == nullptr) {
-        return false;
-    }
     form::GUI& gui = Form();
-    const std::string config = std::to_string(gui.ConfigID());
-    const std::string partition = std::to_string(gui.PartitionID());
-
     // The node row, its detail rows and its pool row are created together;
-    // a template without a node row in its type's table creates nothing.
+    // a template without a node row creates nothing.
     TransactionScope transaction(db_);
-    long nodeRows = 0;
-    if (plan->message) {
-        typeID = kMessageTypeID;
-        nodeRows = db_.Execute("Duplicate_MSG_NODE",
-                               {newNumber, SoundFileName(gui.PartitionID(), newNumber), config,
-                                partition, templateNumber});
-    }
-    for (const char* command : plan->commands) {
-        const long rows = db_.Execute(command, {newNumber, config, partition, templateNumber});
-        if (command == plan->commands.front()) {
-            nodeRows = rows;
-        }
-    }
-    if (nodeRows == 0) {
+    if (!session::CopyTemplateNode(db_, gui.ConfigID(), gui.PartitionID(), templateNumber,
+                                   newNumber, std::move(typeID))) {
         return false;
     }
-    db_.Execute("Duplicate_Node_In_General_Pool",
-                {newNumber, CurrentModificationTime(), config, partition, templateNumber, typeID});
     transaction.Commit();
     return true;
 }
@@ -322,10 +201,10 @@ void Business_Rules::CheckForUnReferencedNodes() {
             }
             // Numbers above the partition's limit for the type cannot be made.
             if (const std::optional<long> limit = LimitOf(gui, typeID);
-                limit && TypeNumber(number).value_or(0) > *limit) {
+                limit && session::WholeNumber(number).value_or(0) > *limit) {
                 copies.Commit();
-                const std::string code = gui.NodeNameCollection().Item(
-                    FollowsMessageType(typeID) ? kMessageTypeID : typeID);
+                const std::string code =
+                    gui.NodeNameCollection().Item(session::LookedUpTypeID(typeID));
                 gui.ShowInformation(key + " could not be created: the partition allows " + code +
                                     " nodes up to " + std::to_string(*limit) + ".");
                 continue;
@@ -337,7 +216,7 @@ void Business_Rules::CheckForUnReferencedNodes() {
                 services_.SetBusyCursor(true);
             }
             if (answer == form::kConfirmYes || answer == form::kConfirmYesToAll) {
-                if (FindCopyPlan(typeID) == nullptr) {
+                if (!session::CanCopyNodeType(typeID)) {
                     copies.Commit();
                     gui.ShowInformation(key +
                                         " could not be created: its type cannot be created here.");

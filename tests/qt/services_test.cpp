@@ -4,6 +4,7 @@
 #include "window_support.h"
 
 #include <QAbstractButton>
+#include <QProxyStyle>
 #include <QPushButton>
 
 #include <algorithm>
@@ -42,6 +43,34 @@ protected:
     QMessageBox::Icon icon = QMessageBox::NoIcon;
     std::vector<std::string> captions;
 };
+
+// A style that puts pictures on standard dialog buttons, as some desktops do.
+class ButtonsWithIcons : public QProxyStyle {
+public:
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override {
+        return hint == SH_DialogButtonBox_ButtonsHaveIcons
+                   ? 1
+                   : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
+
+TEST_F(ServicesTest, MessageBoxesAndTheMissingNodeQuestionLookAlike) {
+    const QString previous = QApplication::style()->name();
+    QApplication::setStyle(new ButtonsWithIcons);  // the application owns it
+    int withIcons = 0;
+    services.whenAsked = [&](QMessageBox& box) {
+        for (QAbstractButton* button : box.buttons()) {
+            withIcons += button->icon().isNull() ? 0 : 1;
+        }
+        box.escapeButton()->click();
+    };
+    services.MsgBox("t", MsgBoxButtons::YesNoCancel, MsgBoxIcon::Question, "Confirmation");
+    services.MsgBox("t", MsgBoxButtons::OK, MsgBoxIcon::Information, "Information");
+    services.Confirm("MSG 12 is referenced but it does not exist.", "Confirmation");
+    QApplication::setStyle(previous);
+    EXPECT_EQ(withIcons, 0);
+}
 
 TEST_F(ServicesTest, MessageBoxesShowTheModelsBoxAndAnswerItsCodes) {
     AnswerWith("No");

@@ -3,6 +3,7 @@
 
 #include "window_support.h"
 
+#include <QAbstractItemView>
 #include <QHeaderView>
 #include <QPushButton>
 #include <QScrollBar>
@@ -152,6 +153,86 @@ TEST_F(EditorWindowTest, ScrollingTheConfirmationListHidesItsPickers) {
         tree.verticalScrollBar()->setValue(1);
         EXPECT_FALSE(form.cmbConfirmNode.Visible());
         EXPECT_FALSE(view.WidgetOf("cmbConfirmNode")->isVisible());
+    });
+}
+
+// Wherever the confirmation list is scrolled, a click edits the row clicked:
+// the list stays where it is and the pickers lie over that row; in and out of
+// edit mode alike.
+TEST_F(EditorWindowTest, ARowScrolledIntoViewIsEditedWhereItIs) {
+    Open(1, [&](form::GUI& form, qt::FormView& view) {
+        auto& tree = WidgetOf<QTreeWidget>(view, "LVConfirm");
+        QScrollBar& scroll = *tree.verticalScrollBar();
+        ASSERT_GT(scroll.maximum(), 0);
+        for (const bool editFirst : {false, true}) {
+            scroll.setValue(scroll.maximum());
+            const int scrolled = scroll.value();
+            const int last = tree.topLevelItemCount() - 1;
+            if (editFirst) {
+                ClickRow(tree, last);
+                WidgetOf<QPushButton>(view, "cmdConfirmEdit").click();
+            } else {
+                ClickRow(tree, last - 1);
+                ClickRow(tree, last);
+            }
+            EXPECT_EQ(scroll.value(), scrolled) << "edit first " << editFirst;
+            EXPECT_EQ(form.LVConfirm.SelectedItem(), &form.LVConfirm.ItemAt(last));
+            if (form.ConfirmEditMode) {
+                EXPECT_TRUE(view.WidgetOf("cmbConfirmNode")->isVisible());
+                EXPECT_TRUE(PickerOverRow(view, tree, last, "cmbConfirmNode"));
+            } else {
+                WidgetOf<QPushButton>(view, "cmdConfirmEdit").click();
+                EXPECT_EQ(scroll.value(), scrolled);
+                EXPECT_TRUE(PickerOverRow(view, tree, last, "cmbConfirmNode"));
+            }
+            WidgetOf<QPushButton>(view, "cmdConfirmEdit").click();  // edit off
+            scroll.setValue(0);
+        }
+    });
+}
+
+// An opened drop-down highlights the entry its field shows.
+TEST_F(EditorWindowTest, ADropDownOpensOnTheEntryItShows) {
+    Open(1, [&](form::GUI&, qt::FormView& view) {
+        WidgetOf<QPushButton>(view, "cmdActionsEdit").click();
+        ClickRow(WidgetOf<QTreeWidget>(view, "LVActions"), 1);
+        for (const char* name :
+             {"cmbAbortNode", "cmbAbortNumber", "cmbMethod", "cmbDirectory", "cmbGreetingNumber"}) {
+            auto& combo = WidgetOf<QComboBox>(view, name);
+            ASSERT_TRUE(combo.isVisible()) << name;
+            combo.showPopup();
+            const QModelIndex highlighted = combo.view()->currentIndex();
+            EXPECT_EQ(highlighted.data().toString(), combo.currentText()) << name;
+            combo.hidePopup();
+        }
+    });
+}
+
+// The focused list view shows a frame in the highlight colour; the others none.
+TEST_F(EditorWindowTest, TheFocusedListViewIsFramed) {
+    Open(1, [&](form::GUI&, qt::FormView& view) {
+        auto frameShown = [&](const char* name) {
+            auto& tree = WidgetOf<QTreeWidget>(view, name);
+            for (QWidget* child : tree.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+                if (child->testAttribute(Qt::WA_TransparentForMouseEvents) && child->isVisible()) {
+                    return child->geometry() == tree.rect();
+                }
+            }
+            return false;
+        };
+        for (const char* focused : {"LVActions", "LVConfirm"}) {
+            QFocusEvent in(QEvent::FocusIn, Qt::TabFocusReason);
+            QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
+            for (const char* other : {"LVActions", "LVConfirm"}) {
+                if (std::string(other) != focused) {
+                    QApplication::sendEvent(view.WidgetOf(other), &out);
+                }
+            }
+            QApplication::sendEvent(view.WidgetOf(focused), &in);
+            EXPECT_TRUE(frameShown(focused)) << focused;
+            EXPECT_FALSE(
+                frameShown(std::string(focused) == "LVActions" ? "LVConfirm" : "LVActions"));
+        }
     });
 }
 

@@ -55,15 +55,29 @@ TEST(CApi, TheHostOperatesTheShownFormThroughItsModalRun) {
     EXPECT_EQ(root.QueryText("SELECT NodeDescription FROM Node_DBN WHERE NodeNumber = 1"),
               "Renamed");
 
-    // Without a modal run the form is abandoned; a missing node is told.
+    // Without a modal run the form is abandoned; a missing node is told and
+    // answered 1. Neither ends a modal run of the host.
     callbacks.run_modal = nullptr;
     cvl_dbn_release(editor);
     editor = cvl_dbn_create(&callbacks);
-    EXPECT_EQ(cvl_dbn_show_node_editor(editor, 1, 1, 2), 0);
-    EXPECT_EQ(cvl_dbn_show_node_editor(editor, 1, 1, 9), 0);
+    EXPECT_EQ(cvl_dbn_show_node_editor(editor, 1, 1, 2), CVL_DBN_SHOWN);
+    EXPECT_EQ(cvl_dbn_show_node_editor(editor, 1, 1, 9), CVL_DBN_NOT_EDITABLE);
     cvl_dbn_release(editor);
-    EXPECT_EQ(host.ended, 3);
+    EXPECT_EQ(host.ended, 1);
     EXPECT_EQ(host.boxes, std::vector<std::string>{"Information: DBN 9 doesn't exist."});
+    EXPECT_EQ(cvl_dbn_show_node_editor(nullptr, 1, 1, 1), CVL_DBN_NOT_STARTED);
+}
+
+TEST(CApi, AnEditorThatCannotOpenItsDatabaseAnswersMinusOne) {
+    TempDataRoot root;
+    std::filesystem::remove(root.DatabasePath());
+    Host host;
+    cvl_dbn_callbacks callbacks = Callbacks(host);
+    cvl_dbn_editor* editor = cvl_dbn_create(&callbacks);
+    EXPECT_EQ(cvl_dbn_show_node_editor(editor, 1, 1, 1), CVL_DBN_NOT_STARTED);
+    cvl_dbn_release(editor);
+    EXPECT_EQ(host.ended, 0);
+    EXPECT_FALSE(host.boxes.empty());
 }
 
 TEST(CApi, AChangeElsewhereIsAskedThroughTheMessageBoxCallback) {

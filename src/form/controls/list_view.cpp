@@ -190,6 +190,7 @@ void ListView::SetRowGeometry(RowGeometry geometry) {
 
 void ListView::EnsureVisible(const ListItem& item) {
     ensuredVisible_ = PositionOf(item);
+    ++ensureVisibleRequests_;
     NotifyChanged(ChangeAspect::Rows);
 }
 

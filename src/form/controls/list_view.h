@@ -109,6 +109,9 @@ public:
     // was already told about.
     void EnsureVisible(const ListItem& item);
     int EnsuredVisible() const noexcept { return ensuredVisible_; }
+    // How many times EnsureVisible was called: a view scrolls once per call,
+    // not again on every later change of the rows.
+    int EnsureVisibleRequests() const noexcept { return ensureVisibleRequests_; }
 
     // The container's tab-stop flag of the list.
     bool TabStop() const noexcept { return tabStop_; }
@@ -131,6 +134,7 @@ private:
     ListItem* selected_ = nullptr;
     RowGeometry rowGeometry_;
     int ensuredVisible_ = -1;
+    int ensureVisibleRequests_ = 0;
     bool tabStop_ = true;
 };
 

@@ -1,0 +1,286 @@
+#include "qt/node_list_window.h"
+
+#include "core/component_error.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QInputDialog>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+#include <set>
+
+namespace dbn::qt {
+namespace {
+
+const QStringList kColumns = {QStringLiteral("Number"),   QStringLiteral("Label"),
+                              QStringLiteral("Method"),   QStringLiteral("Directory"),
+                              QStringLiteral("Modified"), QStringLiteral("Missing targets")};
+
+QString Text(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+QTableWidgetItem* Cell(const QString& text, Qt::Alignment alignment = Qt::AlignLeft) {
+    auto* item = new QTableWidgetItem(text);  // owned by the table
+    item->setTextAlignment(alignment | Qt::AlignVCenter);
+    return item;
+}
+
+}  // namespace
+
+NodeListWindow::NodeListWindow(DataBase& db, std::string databasePath, OpenNode openNode,
+                               QWidget* parent)
+    : QMainWindow(parent),
+      list_(db),
+      databasePath_(std::move(databasePath)),
+      openNode_(std::move(openNode)) {
+    setWindowTitle(Text(databasePath_) + QStringLiteral(" - Dial-by-Name Nodes"));
+    auto* central = new QWidget(this);
+    auto* layout = new QVBoxLayout(central);
+    auto* choosers = new QHBoxLayout;
+
+    auto addChooser = [&](const QString& caption, QWidget* field) {
+        auto* label = new QLabel(caption, central);
+        label->setBuddy(field);
+        field->setAccessibleName(QString(caption).remove('&').remove(':'));
+        choosers->addWidget(label);
+        choosers->addWidget(field);
+    };
+    configurations_ = new QComboBox(central);
+    configurations_->setObjectName(QStringLiteral("configurations"));
+    partitionChooser_ = new QComboBox(central);
+    partitionChooser_->setObjectName(QStringLiteral("partitions"));
+    filter_ = new QLineEdit(central);
+    filter_->setObjectName(QStringLiteral("filter"));
+    filter_->setPlaceholderText(QStringLiteral("Number or label"));
+    filter_->setClearButtonEnabled(true);
+    addChooser(QStringLiteral("&Configuration:"), configurations_);
+    addChooser(QStringLiteral("&Partition:"), partitionChooser_);
+    choosers->addSpacing(12);
+    addChooser(QStringLiteral("&Filter:"), filter_);
+    layout->addLayout(choosers);
+
+    table_ = new QTableWidget(0, static_cast<int>(kColumns.size()), central);
+    table_->setObjectName(QStringLiteral("nodes"));
+    table_->setAccessibleName(QStringLiteral("Dial-by-name nodes"));
+    table_->setHorizontalHeaderLabels(kColumns);
+    table_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table_->setSelectionMode(QAbstractItemView::SingleSelection);
+    table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table_->verticalHeader()->hide();
+    table_->setTabKeyNavigation(false);
+    layout->addWidget(table_);
+    setCentralWidget(central);
+    BuildMenus();
+
+    connect(configurations_, &QComboBox::currentIndexChanged, this,
+            [this] { FillPartitions(std::nullopt); });
+    connect(partitionChooser_, &QComboBox::currentIndexChanged, this, [this] { ReadNodes(); });
+    connect(filter_, &QLineEdit::textChanged, this, [this] { FillTable(); });
+    // Enter on a row and a double-click both activate it.
+    connect(table_, &QTableWidget::activated, this, [this] { OpenSelected(); });
+    connect(filter_, &QLineEdit::returnPressed, this, [this] { OpenSelected(); });
+    resize(760, 420);
+    Refresh();
+}
+
+NodeListWindow::~NodeListWindow() = default;
+
+void NodeListWindow::BuildMenus() {
+    QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
+    QAction* create = file->addAction(QStringLiteral("&New\u2026"), this, [this] { NewNode(); });
+    create->setShortcut(QKeySequence::New);
+    file->addAction(QStringLiteral("&Open"), this, [this] { OpenSelected(); });
+    QAction* refresh = file->addAction(QStringLiteral("&Refresh"), this, [this] { Refresh(); });
+    refresh->setShortcut(QKeySequence::Refresh);
+    file->addSeparator();
+    QAction* quit = file->addAction(QStringLiteral("&Quit"), this, [this] { close(); });
+    quit->setShortcut(QKeySequence::Quit);
+    QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
+    help->addAction(QStringLiteral("&About"), this, [this] { ShowAbout(); });
+}
+
+std::optional<session::PartitionKey> NodeListWindow::ShownPartition() const {
+    const int config = configurations_->currentData().toInt();
+    const QVariant partition = partitionChooser_->currentData();
+    if (configurations_->currentIndex() < 0 || !partition.isValid()) {
+        return std::nullopt;
+    }
+    return session::PartitionKey{static_cast<std::int16_t>(config),
+                                 static_cast<std::int16_t>(partition.toInt())};
+}
+
+void NodeListWindow::Refresh() {
+    const std::optional<session::PartitionKey> shown = ShownPartition();
+    const std::optional<std::int16_t> selected = SelectedNumber();
+    if (!Guarded([this] { partitions_ = list_.Partitions(); })) {
+        partitions_.clear();
+    }
+    {
+        const QSignalBlocker block(configurations_);
+        configurations_->clear();
+        std::set<std::int16_t> configs;
+        for (const session::PartitionKey& key : partitions_) {
+            if (configs.insert(key.config).second) {
+                configurations_->addItem(QString::number(key.config), key.config);
+            }
+        }
+        if (shown) {
+            configurations_->setCurrentIndex(std::max(0, configurations_->findData(shown->config)));
+        }
+    }
+    FillPartitions(shown ? std::optional(shown->partition) : std::nullopt);
+    if (selected) {
+        SelectNumber(*selected);
+    }
+}
+
+void NodeListWindow::FillPartitions(std::optional<std::int16_t> preferred) {
+    const int config = configurations_->currentData().toInt();
+    {
+        const QSignalBlocker block(partitionChooser_);
+        partitionChooser_->clear();
+        for (const session::PartitionKey& key : partitions_) {
+            if (key.config == config) {
+                partitionChooser_->addItem(QString::number(key.partition), key.partition);
+            }
+        }
+        if (preferred) {
+            partitionChooser_->setCurrentIndex(
+                std::max(0, partitionChooser_->findData(*preferred)));
+        }
+    }
+    ReadNodes();
+}
+
+void NodeListWindow::ReadNodes() {
+    rows_.clear();
+    if (const std::optional<session::PartitionKey> shown = ShownPartition()) {
+        Guarded([&] { rows_ = list_.Nodes(*shown); });
+    }
+    FillTable();
+}
+
+void NodeListWindow::FillTable() {
+    const std::vector<session::NodeListRow> shown =
+        session::FilterNodeRows(rows_, filter_->text().toStdString());
+    table_->setRowCount(static_cast<int>(shown.size()));
+    for (int i = 0; i < static_cast<int>(shown.size()); ++i) {
+        const session::NodeListRow& row = shown[static_cast<std::size_t>(i)];
+        QTableWidgetItem* number =
+            Cell(row.isTemplate ? QStringLiteral("0 (template)") : QString::number(row.number),
+                 Qt::AlignRight);
+        number->setData(Qt::UserRole, row.number);
+        table_->setItem(i, 0, number);
+        table_->setItem(i, 1, Cell(Text(row.label)));
+        table_->setItem(i, 2, Cell(Text(row.method)));
+        table_->setItem(i, 3, Cell(QString::number(row.directory), Qt::AlignRight));
+        table_->setItem(i, 4, Cell(Text(row.modified)));
+        table_->setItem(i, 5, Cell(QString::number(row.missingTargets), Qt::AlignRight));
+    }
+    table_->resizeColumnsToContents();
+    table_->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
+    if (table_->rowCount() > 0 && table_->currentRow() < 0) {
+        table_->selectRow(0);
+    }
+}
+
+void NodeListWindow::SelectNumber(std::int16_t number) {
+    for (int row = 0; row < table_->rowCount(); ++row) {
+        if (table_->item(row, 0)->data(Qt::UserRole).toInt() == number) {
+            table_->selectRow(row);
+            return;
+        }
+    }
+}
+
+std::vector<std::int16_t> NodeListWindow::ShownNumbers() const {
+    std::vector<std::int16_t> numbers;
+    for (int row = 0; row < table_->rowCount(); ++row) {
+        numbers.push_back(
+            static_cast<std::int16_t>(table_->item(row, 0)->data(Qt::UserRole).toInt()));
+    }
+    return numbers;
+}
+
+std::optional<std::int16_t> NodeListWindow::SelectedNumber() const {
+    const int row = table_->currentRow();
+    if (row < 0 || table_->item(row, 0) == nullptr) {
+        return std::nullopt;
+    }
+    return static_cast<std::int16_t>(table_->item(row, 0)->data(Qt::UserRole).toInt());
+}
+
+void NodeListWindow::OpenSelected() {
+    const std::optional<session::PartitionKey> shown = ShownPartition();
+    const std::optional<std::int16_t> number = SelectedNumber();
+    if (!shown || !number) {
+        return;
+    }
+    openNode_(*shown, *number);
+    Refresh();
+}
+
+void NodeListWindow::NewNode() {
+    const std::optional<session::PartitionKey> shown = ShownPartition();
+    if (!shown) {
+        return;
+    }
+    std::int16_t highest = 0;
+    if (!Guarded([&] { highest = list_.HighestNodeNumber(*shown); })) {
+        return;
+    }
+    bool accepted = false;
+    const QString text = QInputDialog::getText(
+        this, QStringLiteral("New Node"),
+        QStringLiteral("Number of the new dial-by-name node (1 to %1):").arg(highest),
+        QLineEdit::Normal, QString(), &accepted);
+    if (!accepted) {
+        return;
+    }
+    std::optional<std::string> refusal;
+    if (!Guarded([&] { refusal = list_.RefusalOfNewNode(*shown, text.trimmed().toStdString()); })) {
+        return;
+    }
+    if (refusal) {
+        QMessageBox::information(this, QStringLiteral("Information"), Text(*refusal));
+        return;
+    }
+    const auto number = static_cast<std::int16_t>(text.trimmed().toInt());
+    if (!Guarded([&] { list_.CreateNode(*shown, number); })) {
+        return;
+    }
+    Refresh();
+    SelectNumber(number);
+    OpenSelected();
+}
+
+void NodeListWindow::ShowAbout() {
+    QMessageBox::about(this, QStringLiteral("About"),
+                       QStringLiteral("%1 %2\n\nDatabase: %3")
+                           .arg(QApplication::applicationDisplayName(),
+                                QApplication::applicationVersion(), Text(databasePath_)));
+}
+
+bool NodeListWindow::Guarded(const std::function<void()>& step) {
+    try {
+        step();
+        return true;
+    } catch (const ComponentError& error) {
+        QMessageBox::warning(this, QStringLiteral("Error"), Text(error.Description()));
+    } catch (const std::exception& error) {
+        QMessageBox::warning(this, QStringLiteral("Error"), QString::fromLocal8Bit(error.what()));
+    }
+    return false;
+}
+
+}  // namespace dbn::qt

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "session/node_list.h"
+
+#include <QMainWindow>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+class QComboBox;
+class QLineEdit;
+class QTableWidget;
+
+namespace dbn {
+class DataBase;
+}
+
+namespace dbn::qt {
+
+// The program's main window: the dial-by-name nodes of one partition of the
+// configuration database, with a configuration and a partition chooser and
+// a filter. Enter or a double-click opens the selected node in the editor
+// (through openNode, which returns when the editor closes); the table is
+// then read again. File > New... creates a node from the template and opens it.
+class NodeListWindow : public QMainWindow {
+public:
+    using OpenNode = std::function<void(session::PartitionKey, std::int16_t)>;
+
+    NodeListWindow(DataBase& db, std::string databasePath, OpenNode openNode,
+                   QWidget* parent = nullptr);
+    ~NodeListWindow() override;
+
+    // Reads the partitions and the shown partition's nodes again.
+    void Refresh();
+    // Opens the selected node, when there is one.
+    void OpenSelected();
+    // Asks for a number, creates that node from the template and opens it.
+    void NewNode();
+    void ShowAbout();
+
+    // The node number of each shown row, in order.
+    std::vector<std::int16_t> ShownNumbers() const;
+
+private:
+    void BuildMenus();
+    // Fills the partition chooser for the chosen configuration, choosing
+    // `preferred` when it is there, and reads that partition's nodes.
+    void FillPartitions(std::optional<std::int16_t> preferred);
+    void ReadNodes();
+    void FillTable();
+    void SelectNumber(std::int16_t number);
+    std::optional<std::int16_t> SelectedNumber() const;
+    std::optional<session::PartitionKey> ShownPartition() const;
+    // Runs a database step; an error is shown in one box and answers false.
+    bool Guarded(const std::function<void()>& step);
+
+    session::NodeList list_;
+    std::string databasePath_;
+    OpenNode openNode_;
+    std::vector<session::PartitionKey> partitions_;
+    std::vector<session::NodeListRow> rows_;
+    QComboBox* configurations_ = nullptr;
+    QComboBox* partitionChooser_ = nullptr;
+    QLineEdit* filter_ = nullptr;
+    QTableWidget* table_ = nullptr;
+};
+
+}  // namespace dbn::qt

@@ -1,0 +1,205 @@
+#include "session/node_list.h"
+
+#include "database/database.h"
+#include "session/load_helpers.h"
+#include "session/node_templates.h"
+#include "session/transaction_scope.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+
+namespace dbn::session {
+namespace {
+
+const std::string kDbnType = Arg(kDbnTypeID);
+
+std::string Lower(std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return lower;
+}
+
+// The references of a stored node in the order and with the keys the
+// referenced-node check gathers them from the form showing it; a key is
+// kept once.
+class Gathering {
+public:
+    void Add(std::string key, std::string typeID, std::string number) {
+        std::optional<RequiredNode> node =
+            GatheredReference(std::move(key), std::move(typeID), std::move(number));
+        if (!node) {
+            return;
+        }
+        const std::string lowerKey = Lower(node->key);
+        if (std::none_of(nodes_.begin(), nodes_.end(),
+                         [&](const RequiredNode& kept) { return Lower(kept.key) == lowerKey; })) {
+            nodes_.push_back(std::move(*node));
+        }
+    }
+    // A picker pair: a stored number 0 leaves the number picker empty, and
+    // an empty pair refers to no node.
+    void AddPair(const StoredRef& ref) {
+        if (ref.number != 0) {
+            Add(ref.code + " " + Arg(ref.number), Arg(ref.typeID), Arg(ref.number));
+        }
+    }
+    // A list row: its shown target, type ID and number.
+    void AddRow(const StoredRef& ref) { Add(TargetText(ref), Arg(ref.typeID), Arg(ref.number)); }
+
+    const std::vector<RequiredNode>& Nodes() const noexcept { return nodes_; }
+
+private:
+    std::vector<RequiredNode> nodes_;
+};
+
+constexpr const char* kActionRoles[] = {"ValidMatch", "Abort", "Star", "Pound", "Zero"};
+
+}  // namespace
+
+std::vector<PartitionKey> NodeList::Partitions() {
+    db_.Execute("Get_Partitions_With_Nodes", {kDbnType});
+    RowSet& rows = db_.Recordset("Get_Partitions_With_Nodes");
+    RowSetCloser closer(rows);
+    std::vector<PartitionKey> partitions;
+    for (; !rows.Eof(); rows.MoveNext()) {
+        partitions.push_back({rows.Field("ConfigID").ToInt16(), rows.Field("PartID").ToInt16()});
+    }
+    return partitions;
+}
+
+std::vector<NodeListRow> NodeList::Nodes(PartitionKey where) {
+    std::vector<NodeListRow> nodes;
+    {
+        db_.Execute("Get_All_DBN_Nodes", {Arg(where.config), Arg(where.partition), kDbnType});
+        RowSet& rows = db_.Recordset("Get_All_DBN_Nodes");
+        RowSetCloser closer(rows);
+        for (; !rows.Eof(); rows.MoveNext()) {
+            NodeListRow row;
+            row.number = rows.Field("NodeNumber").ToInt16();
+            row.label = rows.Field("NodeDescription").ToText();
+            row.method = rows.Field("Method").ToInt16() == 0 ? "Custom" : "Default Last Name";
+            row.directory = rows.Field("DirectoryNodeNumber").ToInt16();
+            row.isTemplate = row.number == 0;
+            nodes.push_back(std::move(row));
+        }
+    }
+    for (NodeListRow& row : nodes) {
+        db_.Execute("Get_Description",
+                    {Arg(where.config), Arg(where.partition), kDbnType, Arg(row.number)});
+        RowSet& pool = db_.Recordset("Get_Description");
+        if (!pool.Eof()) {
+            row.modified = pool.Field("DateModified").ToText();
+        }
+        pool.Close();
+        row.missingTargets = CountMissingTargets(where, row.number);
+    }
+    return nodes;
+}
+
+int NodeList::CountMissingTargets(PartitionKey where, std::int16_t number) {
+    Gathering gathering;
+    db_.Execute("Get_DBN_Node", {Arg(where.config), Arg(where.partition), Arg(number), kDbnType});
+    RowSet& node = db_.Recordset("Get_DBN_Node");
+    RowSetCloser closer(node);
+    if (node.Eof()) {
+        return 0;
+    }
+    gathering.AddPair(ReadRef(node, "Greeting"));
+    const std::string directory = Arg(node.Field("DirectoryNodeNumber").ToInt16());
+    gathering.Add("DIR " + directory, "16", directory);
+    for (const char* role : kActionRoles) {
+        gathering.AddRow(ReadRef(node, role));
+    }
+    // The prompts and error targets count for the custom method only; the
+    // confirmation rows only when confirmation is on.
+    if (node.Field("Method").ToInt16() == 0) {
+        for (const char* role : {"FirstPrompt", "SecondPrompt", "Timeout", "Invalid"}) {
+            gathering.AddPair(ReadRef(node, role));
+        }
+        const StoredRef exit = ReadRef(node, "ConfirmationExit");
+        if (node.Field("Confirm").ToInt16() == 1) {
+            const int maxMatch = node.Field("MaxMatch").ToInt16();
+            gathering.AddRow(ReadRef(node, "BeforePrompt"));
+            gathering.AddRow(ReadRef(node, "AfterPrompt"));
+            db_.Execute("Get_DBN_PromptsNode",
+                        {Arg(where.config), Arg(where.partition), Arg(number)});
+            RowSet& prompts = db_.Recordset("Get_DBN_PromptsNode");
+            RowSetCloser promptsCloser(prompts);
+            // The form shows at most MaxMatch name rows (every row for 0 or below).
+            for (int shown = 0; !prompts.Eof() && (maxMatch <= 0 || shown < maxMatch);
+                 ++shown, prompts.MoveNext()) {
+                gathering.AddRow(ReadRef(prompts, "Prompt"));
+            }
+        }
+        gathering.AddPair(exit);
+    }
+    node.Close();
+    int missing = 0;
+    for (const RequiredNode& target : gathering.Nodes()) {
+        if (!NodeExists(db_, where.config, where.partition, target.typeID, target.number)) {
+            ++missing;
+        }
+    }
+    return missing;
+}
+
+std::int16_t NodeList::HighestNodeNumber(PartitionKey where) {
+    db_.Execute("Get_Max_NodeNumber", {Arg(where.config), Arg(where.partition), kDbnType});
+    RowSet& limit = db_.Recordset("Get_Max_NodeNumber");
+    RowSetCloser closer(limit);
+    return limit.Eof() ? 0 : limit.Field("Max_Number").ToInt16();
+}
+
+bool NodeList::NodeRowExists(PartitionKey where, std::int16_t number) {
+    db_.Execute("Get_DBN_Node", {Arg(where.config), Arg(where.partition), Arg(number), kDbnType});
+    RowSet& node = db_.Recordset("Get_DBN_Node");
+    RowSetCloser closer(node);
+    return !node.Eof();
+}
+
+std::optional<std::string> NodeList::RefusalOfNewNode(PartitionKey where, std::string_view number) {
+    const std::int16_t highest = HighestNodeNumber(where);
+    const std::string range = "from 1 to " + Arg(highest);
+    int value = 0;
+    const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
+    if (highest < 1) {
+        return "The partition allows no dial-by-name nodes.";
+    }
+    if (number.empty() || error != std::errc() || end != number.data() + number.size() ||
+        value < 1 || value > highest) {
+        return "The node number must be a whole number " + range + ", not \"" +
+               std::string(number) + "\".";
+    }
+    const auto node = static_cast<std::int16_t>(value);
+    if (NodeRowExists(where, node) ||
+        NodeExists(db_, where.config, where.partition, kDbnType, Arg(node))) {
+        return "DBN " + Arg(node) + " exists already.";
+    }
+    if (!NodeRowExists(where, 0)) {
+        return "There is no template node DBN 0 in this partition to copy.";
+    }
+    return std::nullopt;
+}
+
+void NodeList::CreateNode(PartitionKey where, std::int16_t number) {
+    TransactionScope transaction(db_);
+    CopyTemplateNode(db_, where.config, where.partition, "0", Arg(number), kDbnType);
+    transaction.Commit();
+}
+
+std::vector<NodeListRow> FilterNodeRows(const std::vector<NodeListRow>& rows,
+                                        std::string_view text) {
+    const std::string wanted = Lower(text);
+    std::vector<NodeListRow> kept;
+    for (const NodeListRow& row : rows) {
+        if (wanted.empty() || Arg(row.number).find(wanted) != std::string::npos ||
+            Lower(row.label).find(wanted) != std::string::npos) {
+            kept.push_back(row);
+        }
+    }
+    return kept;
+}
+
+}  // namespace dbn::session

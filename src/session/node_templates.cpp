@@ -1,0 +1,170 @@
+#include "session/node_templates.h"
+
+#include "core/component_error.h"
+#include "database/database.h"
+#include "session/modification_time.h"
+
+#include <array>
+#include <charconv>
+#include <cstdio>
+#include <vector>
+
+namespace dbn::session {
+namespace {
+
+constexpr const char* kMessageTypeID = "0";
+
+// The type ID as a number, when the text holds one.
+std::optional<long> TypeNumber(std::string_view text) {
+    long value = 0;
+    auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size()) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+// Types whose references carry no node to look up.
+bool IsNeverGathered(std::string_view typeID) {
+    std::optional<long> type = TypeNumber(typeID);
+    return type == 814 || type == 816 || type == 999;
+}
+
+// Types that follow the message type.
+bool FollowsMessageType(std::string_view typeID) {
+    std::optional<long> type = TypeNumber(typeID);
+    return type == 817 || type == 818;
+}
+
+// How a node of one type is copied: the commands after the node row's own
+// copy (detail rows), all taking new number, configuration, partition and
+// template number. The message type's copy takes a sound-file name as well.
+struct CopyPlan {
+    std::string_view typeID;
+    bool message = false;
+    std::vector<const char*> commands;
+};
+
+const std::vector<CopyPlan>& CopyPlans() {
+    static const std::vector<CopyPlan> plans = {
+        {"0", true, {}},
+        {"817", true, {}},
+        {"818", true, {}},
+        {"1", false, {"Duplicate_CMD_NODE", "Duplicate_Detail_CMD_NODE"}},
+        {"2", false, {"Duplicate_TIME_Node", "Duplicate_Detail_TIME_Node"}},
+        {"3", false, {"Duplicate_DATE_Node", "Duplicate_Detail_DATE_Node"}},
+        {"4", false, {"Duplicate_XFER_Node"}},
+        {"6",
+         false,
+         {"Duplicate_DTMF_Node", "Duplicate_DetailPrompts_DTMF_Node",
+          "Duplicate_DetailActions_DTMF_Node"}},
+        {"7",
+         false,
+         {"Duplicate_VOX_Node", "Duplicate_DetailPrompts_VOX_Node",
+          "Duplicate_DetailActions_VOX_Node"}},
+        {"8", false, {"Duplicate_LIST_Node", "Duplicate_Detail_LIST_Node"}},
+        {"9",
+         false,
+         {"Duplicate_AUTO_Node", "Duplicate_DetailPrompts_AUTO_Node",
+          "Duplicate_DetailActions_AUTO_Node"}},
+        {"12", false, {"Duplicate_PAAS_Node", "Duplicate_Detail_PAAS_Node"}},
+        {"13", false, {"Duplicate_TABLE_Node", "Duplicate_DetailActions_TABLE_Node"}},
+        {"15", false, {"Duplicate_DBN_Node", "Duplicate_DetailPrompts_DBN_Node"}},
+        {"16", false, {"Duplicate_DIR_Node", "Duplicate_Detail_DIR_Node"}},
+    };
+    return plans;
+}
+
+const CopyPlan* FindCopyPlan(std::string_view typeID) {
+    for (const CopyPlan& plan : CopyPlans()) {
+        if (plan.typeID == typeID) {
+            return &plan;
+        }
+    }
+    return nullptr;
+}
+
+// "P" + partition (two digits at least) + "M" + node number (three digits at
+// least) + ".wav".
+std::string SoundFileName(std::int16_t partition, const std::string& number) {
+    std::optional<long> value = TypeNumber(number);
+    if (!value) {
+        RaiseError(13, "Type mismatch");
+    }
+    std::array<char, 48> name{};
+    int length = std::snprintf(name.data(), name.size(), "P%02dM%03ld.wav",
+                               static_cast<int>(partition), *value);
+    return std::string(name.data(), static_cast<std::size_t>(length));
+}
+
+}  // namespace
+
+std::optional<RequiredNode> GatheredReference(std::string key, std::string typeID,
+                                              std::string number) {
+    if (IsNeverGathered(typeID)) {
+        return std::nullopt;
+    }
+    if (FollowsMessageType(typeID)) {
+        typeID = kMessageTypeID;
+        key = "MSG " + number;
+    }
+    return RequiredNode{std::move(key), std::move(typeID), std::move(number)};
+}
+
+bool NodeExists(DataBase& db, std::int16_t config, std::int16_t partition, std::string typeID,
+                const std::string& number) {
+    if (FollowsMessageType(typeID)) {
+        typeID = kMessageTypeID;
+    }
+    db.Execute("Get_Description",
+               {std::to_string(config), std::to_string(partition), typeID, number});
+    RowSet& found = db.Recordset("Get_Description");
+    const bool exists = !found.Eof();
+    found.Close();
+    return exists;
+}
+
+std::string LookedUpTypeID(std::string typeID) {
+    return FollowsMessageType(typeID) ? std::string(kMessageTypeID) : typeID;
+}
+
+std::optional<long> WholeNumber(std::string_view text) {
+    return TypeNumber(text);
+}
+
+bool CanCopyNodeType(std::string_view typeID) {
+    return FindCopyPlan(typeID) != nullptr;
+}
+
+bool CopyTemplateNode(DataBase& db, std::int16_t config, std::int16_t partition,
+                      const std::string& templateNumber, const std::string& newNumber,
+                      std::string typeID) {
+    const CopyPlan* plan = FindCopyPlan(typeID);
+    if (plan == nullptr) {
+        return false;
+    }
+    const std::string configText = std::to_string(config);
+    const std::string partitionText = std::to_string(partition);
+    long nodeRows = 0;
+    if (plan->message) {
+        typeID = kMessageTypeID;
+        nodeRows = db.Execute("Duplicate_MSG_NODE", {newNumber, SoundFileName(partition, newNumber),
+                                                     configText, partitionText, templateNumber});
+    }
+    for (const char* command : plan->commands) {
+        const long rows =
+            db.Execute(command, {newNumber, configText, partitionText, templateNumber});
+        if (command == plan->commands.front()) {
+            nodeRows = rows;
+        }
+    }
+    // A template without a node row in its type's table creates nothing.
+    if (nodeRows == 0) {
+        return false;
+    }
+    db.Execute("Duplicate_Node_In_General_Pool", {newNumber, CurrentModificationTime(), configText,
+                                                  partitionText, templateNumber, typeID});
+    return true;
+}
+
+}  // namespace dbn::session

@@ -1,0 +1,73 @@
+# -DEDITOR=<program> -DWORK=<scratch folder> -DVERSION=<project version>
+cmake_minimum_required(VERSION 3.25)
+file(REMOVE_RECURSE ${WORK})
+file(MAKE_DIRECTORY ${WORK})
+set(failures "")
+
+# expect(STATUS <code> [OUT <regex>] [ERR <regex>] [DISPLAY] ARGS <args...>):
+# runs the program without a display (unless DISPLAY) and checks the result.
+# Standard error must be empty when no ERR is given.
+function(expect)
+  cmake_parse_arguments(CASE "DISPLAY" "STATUS;OUT;ERR" "ARGS" ${ARGN})
+  set(environment --unset=DISPLAY --unset=WAYLAND_DISPLAY --unset=QT_QPA_PLATFORM
+    --unset=XDG_RUNTIME_DIR)
+  execute_process(COMMAND ${CMAKE_COMMAND} -E env ${environment} ${EDITOR} ${CASE_ARGS}
+    RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  set(problem "")
+  if(NOT status STREQUAL CASE_STATUS)
+    string(APPEND problem " exit status ${status}, expected ${CASE_STATUS};")
+  endif()
+  if(CASE_OUT AND NOT out MATCHES "${CASE_OUT}")
+    string(APPEND problem " standard output does not match ${CASE_OUT}: ${out};")
+  endif()
+  if(CASE_ERR AND NOT err MATCHES "${CASE_ERR}")
+    string(APPEND problem " standard error does not match ${CASE_ERR}: ${err};")
+  elseif(NOT CASE_ERR AND NOT err STREQUAL "")
+    string(APPEND problem " unexpected standard error: ${err};")
+  endif()
+  if(problem)
+    set(failures "${failures}\n${CASE_ARGS}:${problem}" PARENT_SCOPE)
+  endif()
+endfunction()
+
+set(root ${WORK}/root)
+expect(STATUS 0 OUT "^dbn-node-editor ${VERSION}\n$" ARGS --version)
+expect(STATUS 0 OUT "browse .*edit .*init .*where .*play .*exit codes:\n  0  done\n  1  failed"
+  ARGS --help)
+expect(STATUS 0 OUT "usage: dbn-node-editor play \\[--data-root DIR\\] SCRIPT\n.*SCRIPT .*exit codes:.*  1  a box asked"
+  ARGS play --help)
+expect(STATUS 0 OUT "--screenshot FILE  write a picture" ARGS edit --help)
+expect(STATUS 0 OUT "^[^\n]*/Corvell/Sonavis\\+/Database/NewDB.mdb\n$" ARGS init --data-root ${root})
+expect(STATUS 0 OUT "^${root}/Corvell/Sonavis\\+/Database/NewDB.mdb\n$" ARGS where --data-root ${root})
+expect(STATUS 2
+  ERR "^dbn-node-editor: NODE must be a whole number from -32768 to 32767, not \"70000\"\n$"
+  ARGS edit --data-root ${root} 1 2 70000)
+expect(STATUS 2 ERR "^dbn-node-editor: CONFIG must be a whole number from -32768 to 32767, not \"x\"\n$"
+  ARGS edit x 2 3)
+expect(STATUS 2 ERR "^dbn-node-editor: edit needs CONFIG PARTITION NODE; usage: " ARGS edit 1 2)
+expect(STATUS 2 ERR "^dbn-node-editor: Unknown option 'bogus'.\n$" ARGS where --bogus)
+expect(STATUS 2 ERR "^dbn-node-editor: where takes no arguments, not \"extra\"\n$" ARGS where extra)
+expect(STATUS 2 ERR "^dbn-node-editor: unknown command \"frob\"" ARGS frob)
+expect(STATUS 1
+  ERR "^dbn-node-editor: no display; set DISPLAY or WAYLAND_DISPLAY, or use --screenshot or play\n$"
+  ARGS edit --data-root ${root} 1 1 1)
+expect(STATUS 1
+  ERR "^dbn-node-editor: no display; set DISPLAY or WAYLAND_DISPLAY, or use --screenshot or play\n$"
+  ARGS --data-root ${root})
+expect(STATUS 2 ERR "^dbn-node-editor: --screenshot FILE must end in .png, not \"${WORK}/shot.jpg\"\n$"
+  ARGS edit --data-root ${root} --screenshot ${WORK}/shot.jpg 1 1 1)
+expect(STATUS 2
+  ERR "^dbn-node-editor: --screenshot FILE must end in .png and names a folder \"${WORK}/none\" that does not exist, not \"${WORK}/none/shot.jpg\"\n$"
+  ARGS edit --data-root ${root} --screenshot ${WORK}/none/shot.jpg 1 1 1)
+# Screenshots work without a display, and nothing of the toolkit's is printed.
+expect(STATUS 0 ARGS edit --data-root ${root} --screenshot ${WORK}/editor.png 1 1 1)
+expect(STATUS 0 ARGS browse --data-root ${root} --screenshot ${WORK}/list.png)
+foreach(picture editor list)
+  if(NOT EXISTS ${WORK}/${picture}.png)
+    set(failures "${failures}\nno ${picture}.png written")
+  endif()
+endforeach()
+
+if(failures)
+  message(FATAL_ERROR "${failures}")
+endif()

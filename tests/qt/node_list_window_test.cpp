@@ -1,0 +1,192 @@
+// The node list window, offscreen: what it shows, the choosers and the
+// filter, opening a node with Enter and a double-click, New..., Refresh and
+// the accessible names of its controls.
+#include "window_support.h"
+
+#include "database/data_location.h"
+#include "database/database.h"
+#include "qt/missing_database_offer.h"
+#include "qt/node_list_window.h"
+
+#include <QAction>
+#include <QInputDialog>
+#include <QMenuBar>
+#include <QTableWidget>
+#include <QTimer>
+
+namespace dbn::testing {
+namespace {
+
+using session::PartitionKey;
+
+class NodeListWindowTest : public ::testing::Test {
+protected:
+    NodeListWindowTest() : root(TempDataRoot::Content::Demo) { Application(); }
+
+    std::unique_ptr<qt::NodeListWindow> MakeWindow() {
+        auto window = std::make_unique<qt::NodeListWindow>(
+            db, root.DatabasePath(), [this](PartitionKey where, std::int16_t number) {
+                opened.push_back(std::to_string(where.partition) + "/" + std::to_string(number));
+                onOpen();
+            });
+        window->show();
+        return window;
+    }
+
+    static QTableWidget& Table(qt::NodeListWindow& window) {
+        return *window.findChild<QTableWidget*>(QStringLiteral("nodes"));
+    }
+
+    static QString Cell(qt::NodeListWindow& window, int row, int column) {
+        return Table(window).item(row, column)->text();
+    }
+
+    // Runs `answer` on the next modal dialog once it shows.
+    static void WhenModal(const std::function<void(QWidget&)>& answer) {
+        QTimer::singleShot(0, [answer] {
+            if (QWidget* modal = QApplication::activeModalWidget()) {
+                answer(*modal);
+            }
+        });
+    }
+
+    TempDataRoot root;
+    DataBase db;
+    std::vector<std::string> opened;
+    std::function<void()> onOpen = [] {};
+};
+
+TEST_F(NodeListWindowTest, ShowsThePartitionsNodesAndFiltersThem) {
+    auto window = MakeWindow();
+    EXPECT_TRUE(window->windowTitle().startsWith(QString::fromStdString(root.DatabasePath())));
+    EXPECT_EQ(window->ShownNumbers(), (std::vector<std::int16_t>{0, 1, 2}));
+    EXPECT_EQ(Cell(*window, 0, 0), "0 (template)");
+    EXPECT_EQ(Cell(*window, 1, 1), "Staff directory");
+    EXPECT_EQ(Cell(*window, 2, 2), "Default Last Name");
+    QStringList headers;
+    for (int column = 0; column < Table(*window).columnCount(); ++column) {
+        headers << Table(*window).horizontalHeaderItem(column)->text();
+    }
+    EXPECT_EQ(headers.join(','), "Number,Label,Method,Directory,Modified,Missing targets");
+
+    auto* partitions = window->findChild<QComboBox*>(QStringLiteral("partitions"));
+    partitions->setCurrentIndex(partitions->findText(QStringLiteral("2")));
+    EXPECT_EQ(window->ShownNumbers(), (std::vector<std::int16_t>{0, 5}));
+    partitions->setCurrentIndex(0);
+
+    const struct {
+        const char* text;
+        std::vector<std::int16_t> numbers;
+    } filters[] = {{"sales", {2}}, {"1", {1}}, {"nothing like it", {}}, {"", {0, 1, 2}}};
+    auto* filter = window->findChild<QLineEdit*>(QStringLiteral("filter"));
+    for (const auto& filterCase : filters) {
+        TypeKeys(*filter, QString::fromLatin1(filterCase.text));
+        if (QString::fromLatin1(filterCase.text).isEmpty()) {
+            filter->clear();
+        }
+        EXPECT_EQ(window->ShownNumbers(), filterCase.numbers) << filterCase.text;
+    }
+}
+
+TEST_F(NodeListWindowTest, EnterAndDoubleClickOpenTheNodeAndTheTableIsReadAgain) {
+    auto window = MakeWindow();
+    QTableWidget& table = Table(*window);
+    onOpen = [&] { root.Exec("UPDATE Node_DBN SET NodeDescription = 'Changed' WHERE PartID = 1"); };
+    table.setCurrentCell(1, 1);
+    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QApplication::sendEvent(&table, &enter);
+    EXPECT_EQ(opened, std::vector<std::string>{"1/1"});
+    EXPECT_EQ(Cell(*window, 1, 1), "Changed");
+    EXPECT_EQ(table.currentRow(), 1);
+
+    const QPoint middle = table.visualItemRect(table.item(2, 1)).center();
+    QMouseEvent doubleClick(QEvent::MouseButtonDblClick, middle,
+                            table.viewport()->mapToGlobal(middle), Qt::LeftButton, Qt::LeftButton,
+                            Qt::NoModifier);
+    ClickAt(*table.viewport(), middle);
+    QApplication::sendEvent(table.viewport(), &doubleClick);
+    EXPECT_EQ(opened, (std::vector<std::string>{"1/1", "1/2"}));
+}
+
+TEST_F(NodeListWindowTest, NewAsksForAFreeNumberCreatesTheNodeAndOpensIt) {
+    auto window = MakeWindow();
+    std::vector<std::string> told;
+    WhenModal([&](QWidget& dialog) {
+        auto& input = dynamic_cast<QInputDialog&>(dialog);
+        input.setTextValue(QStringLiteral("2"));  // taken
+        WhenModal([&](QWidget& box) {
+            told.push_back(dynamic_cast<QMessageBox&>(box).text().toStdString());
+            dynamic_cast<QMessageBox&>(box).accept();
+        });
+        input.accept();
+    });
+    window->NewNode();
+    EXPECT_EQ(told, std::vector<std::string>{"DBN 2 exists already."});
+    EXPECT_TRUE(opened.empty());
+
+    WhenModal([](QWidget& dialog) {
+        auto& input = dynamic_cast<QInputDialog&>(dialog);
+        input.setTextValue(QStringLiteral("9"));
+        input.accept();
+    });
+    window->NewNode();
+    EXPECT_EQ(opened, std::vector<std::string>{"1/9"});
+    EXPECT_EQ(window->ShownNumbers(), (std::vector<std::int16_t>{0, 1, 2, 9}));
+    EXPECT_EQ(Cell(*window, 3, 1), "DBN template");
+}
+
+TEST_F(NodeListWindowTest, RefreshReadsTheDatabaseAgainAndControlsHaveAccessibleNames) {
+    auto window = MakeWindow();
+    root.Exec("DELETE FROM Node_DBN WHERE PartID = 1 AND NodeNumber = 2");
+    QAction* refresh = nullptr;
+    for (QAction* action : window->findChildren<QAction*>()) {
+        if (action->shortcut() == QKeySequence(Qt::Key_F5)) {
+            refresh = action;
+        }
+    }
+    ASSERT_NE(refresh, nullptr);
+    refresh->trigger();
+    EXPECT_EQ(window->ShownNumbers(), (std::vector<std::int16_t>{0, 1}));
+
+    for (QWidget* widget : window->findChildren<QWidget*>()) {
+        if (widget->focusPolicy() != Qt::NoFocus && widget->isVisible() &&
+            qobject_cast<QMenuBar*>(widget) == nullptr && widget->parent() != nullptr &&
+            widget->objectName() != QStringLiteral("qt_scrollarea_viewport")) {
+            EXPECT_FALSE(widget->accessibleName().isEmpty())
+                << widget->metaObject()->className() << " " << widget->objectName().toStdString();
+        }
+    }
+}
+
+TEST_F(NodeListWindowTest, AMissingDatabaseIsCreatedAsChosenOrTheOperatorQuits) {
+    const struct {
+        const char* button;
+        bool created;
+        long long dbnNodes;
+    } choices[] = {{"&Quit", false, 0},
+                   {"Create &Empty Database", true, 0},
+                   {"Create &Demo Database", true, 5}};
+    for (const auto& choice : choices) {
+        std::filesystem::remove(root.DatabasePath());
+        std::string asked;
+        WhenModal([&](QWidget& dialog) {
+            auto& box = dynamic_cast<QMessageBox&>(dialog);
+            asked = box.text().toStdString();
+            for (QAbstractButton* button : box.buttons()) {
+                if (button->text() == QString::fromLatin1(choice.button)) {
+                    button->click();
+                }
+            }
+        });
+        EXPECT_EQ(qt::OfferToCreateDatabase(root.DatabasePath()), choice.created);
+        EXPECT_EQ(asked.rfind("There is no configuration database at " + root.DatabasePath(), 0),
+                  0u);
+        EXPECT_EQ(std::filesystem::exists(root.DatabasePath()), choice.created) << choice.button;
+        if (choice.created) {
+            EXPECT_EQ(root.QueryInt("SELECT COUNT(*) FROM Node_DBN"), choice.dbnNodes);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace dbn::testing
