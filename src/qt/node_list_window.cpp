@@ -1,6 +1,8 @@
 #include "qt/node_list_window.h"
 
 #include "core/component_error.h"
+#include "qt/directory_check_window.h"
+#include "session/directory_check.h"
 
 #include <QAction>
 #include <QApplication>
@@ -23,7 +25,8 @@ namespace {
 
 const QStringList kColumns = {QStringLiteral("Number"),   QStringLiteral("Label"),
                               QStringLiteral("Method"),   QStringLiteral("Directory"),
-                              QStringLiteral("Modified"), QStringLiteral("Missing targets")};
+                              QStringLiteral("Modified"), QStringLiteral("Missing targets"),
+                              QStringLiteral("Reachable")};
 
 QString Text(const std::string& text) {
     return QString::fromStdString(text);
@@ -100,6 +103,9 @@ void NodeListWindow::BuildMenus() {
     QAction* create = file->addAction(QStringLiteral("&New\u2026"), this, [this] { NewNode(); });
     create->setShortcut(QKeySequence::New);
     file->addAction(QStringLiteral("&Open"), this, [this] { OpenSelected(); });
+    QAction* check =
+        file->addAction(QStringLiteral("&Directory Check"), this, [this] { CheckSelected(); });
+    check->setShortcut(Qt::Key_F7);
     QAction* refresh = file->addAction(QStringLiteral("&Refresh"), this, [this] { Refresh(); });
     refresh->setShortcut(QKeySequence::Refresh);
     file->addSeparator();
@@ -186,6 +192,12 @@ void NodeListWindow::FillTable() {
         table_->setItem(i, 3, Cell(QString::number(row.directory), Qt::AlignRight));
         table_->setItem(i, 4, Cell(Text(row.modified)));
         table_->setItem(i, 5, Cell(QString::number(row.missingTargets), Qt::AlignRight));
+        table_->setItem(i, 6,
+                        Cell(row.reachable ? QStringLiteral("%1/%2")
+                                                 .arg(row.reachable->reachable)
+                                                 .arg(row.reachable->total)
+                                           : QStringLiteral("no directory"),
+                             Qt::AlignRight));
     }
     table_->resizeColumnsToContents();
     table_->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
@@ -228,6 +240,25 @@ void NodeListWindow::OpenSelected() {
     }
     openNode_(*shown, *number);
     Refresh();
+}
+
+void NodeListWindow::CheckSelected() {
+    const std::optional<session::PartitionKey> shown = ShownPartition();
+    const std::optional<std::int16_t> number = SelectedNumber();
+    if (!shown || !number) {
+        return;
+    }
+    if (!report_) {
+        report_ = new DirectoryCheckWindow(this);  // owned by this window
+    }
+    try {
+        report_->ShowReport(
+            session::CheckStoredNode(list_.Database(), shown->config, shown->partition, *number));
+    } catch (const ComponentError& error) {
+        report_->ShowProblem(error.Description());
+    }
+    report_->show();
+    report_->raise();
 }
 
 void NodeListWindow::NewNode() {

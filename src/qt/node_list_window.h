@@ -20,11 +20,15 @@ class DataBase;
 
 namespace dbn::qt {
 
+class DirectoryCheckWindow;
+
 // The program's main window: the dial-by-name nodes of one partition of the
 // configuration database, with a configuration and a partition chooser and
 // a filter. Enter or a double-click opens the selected node in the editor
 // (through openNode, which returns when the editor closes); the table is
-// then read again. File > New... creates a node from the template and opens it.
+// then read again. File > New... creates a node from the template and opens it;
+// File > Directory Check (F7) shows who callers can reach in the selected
+// node's directory.
 class NodeListWindow : public QMainWindow {
 public:
     using OpenNode = std::function<void(session::PartitionKey, std::int16_t)>;
@@ -37,6 +41,9 @@ public:
     void Refresh();
     // Opens the selected node, when there is one.
     void OpenSelected();
+    // Opens the directory check of the selected node in the report window.
+    void CheckSelected();
+    DirectoryCheckWindow* ReportWindow() const noexcept { return report_; }
     // Asks for a number, creates that node from the template and opens it.
     void NewNode();
     void ShowAbout();
@@ -66,6 +73,7 @@ private:
     QComboBox* partitionChooser_ = nullptr;
     QLineEdit* filter_ = nullptr;
     QTableWidget* table_ = nullptr;
+    DirectoryCheckWindow* report_ = nullptr;
 };
 
 }  // namespace dbn::qt

@@ -1,5 +1,6 @@
 #include "session/node_list.h"
 
+#include "core/component_error.h"
 #include "database/database.h"
 #include "session/load_helpers.h"
 #include "session/node_templates.h"
@@ -94,6 +95,13 @@ std::vector<NodeListRow> NodeList::Nodes(PartitionKey where) {
         }
         pool.Close();
         row.missingTargets = CountMissingTargets(where, row.number);
+        try {
+            row.reachable = CountReachableNames(db_, where.config, where.partition, row.number);
+        } catch (const ComponentError& error) {
+            if (error.Number() != kErrDirectoryMissing) {
+                throw;
+            }
+        }
     }
     return nodes;
 }

@@ -3,6 +3,8 @@
 // toolkit. It reads the dial-by-name nodes of a partition with the counts of
 // their missing targets, and creates a new node from the type's template.
 
+#include "session/directory_check.h"
+
 #include <compare>
 #include <cstdint>
 #include <optional>
@@ -33,12 +35,17 @@ struct NodeListRow {
     // How many of the node's gathered references point at nodes that do not
     // exist, gathered as the referenced-node check gathers them.
     int missingTargets = 0;
+    // How many names of the node's directory callers can reach, of how many;
+    // nothing when the directory node does not exist.
+    std::optional<ReachableCount> reachable;
     bool isTemplate = false;  // node 0
 };
 
 class NodeList {
 public:
     explicit NodeList(DataBase& db) : db_(db) {}
+
+    DataBase& Database() noexcept { return db_; }
 
     // The configurations and partitions that have dial-by-name nodes, in order.
     std::vector<PartitionKey> Partitions();

@@ -5,6 +5,7 @@
 
 #include "database/data_location.h"
 #include "database/database.h"
+#include "qt/directory_check_window.h"
 #include "qt/missing_database_offer.h"
 #include "qt/node_list_window.h"
 
@@ -67,7 +68,9 @@ TEST_F(NodeListWindowTest, ShowsThePartitionsNodesAndFiltersThem) {
     for (int column = 0; column < Table(*window).columnCount(); ++column) {
         headers << Table(*window).horizontalHeaderItem(column)->text();
     }
-    EXPECT_EQ(headers.join(','), "Number,Label,Method,Directory,Modified,Missing targets");
+    EXPECT_EQ(headers.join(','),
+              "Number,Label,Method,Directory,Modified,Missing targets,Reachable");
+    EXPECT_EQ(Cell(*window, 1, 6), "5/5");
 
     auto* partitions = window->findChild<QComboBox*>(QStringLiteral("partitions"));
     partitions->setCurrentIndex(partitions->findText(QStringLiteral("2")));
@@ -106,6 +109,30 @@ TEST_F(NodeListWindowTest, EnterAndDoubleClickOpenTheNodeAndTheTableIsReadAgain)
     ClickAt(*table.viewport(), middle);
     QApplication::sendEvent(table.viewport(), &doubleClick);
     EXPECT_EQ(opened, (std::vector<std::string>{"1/1", "1/2"}));
+}
+
+TEST_F(NodeListWindowTest, F7ShowsTheSelectedNodesDirectoryCheck) {
+    root.Exec("UPDATE Node_DBN SET DirectoryNodeNumber = 9 WHERE PartID = 1 AND NodeNumber = 2");
+    auto window = MakeWindow();
+    EXPECT_EQ(Cell(*window, 2, 6), "no directory");
+    QTableWidget& table = Table(*window);
+    const struct {
+        int row;
+        const char* summary;
+    } cases[] = {{1, "5 of 5 names reachable"}, {2, ""}};
+    for (const auto& c : cases) {
+        table.setCurrentCell(c.row, 0);
+        // The File menu's action bound to F7, as the window system runs it.
+        for (QAction* action : window->findChildren<QAction*>()) {
+            if (action->shortcut() == QKeySequence(Qt::Key_F7)) {
+                action->trigger();
+            }
+        }
+        ASSERT_NE(window->ReportWindow(), nullptr);
+        EXPECT_TRUE(window->ReportWindow()->isVisible());
+        EXPECT_EQ(window->ReportWindow()->Summary(), c.summary) << c.row;
+    }
+    EXPECT_TRUE(window->ReportWindow()->Heading().contains("DIR 9"));
 }
 
 TEST_F(NodeListWindowTest, NewAsksForAFreeNumberCreatesTheNodeAndOpensIt) {

@@ -33,6 +33,23 @@ TEST_F(NodeListTest, ListsPartitionsAndTheirNodesWithTheTemplateMarked) {
     EXPECT_EQ(list.HighestNodeNumber({1, 2}), 10);
 }
 
+// The Reachable column is the directory check of each stored node; a node
+// whose directory node is missing has no count and does not stop the list.
+TEST_F(NodeListTest, ReachableCountsComeFromEachNodesDirectoryCheck) {
+    TempDataRoot root(TempDataRoot::Content::Demo);
+    root.Exec(
+        "UPDATE Detail_DIR SET LastName = '--' WHERE PartID = 1 AND NodeMasterID = 1 AND "
+        "SequenceNo = 2;"
+        "UPDATE Node_DBN SET DirectoryNodeNumber = 9 WHERE PartID = 1 AND NodeNumber = 2");
+    DataBase db;
+    const std::vector<NodeListRow> rows = NodeList(db).Nodes({1, 1});
+    ASSERT_EQ(rows.size(), 3u);
+    ASSERT_TRUE(rows[1].reachable.has_value());
+    EXPECT_EQ(rows[1].reachable->reachable, 4);
+    EXPECT_EQ(rows[1].reachable->total, 5);
+    EXPECT_FALSE(rows[2].reachable.has_value());
+}
+
 // Every node's count equals the questions the check asks before a save of
 // the node as loaded, with some of the demo's targets gone.
 TEST_F(NodeListTest, MissingTargetsAreWhatTheReferencedNodeCheckAsksAbout) {
