@@ -188,7 +188,7 @@ BenchDataRoot::BenchDataRoot(Content content) {
     }
     root_ = pattern;
     Use();
-    path_ = DataSourceOf(BuildConnectionString());
+    path_ = GetDatabaseFilePath();
     CreateConfigurationDatabase(path_, true);
     if (content == Content::DemoAndLarge) {
         AddLargePartition(path_);

@@ -24,7 +24,7 @@ namespace dbn::host {
 namespace {
 
 constexpr const char* kEditUsage =
-    "edit [--data-root DIR] [--screenshot FILE] CONFIG PARTITION NODE";
+    "edit [--data-root DIR] [--database TARGET] [--screenshot FILE] CONFIG PARTITION NODE";
 
 std::optional<std::int16_t> ParseKey(const std::string& text) {
     std::int16_t value = 0;
@@ -71,7 +71,8 @@ void AnswerUnattended(QMessageBox& box) {
 
 int RunEdit(std::vector<std::string> args) {
     std::optional<std::string> screenshot;
-    if (!TakeDataRootOption(args) || !TakeScreenshotOption(args, screenshot)) {
+    if (!TakeDataRootOption(args) || !TakeDatabaseOption(args) ||
+        !TakeScreenshotOption(args, screenshot)) {
         return 2;
     }
     std::optional<std::int16_t> keys[3];

@@ -1,9 +1,9 @@
 // The "init" and "where" sub-commands: create the configuration database, and
 // tell where the editor looks for it.
 #include "core/component_error.h"
-#include "database/data_location.h"
 #include "database/database_errors.h"
 #include "database/database_setup.h"
+#include "database/database_target.h"
 #include "host/host_command.h"
 
 #include <iostream>
@@ -11,15 +11,12 @@
 namespace dbn::host {
 namespace {
 
-constexpr const char* kInitUsage = "init [--data-root DIR] [--empty] [--force]";
-constexpr const char* kWhereUsage = "where [--data-root DIR]";
-
-std::string DatabasePath() {
-    return DataSourceOf(BuildConnectionString());
-}
+constexpr const char* kInitUsage =
+    "init [--data-root DIR] [--database TARGET] [--empty] [--force]";
+constexpr const char* kWhereUsage = "where [--data-root DIR] [--database TARGET]";
 
 int RunInit(std::vector<std::string> args) {
-    if (!TakeDataRootOption(args)) {
+    if (!TakeDataRootOption(args) || !TakeDatabaseOption(args)) {
         return 2;
     }
     bool empty = false;
@@ -35,11 +32,16 @@ int RunInit(std::vector<std::string> args) {
             return 2;
         }
     }
-    const std::string path = DatabasePath();
+    const DatabaseTarget target = ResolveDatabaseTarget();
+    std::optional<std::string> backup;
     try {
-        CreateConfigurationDatabase(path, !empty,
-                                    force ? ExistingDatabase::Replace : ExistingDatabase::Refuse);
+        backup = CreateConfigurationDatabase(
+            target, !empty, force ? ExistingDatabase::Replace : ExistingDatabase::Refuse);
     } catch (const ComponentError& error) {
+        if (error.Number() == kErrDatabaseInUse) {
+            std::cerr << error.Description() << "\n";
+            return 1;
+        }
         if (error.Number() != kErrDatabaseExists) {
             throw;
         }
@@ -47,12 +49,15 @@ int RunInit(std::vector<std::string> args) {
                   << " Use --force to replace it with a new one.\n";
         return 1;
     }
-    std::cout << path << "\n";
+    if (backup) {
+        std::cout << "The previous database was kept as " << *backup << "\n";
+    }
+    std::cout << DisplayName(target) << "\n";
     return 0;
 }
 
 int RunWhere(std::vector<std::string> args) {
-    if (!TakeDataRootOption(args)) {
+    if (!TakeDataRootOption(args) || !TakeDatabaseOption(args)) {
         return 2;
     }
     if (!args.empty()) {
@@ -60,7 +65,7 @@ int RunWhere(std::vector<std::string> args) {
                   << kWhereUsage << "\n";
         return 2;
     }
-    std::cout << DatabasePath() << "\n";
+    std::cout << DisplayName(ResolveDatabaseTarget()) << "\n";
     return 0;
 }
 

@@ -25,4 +25,10 @@ struct HostCommandRegistration {
 // root of this run. Answers false (after printing why) on a missing DIR.
 bool TakeDataRootOption(std::vector<std::string>& args);
 
+// Removes "--database TARGET" from args and, when present, makes TARGET (a
+// server connection string or an SQLite file) the database of this run,
+// ahead of $DBN_DATABASE and the derived file. Answers false (after printing
+// why) on a missing TARGET.
+bool TakeDatabaseOption(std::vector<std::string>& args);
+
 }  // namespace dbn::host

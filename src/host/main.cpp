@@ -4,6 +4,7 @@
 
 #include "core/component_error.h"
 #include "database/data_location.h"
+#include "database/database_target.h"
 
 #include <iostream>
 
@@ -40,6 +41,23 @@ bool TakeDataRootOption(std::vector<std::string>& args) {
                 return false;
             }
             SetDataRootOverride(args[i + 1]);
+            args.erase(args.begin() + static_cast<long>(i),
+                       args.begin() + static_cast<long>(i) + 2);
+            return true;
+        }
+    }
+    return true;
+}
+
+bool TakeDatabaseOption(std::vector<std::string>& args) {
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        if (args[i] == "--database") {
+            if (i + 1 >= args.size()) {
+                std::cerr << "error: --database needs a target (a server URI, key/value "
+                             "connection string or SQLite file)\n";
+                return false;
+            }
+            SetDatabaseOverride(args[i + 1]);
             args.erase(args.begin() + static_cast<long>(i),
                        args.begin() + static_cast<long>(i) + 2);
             return true;

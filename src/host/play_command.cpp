@@ -20,11 +20,11 @@ std::vector<std::string> ReadLines(std::istream& in) {
 
 int RunPlay(const std::vector<std::string>& arguments) {
     std::vector<std::string> args = arguments;
-    if (!TakeDataRootOption(args)) {
+    if (!TakeDataRootOption(args) || !TakeDatabaseOption(args)) {
         return kRunScriptError;
     }
     if (args.size() != 1) {
-        std::cerr << "usage: dbn-node-editor play [--data-root DIR] SCRIPT\n";
+        std::cerr << "usage: dbn-node-editor play [--data-root DIR] [--database TARGET] SCRIPT\n";
         return kRunScriptError;
     }
     std::vector<std::string> lines;
@@ -43,7 +43,7 @@ int RunPlay(const std::vector<std::string>& arguments) {
 }
 
 const HostCommandRegistration registration{
-    {"play", "play [--data-root DIR] SCRIPT", RunPlay},
+    {"play", "play [--data-root DIR] [--database TARGET] SCRIPT", RunPlay},
 };
 
 }  // namespace

@@ -23,7 +23,7 @@ using testing::TempDataRoot;
 // The error the first command raises on the file at path.
 ComponentError FirstCommandError(const std::string& path,
                                  std::chrono::milliseconds timeout = std::chrono::seconds(30)) {
-    DataBase db("Provider=SQLite;Data Source=" + path);
+    DataBase db(DatabaseTarget::SqliteFile(path));
     db.SetBusyTimeout(timeout);
     return ErrorOf([&] { db.Execute("Get_Node_Names"); });
 }

@@ -1,5 +1,6 @@
 // Creating configuration databases, and the facts of the demo content.
 
+#include "database/database.h"
 #include "database/database_errors.h"
 #include "database/database_setup.h"
 #include "error_of.h"
@@ -26,19 +27,40 @@ TEST(Setup, RefusesToOverwriteUnlessAskedToReplace) {
     EXPECT_NE(refused.Description().find(path), std::string::npos);
     EXPECT_EQ(fs::file_size(path), 7u);
 
-    CreateConfigurationDatabase(path, true, ExistingDatabase::Replace);
+    std::ofstream(path + ".bak", std::ios::trunc) << "an older backup";
+    EXPECT_EQ(CreateConfigurationDatabase(path, true, ExistingDatabase::Replace), path + ".bak");
     EXPECT_EQ(root.QueryInt("SELECT count(*) FROM Node_DBN"), 5);
-    // Nothing of the build is left beside the database.
+    // The previous file is kept whole beside it, in place of the older backup;
+    // nothing of the build is left.
+    EXPECT_EQ(fs::file_size(path + ".bak"), 7u);
     const fs::path folder = fs::path(path).parent_path();
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 2);
 
     fs::remove(path);
     fs::create_directory(path);
-    EXPECT_NE(ErrorOf([&] {
-                  CreateConfigurationDatabase(path, false, ExistingDatabase::Replace);
-              }).Number(),
-              0);
+    for (const ExistingDatabase existing : {ExistingDatabase::Refuse, ExistingDatabase::Replace}) {
+        const ComponentError notAFile =
+            ErrorOf([&] { CreateConfigurationDatabase(path, false, existing); });
+        EXPECT_EQ(notAFile.Number(), kErrDatabaseNotRegularFile);
+        EXPECT_EQ(notAFile.Description(),
+                  "The configuration database " + path + " is a folder, not a regular file.");
+    }
     EXPECT_TRUE(fs::is_directory(path));
+}
+
+TEST(Setup, ReplacingLeavesADatabaseThatAnotherProgramIsWritingAlone) {
+    TempDataRoot root(TempDataRoot::Content::Demo);
+    const std::string path = root.DatabasePath();
+    DataBase writer(DatabaseTarget::SqliteFile(path));
+    writer.BeginTrans();
+    const ComponentError inUse =
+        ErrorOf([&] { CreateConfigurationDatabase(path, false, ExistingDatabase::Replace); });
+    EXPECT_EQ(inUse.Number(), kErrDatabaseInUse);
+    EXPECT_EQ(inUse.Description(), "The configuration database " + path +
+                                       " is in use by another program. Nothing was replaced.");
+    writer.RollbackTrans();
+    EXPECT_FALSE(fs::exists(path + ".bak"));
+    EXPECT_EQ(root.QueryInt("SELECT count(*) FROM Node_DBN"), 5);
 }
 
 // Every whole-number column of the node row converts text to integers: all

@@ -28,7 +28,7 @@ public:
         }
         root_ = pattern;
         SetDataRootOverride(root_);
-        path_ = DataSourceOf(BuildConnectionString());
+        path_ = GetDatabaseFilePath();
         CreateConfigurationDatabase(path_, content == Content::Demo);
     }
 
