@@ -82,7 +82,7 @@ TEST(DatabaseFile, LockedByAnotherProgramAfterTheTimeOut) {
                 kErrDatabaseLocked, root.DatabasePath(), "locked by another program");
 
     // A save's transaction waits for the writer the same way.
-    DataBase db;
+    DataBase db(DatabaseTarget::SqliteFile(root.DatabasePath()));
     db.SetBusyTimeout(std::chrono::milliseconds(20));
     EXPECT_EQ(ErrorOf([&] { db.BeginTrans(); }).Number(), kErrDatabaseLocked);
     EXPECT_FALSE(db.InTransaction());

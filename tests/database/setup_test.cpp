@@ -20,6 +20,7 @@ using testing::TempDataRoot;
 
 TEST(Setup, RefusesToOverwriteUnlessAskedToReplace) {
     TempDataRoot root;
+    DBN_FILE_TEST_ONLY(root);
     const std::string path = root.DatabasePath();
     std::ofstream(path, std::ios::trunc) << "keep me";
     const ComponentError refused = ErrorOf([&] { CreateConfigurationDatabase(path, true); });
@@ -50,6 +51,7 @@ TEST(Setup, RefusesToOverwriteUnlessAskedToReplace) {
 
 TEST(Setup, ReplacingLeavesADatabaseThatAnotherProgramIsWritingAlone) {
     TempDataRoot root(TempDataRoot::Content::Demo);
+    DBN_FILE_TEST_ONLY(root);
     const std::string path = root.DatabasePath();
     DataBase writer(DatabaseTarget::SqliteFile(path));
     writer.BeginTrans();
@@ -68,6 +70,7 @@ TEST(Setup, ReplacingLeavesADatabaseThatAnotherProgramIsWritingAlone) {
 // database has no rows.
 TEST(Setup, EmptyDatabaseHasTheSchemaOnly) {
     TempDataRoot root;
+    DBN_FILE_TEST_ONLY(root);
     EXPECT_EQ(root.QueryText("SELECT count(*) || ' ' || sum(type = 'INTEGER') || ' ' || "
                              "((SELECT count(*) FROM SR_Node_Type_Names) + (SELECT count(*) FROM "
                              "Node_General_Pool)) FROM pragma_table_info('Node_DBN')"),
@@ -97,7 +100,7 @@ TEST(Setup, DemoReferencesExistInThePool) {
     EXPECT_EQ(root.QueryInt("SELECT (SELECT count(*) FROM Node_General_Pool WHERE PartID = 2 AND "
                             "NodeTypeID = 0 AND NodeNumber = 12) + (SELECT count(*) FROM (SELECT "
                             "1 FROM Node_General_Pool GROUP BY PartID, NodeDescription HAVING "
-                            "count(*) > 1))"),
+                            "count(*) > 1) AS twins)"),
               0);
 }
 

@@ -45,6 +45,9 @@ TEST_F(SessionTest, AMissingNodeIsReportedOnceAndNeverShown) {
     EXPECT_EQ(services.descriptionAtUnload, "Staff directory");
 
     SetDataRootOverride(root.Root() + "/elsewhere");  // no database at all
+    if (root.OnServer()) {
+        ::setenv("DBN_DATABASE", testing::UriOfDatabase("no_such_database").c_str(), 1);
+    }
     services.hookedAtUnload = true;
     Open(1, 1);
     EXPECT_EQ(services.modalShows, 0);

@@ -33,14 +33,14 @@ public:
         root_ = pattern;
         SetDataRootOverride(root_);
         path_ = GetDatabaseFilePath();
+        // The file is made in the server pass too, for the tests of the file.
+        CreateConfigurationDatabase(path_, content == Content::Demo);
         if (TestsUseServer()) {
             server_ = std::make_unique<ScratchServerDatabase>();
             ::setenv("DBN_DATABASE", server_->Uri().c_str(), 1);
             CreateConfigurationDatabase(DatabaseTarget::Server(server_->Uri()),
                                         content == Content::Demo, ExistingDatabase::Refuse);
-            return;
         }
-        CreateConfigurationDatabase(path_, content == Content::Demo);
     }
 
     ~TempDataRoot() {
@@ -59,11 +59,35 @@ public:
     const std::string& Root() const { return root_; }
     std::string DatabasePath() const { return path_; }
 
-    // True when the configuration is on the test server.
+    // True when the configuration is on the test server (the file is made
+    // all the same, but the editor's DataBase objects use the server).
     bool OnServer() const { return server_ != nullptr; }
     // The database as its engine addresses it: the file or the server URI.
     DatabaseTarget Target() const {
         return server_ ? DatabaseTarget::Server(server_->Uri()) : DatabaseTarget::SqliteFile(path_);
+    }
+
+    // Makes every INSERT or UPDATE (event) on table fail with "injected"
+    // until RemoveInjectedFailure.
+    void InjectFailure(const std::string& table, const std::string& event) const {
+        if (server_) {
+            Exec("CREATE OR REPLACE FUNCTION injected() RETURNS trigger AS $$ BEGIN RAISE "
+                 "EXCEPTION 'injected'; END $$ LANGUAGE plpgsql");
+            Exec("CREATE TRIGGER injected BEFORE " + event + " ON " + table +
+                 " FOR EACH ROW EXECUTE FUNCTION injected()");
+            return;
+        }
+        Exec("CREATE TRIGGER injected BEFORE " + event + " ON " + table +
+             " BEGIN SELECT RAISE(ABORT, 'injected'); END");
+    }
+    void RemoveInjectedFailure(const std::string& table) const {
+        Exec(server_ ? "DROP TRIGGER injected ON " + table : "DROP TRIGGER injected");
+    }
+
+    // The aggregate that joins texts: group_concat on the file, string_agg
+    // on the server.
+    std::string JoinedTexts(const std::string& expression, const std::string& separator) const {
+        return (server_ ? "string_agg(" : "group_concat(") + expression + ", " + separator + ")";
     }
 
     // Runs SQL on the database through a short-lived connection of its own.
@@ -162,3 +186,12 @@ private:
 };
 
 }  // namespace dbn::testing
+
+// In a test of the SQLite file itself: skipped in the server pass, where the
+// editor's DataBase objects use the server (the test ran in the file pass).
+#define DBN_FILE_TEST_ONLY(root)                                                  \
+    do {                                                                          \
+        if ((root).OnServer()) {                                                  \
+            GTEST_SKIP() << "a test of the SQLite file; it ran in the file pass"; \
+        }                                                                         \
+    } while (false)
