@@ -60,8 +60,8 @@ void CopyLargeFloor(benchmark::State& state) {
         for (const SchemaTable& table : ConfigurationSchema()) {
             const std::string file = folder + "/" + TableName(table) + ".copy";
             dump << "\\copy " << TableName(table) << " TO '" << file << "'\n";
-            load << "TRUNCATE " << TableName(table) << ";\n\\copy " << TableName(table)
-                 << " FROM '" << file << "'\n";
+            load << "TRUNCATE " << TableName(table) << ";\n\\copy " << TableName(table) << " FROM '"
+                 << file << "'\n";
         }
         load << "COMMIT;\n";
         dump.close();

@@ -107,11 +107,11 @@ void RemoveCreatedNodes() {
 long CreatedNodeCount() {
     long count = 0;
     for (const MissingNode& node : MissingNodes()) {
-        count += CreationRoot().QueryNumber("SELECT count(*) FROM Node_General_Pool WHERE ConfigID = 1 AND "
-                             "PartID = " +
-                                 std::to_string(kPartition) +
-                                 " AND NodeTypeID = " + std::to_string(node.typeID) +
-                                 " AND NodeNumber = " + std::to_string(node.number));
+        count += CreationRoot().QueryNumber(
+            "SELECT count(*) FROM Node_General_Pool WHERE ConfigID = 1 AND "
+            "PartID = " +
+            std::to_string(kPartition) + " AND NodeTypeID = " + std::to_string(node.typeID) +
+            " AND NodeNumber = " + std::to_string(node.number));
     }
     return count;
 }

@@ -241,8 +241,7 @@ long long BenchDataRoot::QueryNumber(const std::string& sql) const {
     }
     auto conn = testing::ConnectTo(serverUri_);
     PGresult* result = PQexec(conn.get(), sql.c_str());
-    const long long value =
-        PQntuples(result) > 0 ? std::atoll(PQgetvalue(result, 0, 0)) : 0;
+    const long long value = PQntuples(result) > 0 ? std::atoll(PQgetvalue(result, 0, 0)) : 0;
     PQclear(result);
     return value;
 }

@@ -69,7 +69,8 @@ public:
             case DataBaseStep::Eof:
                 return rows.position >= count ? 1 : 0;
             case DataBaseStep::Field:
-                return PQgetlength(rows.rows, rows.position, PQfnumber(rows.rows, step.column.c_str()));
+                return PQgetlength(rows.rows, rows.position,
+                                   PQfnumber(rows.rows, step.column.c_str()));
             case DataBaseStep::MoveNext:
                 ++rows.position;
                 return 0;

@@ -31,9 +31,9 @@ bool HoldsConfigurationRows(DatabaseEngine& target) {
 }
 
 [[noreturn]] void RaiseHoldsRows(const std::string& name) {
-    RaiseDatabaseError(kErrTargetHasConfiguration,
-                       "The database \"" + name +
-                           "\" already holds a configuration. Use --force to replace it.");
+    RaiseDatabaseError(
+        kErrTargetHasConfiguration,
+        "The database \"" + name + "\" already holds a configuration. Use --force to replace it.");
 }
 
 void WriteConfiguration(DatabaseEngine& target, const std::vector<TableRows>& rows) {

@@ -72,9 +72,8 @@ RowSet& DataBase::Recordset(std::string_view commandName) {
     }
     auto found = rowSets_.find(commandName);
     if (found == rowSets_.end()) {
-        found =
-            rowSets_.emplace(std::string(commandName), RowSet("rs" + std::string(commandName)))
-                .first;
+        found = rowSets_.emplace(std::string(commandName), RowSet("rs" + std::string(commandName)))
+                    .first;
         found->second.SetObserver(&observer_);
     }
     return found->second;

@@ -8,6 +8,7 @@
 #include "database/database_target.h"
 #include "database/field_value.h"
 #include "database/schema_model.h"
+#include "database/sql_translation.h"
 
 #include <chrono>
 #include <memory>
@@ -67,6 +68,10 @@ protected:
     long roundTrips_ = 0;
 };
 
+// Raises the catalogue fault of a command whose statement has another number
+// of parameters than it declares.
+void CheckParameterCount(const CatalogueCommand& command, const TranslatedStatement& statement);
+
 enum class OpenMode { Existing, CreateNew };
 
 // Connects to target. An SQLite file must exist and be a configuration
@@ -76,8 +81,7 @@ std::unique_ptr<DatabaseEngine> ConnectEngine(const DatabaseTarget& target,
                                               OpenMode mode = OpenMode::Existing);
 
 std::unique_ptr<DatabaseEngine> ConnectSqlite(const std::string& path,
-                                              std::chrono::milliseconds lockTimeout,
-                                              OpenMode mode);
+                                              std::chrono::milliseconds lockTimeout, OpenMode mode);
 std::unique_ptr<DatabaseEngine> ConnectPostgres(const std::string& conninfo,
                                                 std::chrono::milliseconds lockTimeout);
 

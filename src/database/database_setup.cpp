@@ -31,8 +31,7 @@ std::vector<TableRows> DemoContentRows() {
                        "The configuration database \"" + name + "\" already exists.");
 }
 
-void CreateOnServer(const std::string& conninfo, bool withDemoContent,
-                    ExistingDatabase existing) {
+void CreateOnServer(const std::string& conninfo, bool withDemoContent, ExistingDatabase existing) {
     auto server = ConnectPostgres(conninfo, kNoWait);
     try {
         server->BeginWrite();
@@ -45,9 +44,8 @@ void CreateOnServer(const std::string& conninfo, bool withDemoContent,
         throw;
     }
     const auto& tables = ConfigurationSchema();
-    const bool hasTables = std::any_of(tables.begin(), tables.end(), [&](const SchemaTable& t) {
-        return server->HasTable(t);
-    });
+    const bool hasTables = std::any_of(tables.begin(), tables.end(),
+                                       [&](const SchemaTable& t) { return server->HasTable(t); });
     if (hasTables && existing == ExistingDatabase::Refuse) {
         RaiseExists(server->Name());
     }

@@ -110,11 +110,20 @@ void AppendCopyValue(std::string& line, const FieldValue& value) {
             } else {
                 for (const char c : v) {
                     switch (c) {
-                        case '\\': line += "\\\\"; break;
-                        case '\n': line += "\\n"; break;
-                        case '\r': line += "\\r"; break;
-                        case '\t': line += "\\t"; break;
-                        default: line += c;
+                        case '\\':
+                            line += "\\\\";
+                            break;
+                        case '\n':
+                            line += "\\n";
+                            break;
+                        case '\r':
+                            line += "\\r";
+                            break;
+                        case '\t':
+                            line += "\\t";
+                            break;
+                        default:
+                            line += c;
                     }
                 }
             }
@@ -130,16 +139,14 @@ public:
                       const std::vector<std::string>& args) override;
     void BeginWrite() override;
     void Exec(const std::string& sql, std::string_view doing) override;
-    bool InTransaction() const override {
-        return PQtransactionStatus(conn_.get()) != PQTRANS_IDLE;
-    }
+    bool InTransaction() const override { return PQtransactionStatus(conn_.get()) != PQTRANS_IDLE; }
     void SetLockTimeout(std::chrono::milliseconds timeout) override;
     bool HasTable(const SchemaTable& table) override;
     bool HasRows(const SchemaTable& table) override {
-        Result result = Checked(
-            PQexec(conn_.get(),
-                   ("SELECT 1 FROM " + Quoted(Lowered(table.name)) + " LIMIT 1").c_str()),
-            "reading " + table.name);
+        Result result =
+            Checked(PQexec(conn_.get(),
+                           ("SELECT 1 FROM " + Quoted(Lowered(table.name)) + " LIMIT 1").c_str()),
+                    "reading " + table.name);
         return PQntuples(result.get()) > 0;
     }
     void BeginRead() override {
@@ -162,8 +169,7 @@ private:
     std::set<std::string, std::less<>> prepared_;
 };
 
-PostgresEngine::PostgresEngine(const std::string& conninfo,
-                               std::chrono::milliseconds lockTimeout)
+PostgresEngine::PostgresEngine(const std::string& conninfo, std::chrono::milliseconds lockTimeout)
     : conninfo_(conninfo), name_(DisplayName(DatabaseTarget::Server(conninfo))) {
     // Defaults that the connection string or the PG* variables override.
     std::vector<const char*> keywords;
@@ -241,8 +247,8 @@ void PostgresEngine::RaiseFailure(const PGresult* result, std::string_view doing
 Result PostgresEngine::Checked(PGresult* raw, std::string_view doing) const {
     Result result(raw);
     const ExecStatusType status = PQresultStatus(result.get());
-    if (!result || (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK &&
-                    status != PGRES_COPY_IN)) {
+    if (!result ||
+        (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK && status != PGRES_COPY_IN)) {
         RaiseFailure(result.get(), doing);
     }
     return result;
@@ -264,10 +270,10 @@ CommandResult PostgresEngine::Run(const CatalogueCommand& command,
         values.push_back(arg.c_str());
     }
     ++roundTrips_;
-    Result result = Checked(PQexecPrepared(conn_.get(), std::string(command.name).c_str(),
-                                           static_cast<int>(values.size()), values.data(),
-                                           nullptr, nullptr, 0),
-                            command.name);
+    Result result =
+        Checked(PQexecPrepared(conn_.get(), std::string(command.name).c_str(),
+                               static_cast<int>(values.size()), values.data(), nullptr, nullptr, 0),
+                command.name);
     CommandResult out;
     if (command.kind == CommandKind::Action) {
         const char* changed = PQcmdTuples(result.get());
@@ -326,11 +332,10 @@ TableRows PostgresEngine::ReadTable(const SchemaTable& table) {
     for (const std::string& key : table.primaryKey) {
         order += (order.empty() ? "" : ", ") + Quoted(Lowered(key));
     }
-    Result result =
-        Checked(PQexec(conn_.get(), ("SELECT " + ColumnList(table) + " FROM " +
-                                     Quoted(Lowered(table.name)) + " ORDER BY " + order)
-                                        .c_str()),
-                "reading " + table.name);
+    Result result = Checked(PQexec(conn_.get(), ("SELECT " + ColumnList(table) + " FROM " +
+                                                 Quoted(Lowered(table.name)) + " ORDER BY " + order)
+                                                    .c_str()),
+                            "reading " + table.name);
     TableRows rows;
     const int columns = PQnfields(result.get());
     for (int row = 0; row < PQntuples(result.get()); ++row) {
@@ -346,8 +351,8 @@ TableRows PostgresEngine::ReadTable(const SchemaTable& table) {
 
 void PostgresEngine::AppendRows(const SchemaTable& table, const TableRows& rows) {
     const std::string doing = "writing " + table.name;
-    Checked(PQexec(conn_.get(), ("COPY " + Quoted(Lowered(table.name)) + " (" +
-                                 ColumnList(table) + ") FROM STDIN")
+    Checked(PQexec(conn_.get(), ("COPY " + Quoted(Lowered(table.name)) + " (" + ColumnList(table) +
+                                 ") FROM STDIN")
                                     .c_str()),
             doing);
     std::string chunk;

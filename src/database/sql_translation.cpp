@@ -1,6 +1,5 @@
 #include "database/sql_translation.h"
 
-#include "database/database_errors.h"
 #include "database/schema_model.h"
 
 #include <algorithm>
@@ -39,8 +38,8 @@ bool SameName(std::string_view a, std::string_view b) {
 
 // How one engine writes what the catalogue writes its own way.
 struct Dialect {
-    char parameterMark;         // '?' (SQLite ?N) or '$' (PostgreSQL $N)
-    bool foldQuotedNames;       // grave-accented names to lower case
+    char parameterMark;    // '?' (SQLite ?N) or '$' (PostgreSQL $N)
+    bool foldQuotedNames;  // grave-accented names to lower case
 };
 
 constexpr Dialect kSqlite{'?', false};
@@ -195,16 +194,6 @@ TranslatedStatement TranslateToPostgres(std::string_view text) {
     TranslatedStatement statement = Translate(text, kPostgres);
     statement.sql = TypeSelectListParameters(statement.sql);
     return statement;
-}
-
-void CheckParameterCount(const CatalogueCommand& command, const TranslatedStatement& statement) {
-    if (statement.parameters.size() != static_cast<std::size_t>(command.parameterCount)) {
-        RaiseDatabaseError(kErrCatalogueParameters,
-                           "Command " + std::string(command.name) + " declares " +
-                               std::to_string(command.parameterCount) +
-                               " parameters but its statement has " +
-                               std::to_string(statement.parameters.size()) + ".");
-    }
 }
 
 }  // namespace dbn

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "database/command_catalogue.h"
-
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,9 +26,5 @@ TranslatedStatement TranslateToSqlite(std::string_view text);
 // parameter in the select list of INSERT ... SELECT is cast to the type of
 // the column it fills.
 TranslatedStatement TranslateToPostgres(std::string_view text);
-
-// Raises the catalogue fault of a command whose statement has another number
-// of parameters than it declares.
-void CheckParameterCount(const CatalogueCommand& command, const TranslatedStatement& statement);
 
 }  // namespace dbn

@@ -97,8 +97,8 @@ public:
     }
     bool HasTable(const SchemaTable& table) override;
     bool HasRows(const SchemaTable& table) override {
-        Statement statement = Prepare("SELECT 1 FROM " + Quoted(table.name) + " LIMIT 1",
-                                      "reading " + table.name);
+        Statement statement =
+            Prepare("SELECT 1 FROM " + Quoted(table.name) + " LIMIT 1", "reading " + table.name);
         return !StepAll(statement.get(), "reading " + table.name).empty();
     }
     void BeginRead() override { Exec("BEGIN", "reading"); }
@@ -118,15 +118,15 @@ private:
     std::map<std::string, Statement, std::less<>> statements_;
 };
 
-SqliteEngine::SqliteEngine(std::string path, std::chrono::milliseconds lockTimeout,
-                           OpenMode mode)
+SqliteEngine::SqliteEngine(std::string path, std::chrono::milliseconds lockTimeout, OpenMode mode)
     : path_(std::move(path)) {
     if (mode == OpenMode::Existing) {
         CheckDatabaseFile(path_);
     }
     // Without SQLITE_OPEN_CREATE a file that vanished since the check is not
     // made anew.
-    const int flags = SQLITE_OPEN_READWRITE | (mode == OpenMode::CreateNew ? SQLITE_OPEN_CREATE : 0);
+    const int flags =
+        SQLITE_OPEN_READWRITE | (mode == OpenMode::CreateNew ? SQLITE_OPEN_CREATE : 0);
     sqlite3* raw = nullptr;
     const int rc = sqlite3_open_v2(path_.c_str(), &raw, flags, nullptr);
     ConnectionHandle connection(raw);
@@ -185,9 +185,8 @@ CommandResult SqliteEngine::Run(const CatalogueCommand& command,
     auto found = statements_.find(command.name);
     if (found == statements_.end()) {
         found = statements_
-                    .emplace(std::string(command.name),
-                             Prepare(SqliteTextOf(command), command.name,
-                                     SQLITE_PREPARE_PERSISTENT))
+                    .emplace(std::string(command.name), Prepare(SqliteTextOf(command), command.name,
+                                                                SQLITE_PREPARE_PERSISTENT))
                     .first;
     }
     sqlite3_stmt* statement = found->second.get();
@@ -221,9 +220,9 @@ void SqliteEngine::Exec(const std::string& sql, std::string_view doing) {
 }
 
 bool SqliteEngine::HasTable(const SchemaTable& table) {
-    Statement statement = Prepare(
-        "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = ?1 COLLATE NOCASE",
-        "reading the schema");
+    Statement statement =
+        Prepare("SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = ?1 COLLATE NOCASE",
+                "reading the schema");
     sqlite3_bind_text(statement.get(), 1, table.name.c_str(), -1, SQLITE_TRANSIENT);
     return !StepAll(statement.get(), "reading the schema").empty();
 }
@@ -233,9 +232,9 @@ TableRows SqliteEngine::ReadTable(const SchemaTable& table) {
     for (const std::string& key : table.primaryKey) {
         order += (order.empty() ? "" : ", ") + Quoted(key);
     }
-    Statement statement = Prepare("SELECT " + ColumnList(table) + " FROM " + Quoted(table.name) +
-                                      " ORDER BY " + order,
-                                  "reading " + table.name);
+    Statement statement = Prepare(
+        "SELECT " + ColumnList(table) + " FROM " + Quoted(table.name) + " ORDER BY " + order,
+        "reading " + table.name);
     return StepAll(statement.get(), "reading " + table.name);
 }
 
@@ -244,9 +243,9 @@ void SqliteEngine::AppendRows(const SchemaTable& table, const TableRows& rows) {
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
         marks += i == 0 ? "?" : ", ?";
     }
-    Statement statement = Prepare("INSERT INTO " + Quoted(table.name) + " (" + ColumnList(table) +
-                                      ") VALUES (" + marks + ")",
-                                  "writing " + table.name);
+    Statement statement = Prepare(
+        "INSERT INTO " + Quoted(table.name) + " (" + ColumnList(table) + ") VALUES (" + marks + ")",
+        "writing " + table.name);
     for (const auto& row : rows) {
         sqlite3_reset(statement.get());
         for (std::size_t i = 0; i < row.size(); ++i) {

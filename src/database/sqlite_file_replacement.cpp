@@ -26,13 +26,19 @@ constexpr fs::perms kFilePermissions = fs::perms::owner_read | fs::perms::owner_
 
 const char* KindOf(fs::file_type type) {
     switch (type) {
-        case fs::file_type::directory: return "a folder";
-        case fs::file_type::not_found: return "a link to nothing";
-        case fs::file_type::fifo: return "a pipe";
-        case fs::file_type::socket: return "a socket";
+        case fs::file_type::directory:
+            return "a folder";
+        case fs::file_type::not_found:
+            return "a link to nothing";
+        case fs::file_type::fifo:
+            return "a pipe";
+        case fs::file_type::socket:
+            return "a socket";
         case fs::file_type::block:
-        case fs::file_type::character: return "a device";
-        default: return "not a file";
+        case fs::file_type::character:
+            return "a device";
+        default:
+            return "not a file";
     }
 }
 
@@ -63,9 +69,9 @@ bool IsExistingRegularFile(const std::string& path) {
     }
     const fs::file_type type = fs::status(path, error).type();
     if (type != fs::file_type::regular) {
-        RaiseDatabaseError(kErrDatabaseNotRegularFile, "The configuration database " + path +
-                                                           " is " + KindOf(type) +
-                                                           ", not a regular file.");
+        RaiseDatabaseError(
+            kErrDatabaseNotRegularFile,
+            "The configuration database " + path + " is " + KindOf(type) + ", not a regular file.");
     }
     return true;
 }

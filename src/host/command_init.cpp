@@ -11,8 +11,7 @@
 namespace dbn::host {
 namespace {
 
-constexpr const char* kInitUsage =
-    "init [--data-root DIR] [--database TARGET] [--empty] [--force]";
+constexpr const char* kInitUsage = "init [--data-root DIR] [--database TARGET] [--empty] [--force]";
 constexpr const char* kWhereUsage = "where [--data-root DIR] [--database TARGET]";
 
 int RunInit(std::vector<std::string> args) {

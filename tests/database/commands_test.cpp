@@ -86,15 +86,16 @@ TEST(Execution, TextArgumentsMeetIntegerColumns) {
     EXPECT_EQ(db.Execute("Add_DBN_PromptsNode", {"1", "2", "12", "0", "3", "5", "MSG"}), 1);
     // Stored as numbers, not as the texts given (typeof on the file, the
     // column types on the server).
-    EXPECT_EQ(root.QueryText(root.OnServer()
-                                 ? "SELECT pg_typeof(PromptNumber)::text || "
-                                   "pg_typeof(PromptNodeType)::text || "
-                                   "(PromptNumber + PromptNodeNumber) FROM Detail_DBN_Prompts WHERE "
-                                   "PartID = 2 AND NodeMasterID = 5 AND PromptNumber = 12"
-                                 : "SELECT typeof(PromptNumber) || typeof(PromptNodeType) || "
+    EXPECT_EQ(
+        root.QueryText(root.OnServer()
+                           ? "SELECT pg_typeof(PromptNumber)::text || "
+                             "pg_typeof(PromptNodeType)::text || "
+                             "(PromptNumber + PromptNodeNumber) FROM Detail_DBN_Prompts WHERE "
+                             "PartID = 2 AND NodeMasterID = 5 AND PromptNumber = 12"
+                           : "SELECT typeof(PromptNumber) || typeof(PromptNodeType) || "
                              "(PromptNumber + PromptNodeNumber) FROM Detail_DBN_Prompts WHERE "
                              "PartID = 2 AND NodeMasterID = 5 AND PromptNumber = 12"),
-              root.OnServer() ? "smallinttext15" : "integertext15");
+        root.OnServer() ? "smallinttext15" : "integertext15");
 }
 
 }  // namespace

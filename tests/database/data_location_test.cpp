@@ -66,11 +66,10 @@ TEST(DataLocation, OverrideAnswersForBothSourcesAndTheFileIsUsedAsAPath) {
     SetDataRootOverride(std::nullopt);
     EXPECT_NE(BuildConnectionString(), expected);
 
-
     // Roots with the connection string's own separators, quotes, blanks,
     // non-ASCII letters or a leading "-" reach the file path unchanged.
-    for (const std::string root : {"/tmp/a;b", "/tmp/x=y", "/tmp/it's \"q\"", "/tmp/Zürich ö",
-                                   "-lead"}) {
+    for (const std::string root :
+         {"/tmp/a;b", "/tmp/x=y", "/tmp/it's \"q\"", "/tmp/Zürich ö", "-lead"}) {
         SetDataRootOverride(root);
         EXPECT_EQ(GetDatabaseFilePath(), root + "/Corvell/Sonavis+/Database/NewDB.mdb");
         EXPECT_EQ(ResolveDatabaseTarget().location, GetDatabaseFilePath());

@@ -27,9 +27,10 @@ protected:
         std::string labels;
         for (int number = 1; number <= 5; ++number) {
             labels += (number == 1 ? "" : "/") +
-                      root_.QueryText("SELECT NodeDescription FROM Node_General_Pool WHERE PartID "
-                                      "= 1 AND NodeTypeID = 0 AND NodeNumber = " +
-                                      std::to_string(number));
+                      root_.QueryText(
+                          "SELECT NodeDescription FROM Node_General_Pool WHERE PartID "
+                          "= 1 AND NodeTypeID = 0 AND NodeNumber = " +
+                          std::to_string(number));
         }
         return labels;
     }

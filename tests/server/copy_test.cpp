@@ -66,12 +66,11 @@ TEST_F(Copy, FileToServerAndBackLeavesIdenticalContentWithEveryKindOfValue) {
                     FieldValue(std::int64_t{0}), FieldValue(std::int64_t{1}),
                     FieldValue(std::string("Zürich")), FieldValue(), FieldValue()}});
         engine->AppendRows(
-            names, {{FieldValue(std::int64_t{9}), FieldValue(std::int64_t{9}),
-                     FieldValue(std::int64_t{1}),
-                     FieldValue(std::numeric_limits<std::int64_t>::max())},
-                    {FieldValue(std::int64_t{9}), FieldValue(std::int64_t{9}),
-                     FieldValue(std::int64_t{2}),
-                     FieldValue(std::numeric_limits<std::int64_t>::min())}});
+            names,
+            {{FieldValue(std::int64_t{9}), FieldValue(std::int64_t{9}), FieldValue(std::int64_t{1}),
+              FieldValue(std::numeric_limits<std::int64_t>::max())},
+             {FieldValue(std::int64_t{9}), FieldValue(std::int64_t{9}), FieldValue(std::int64_t{2}),
+              FieldValue(std::numeric_limits<std::int64_t>::min())}});
     }
     const std::vector<TableRows> original = Dump(file);
 
@@ -90,9 +89,9 @@ TEST_F(Copy, FileToServerAndBackLeavesIdenticalContentWithEveryKindOfValue) {
     // Targets holding a configuration are refused without force, and are
     // replaced whole with it.
     for (const DatabaseTarget& target : {onServer, DatabaseTarget::SqliteFile(back)}) {
-        EXPECT_EQ(ErrorOf([&] { CopyConfiguration(file, target, ExistingDatabase::Refuse); })
-                      .Number(),
-                  kErrTargetHasConfiguration);
+        EXPECT_EQ(
+            ErrorOf([&] { CopyConfiguration(file, target, ExistingDatabase::Refuse); }).Number(),
+            kErrTargetHasConfiguration);
     }
     TempDataRoot empty;
     CopyConfiguration(DatabaseTarget::SqliteFile(empty.DatabasePath()), onServer,
@@ -112,14 +111,14 @@ TEST_F(Copy, TheServersTablesMatchTheSchemaOfTheFile) {
     std::string described;
     std::string expected;
     for (const SchemaTable& table : ConfigurationSchema()) {
-        PGresult* result = PQexec(
-            conn.get(),
-            ("SELECT c.column_name, c.data_type, c.is_nullable, EXISTS (SELECT 1 FROM "
-             "information_schema.key_column_usage k WHERE k.table_name = c.table_name AND "
-             "k.column_name = c.column_name) FROM information_schema.columns c WHERE "
-             "c.table_schema = current_schema() AND c.table_name = lower('" +
-             table.name + "') ORDER BY c.ordinal_position")
-                .c_str());
+        PGresult* result =
+            PQexec(conn.get(),
+                   ("SELECT c.column_name, c.data_type, c.is_nullable, EXISTS (SELECT 1 FROM "
+                    "information_schema.key_column_usage k WHERE k.table_name = c.table_name AND "
+                    "k.column_name = c.column_name) FROM information_schema.columns c WHERE "
+                    "c.table_schema = current_schema() AND c.table_name = lower('" +
+                    table.name + "') ORDER BY c.ordinal_position")
+                       .c_str());
         for (int row = 0; row < PQntuples(result); ++row) {
             for (int column = 0; column < 4; ++column) {
                 described += std::string(PQgetvalue(result, row, column)) + " ";
@@ -132,8 +131,8 @@ TEST_F(Copy, TheServersTablesMatchTheSchemaOfTheFile) {
                 c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
             }
             const char* type = column.type == ColumnType::Text ? "text"
-                               : column.inPrimaryKey        ? "smallint"
-                                                            : "bigint";
+                               : column.inPrimaryKey           ? "smallint"
+                                                               : "bigint";
             expected += name + " " + type + " " + (column.notNull ? "NO" : "YES") + " " +
                         (column.inPrimaryKey ? "t" : "f") + " ";
         }

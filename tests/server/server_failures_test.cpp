@@ -57,8 +57,9 @@ TEST_F(ServerFailures, EachFailureHasItsOwnMessageNamingTheServerWithoutThePassw
          kErrServerLogin, "authentication failed"},
         {testing::UriOfDatabase("no_such_configuration"), kErrServerDatabaseMissing,
          "has no such database"},
-        {uri, kErrSchemaMissing, "has no configuration tables. Create them with: "
-                                 "dbn-node-editor init --database"},
+        {uri, kErrSchemaMissing,
+         "has no configuration tables. Create them with: "
+         "dbn-node-editor init --database"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.target);
@@ -136,8 +137,9 @@ TEST_F(ServerFailures, TwoEditorsSavingTheSameNodeFollowOneAnother) {
 
 TEST_F(ServerFailures, InitRefusesAConfiguredDatabaseWithoutForceAndReplacesItWithForce) {
     const DatabaseTarget target = Configured();
-    EXPECT_EQ(ErrorOf([&] { CreateConfigurationDatabase(target, false, ExistingDatabase::Refuse); })
-                  .Number(),
+    EXPECT_EQ(ErrorOf([&] {
+                  CreateConfigurationDatabase(target, false, ExistingDatabase::Refuse);
+              }).Number(),
               kErrDatabaseExists);
     DataBase db(target);
     EXPECT_EQ(db.Execute("Get_All_DBN_Nodes", {"1", "1", "15"}), 3);

@@ -71,8 +71,9 @@ public:
     // until RemoveInjectedFailure.
     void InjectFailure(const std::string& table, const std::string& event) const {
         if (server_) {
-            Exec("CREATE OR REPLACE FUNCTION injected() RETURNS trigger AS $$ BEGIN RAISE "
-                 "EXCEPTION 'injected'; END $$ LANGUAGE plpgsql");
+            Exec(
+                "CREATE OR REPLACE FUNCTION injected() RETURNS trigger AS $$ BEGIN RAISE "
+                "EXCEPTION 'injected'; END $$ LANGUAGE plpgsql");
             Exec("CREATE TRIGGER injected BEFORE " + event + " ON " + table +
                  " FOR EACH ROW EXECUTE FUNCTION injected()");
             return;

@@ -8,12 +8,12 @@
 #include <gtest/gtest.h>
 #include <libpq-fe.h>
 
+#include <unistd.h>
 #include <atomic>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <unistd.h>
 
 namespace dbn::testing {
 
@@ -35,7 +35,8 @@ inline std::string UriOfDatabase(const std::string& name) {
     std::string uri = TestServerUri();
     const auto at = uri.find("@/postgres?");
     if (at == std::string::npos) {
-        throw std::runtime_error("DBN_TEST_POSTGRES is not of the form postgresql://USER@/postgres?...");
+        throw std::runtime_error(
+            "DBN_TEST_POSTGRES is not of the form postgresql://USER@/postgres?...");
     }
     return uri.replace(at + 2, 8, name);
 }
@@ -96,15 +97,15 @@ private:
 // In a test that needs the server: skips without one when run by hand, but
 // fails when the suite asked for the server (DBN_REQUIRE_POSTGRES=1, as
 // scripts/test does).
-#define DBN_REQUIRE_TEST_SERVER()                                                            \
-    do {                                                                                     \
-        if (::dbn::testing::TestServerUri().empty()) {                                       \
-            const char* required = std::getenv("DBN_REQUIRE_POSTGRES");                      \
-            if (required != nullptr && std::string(required) == "1") {                       \
-                FAIL() << "DBN_TEST_POSTGRES is not set: run under scripts/with-postgres";   \
-            }                                                                                \
-            GTEST_SKIP() << "no test server (run under scripts/with-postgres)";              \
-        }                                                                                    \
+#define DBN_REQUIRE_TEST_SERVER()                                                          \
+    do {                                                                                   \
+        if (::dbn::testing::TestServerUri().empty()) {                                     \
+            const char* required = std::getenv("DBN_REQUIRE_POSTGRES");                    \
+            if (required != nullptr && std::string(required) == "1") {                     \
+                FAIL() << "DBN_TEST_POSTGRES is not set: run under scripts/with-postgres"; \
+            }                                                                              \
+            GTEST_SKIP() << "no test server (run under scripts/with-postgres)";            \
+        }                                                                                  \
     } while (false)
 
 }  // namespace dbn::testing
