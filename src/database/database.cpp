@@ -127,10 +127,6 @@ bool DataBase::InTransaction() const noexcept {
     return engine_ && engine_->InTransaction();
 }
 
-long DataBase::RoundTrips() const noexcept {
-    return engine_ ? engine_->RoundTrips() : 0;
-}
-
 void DataBase::SetBusyTimeout(std::chrono::milliseconds timeout) {
     busyTimeout_ = timeout;
     if (engine_) {

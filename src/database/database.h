@@ -59,9 +59,6 @@ public:
 
     // Number of commands executed through this object (for measurements).
     long ExecutedCount() const noexcept { return executed_; }
-    // Number of exchanges with the database so far: one per command and per
-    // transaction step, plus one per statement prepared on a server.
-    long RoundTrips() const noexcept;
 
     // Reports every command, row-set read and transaction step to observer
     // until it is replaced; an empty observer stops the reports.

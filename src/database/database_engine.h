@@ -60,12 +60,6 @@ public:
 
     // The database as messages name it (no password).
     virtual const std::string& Name() const = 0;
-
-    // Exchanges with the database so far (statements run, prepared).
-    long RoundTrips() const noexcept { return roundTrips_; }
-
-protected:
-    long roundTrips_ = 0;
 };
 
 // Raises the catalogue fault of a command whose statement has another number

@@ -258,7 +258,6 @@ CommandResult PostgresEngine::Run(const CatalogueCommand& command,
                                   const std::vector<std::string>& args) {
     const TranslatedStatement& statement = PostgresTextOf(command);
     if (!prepared_.contains(command.name)) {
-        ++roundTrips_;
         Checked(PQprepare(conn_.get(), std::string(command.name).c_str(), statement.sql.c_str(),
                           static_cast<int>(statement.parameters.size()), nullptr),
                 command.name);
@@ -269,7 +268,6 @@ CommandResult PostgresEngine::Run(const CatalogueCommand& command,
     for (const std::string& arg : args) {
         values.push_back(arg.c_str());
     }
-    ++roundTrips_;
     Result result =
         Checked(PQexecPrepared(conn_.get(), std::string(command.name).c_str(),
                                static_cast<int>(values.size()), values.data(), nullptr, nullptr, 0),
@@ -298,7 +296,6 @@ CommandResult PostgresEngine::Run(const CatalogueCommand& command,
 }
 
 void PostgresEngine::Exec(const std::string& sql, std::string_view doing) {
-    ++roundTrips_;
     Checked(PQexec(conn_.get(), sql.c_str()), doing);
 }
 

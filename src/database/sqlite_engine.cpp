@@ -190,7 +190,6 @@ CommandResult SqliteEngine::Run(const CatalogueCommand& command,
                     .first;
     }
     sqlite3_stmt* statement = found->second.get();
-    ++roundTrips_;
     sqlite3_reset(statement);
     sqlite3_clear_bindings(statement);
     for (std::size_t i = 0; i < args.size(); ++i) {
@@ -212,7 +211,6 @@ CommandResult SqliteEngine::Run(const CatalogueCommand& command,
 }
 
 void SqliteEngine::Exec(const std::string& sql, std::string_view doing) {
-    ++roundTrips_;
     const int rc = sqlite3_exec(db_.get(), sql.c_str(), nullptr, nullptr, nullptr);
     if (rc != SQLITE_OK) {
         RaiseEngineError(db_.get(), rc, path_, doing);

@@ -41,6 +41,8 @@ for root in "-x;y=z" "it's \"q\" Zürich"; do
   expect 0 "The previous database was kept as $db.bak$nl$db$nl" "" \
     init --data-root "$work/$root" --force
   expect 0 "$db$nl" "" where --data-root "$work/$root"
+  expect 0 "box Information: DBN 7 doesn't exist. => 1${nl}returned false$nl" "" \
+    play --data-root "$work/$root" - <<<"open 1 1 7"
 done
 
 folder="$work/folder/Corvell/Sonavis+/Database/NewDB.mdb"
