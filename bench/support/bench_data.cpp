@@ -198,9 +198,10 @@ BenchDataRoot::BenchDataRoot(Content content) {
         AddLargePartition(path_);
     }
     if (BenchOnServer()) {
+        static int made = 0;  // each root its own database
         serverDatabase_ = std::string("dbn_bench_") +
                           (content == Content::DemoAndLarge ? "large_" : "demo_") +
-                          std::to_string(::getpid());
+                          std::to_string(::getpid()) + "_" + std::to_string(made++);
         ServerAdminSql("DROP DATABASE IF EXISTS " + serverDatabase_);
         ServerAdminSql("CREATE DATABASE " + serverDatabase_);
         serverUri_ = testing::UriOfDatabase(serverDatabase_);
