@@ -6,7 +6,7 @@
 
 namespace dbn::host {
 
-// A sub-command of dbn-node-editor ("init", "where", "play", "edit").
+// A sub-command of dbn-node-editor ("init", "where", "copy", "play", "edit").
 // Each command's file registers itself with a static HostCommandRegistration.
 struct HostCommand {
     std::string name;
