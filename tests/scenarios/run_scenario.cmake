@@ -18,6 +18,9 @@ if("$ENV{DBN_TEST_ENGINE}" STREQUAL "postgresql")
   endif()
   string(REPLACE "@/postgres?" "@/${database}?" server_uri "$ENV{DBN_TEST_POSTGRES}")
   set(ENV{DBN_DATABASE} "${server_uri}")
+else()
+  # Never the database the developer's own environment names.
+  unset(ENV{DBN_DATABASE})
 endif()
 execute_process(COMMAND ${EDITOR} init --data-root ${WORK}/root
   RESULT_VARIABLE init_status OUTPUT_QUIET ERROR_VARIABLE init_error)

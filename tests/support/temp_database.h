@@ -35,6 +35,8 @@ public:
         path_ = GetDatabaseFilePath();
         // The file is made in the server pass too, for the tests of the file.
         CreateConfigurationDatabase(path_, content == Content::Demo);
+        // Never the database the developer's own environment names.
+        ::unsetenv("DBN_DATABASE");
         if (TestsUseServer()) {
             server_ = std::make_unique<ScratchServerDatabase>();
             ::setenv("DBN_DATABASE", server_->Uri().c_str(), 1);
