@@ -5,6 +5,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <exception>
 #include <stdexcept>
 #include <vector>
@@ -81,13 +82,16 @@ void NavigationFloor(benchmark::State& state) {
         // Opens the connection and warms the cache, as the editor's is.
         replay.Run();
         std::size_t click = 0;
+        long roundTrips = 0;
         for (auto _ : state) {
             const Clock::time_point start = Clock::now();
             benchmark::DoNotOptimize(
                 replay.Run(pass.boundaries[click], pass.boundaries[click + 1]));
             state.SetIterationTime(Seconds(Clock::now() - start));
+            roundTrips = std::max(roundTrips, replay.RoundTrips());
             click = (click + 1) % pass.Clicks();
         }
+        state.counters["round_trips"] = static_cast<double>(roundTrips);
         state.counters["statements"] =
             static_cast<double>(pass.trace.Statements()) / static_cast<double>(pass.Clicks());
     } catch (const std::exception& error) {

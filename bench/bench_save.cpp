@@ -101,18 +101,17 @@ void RemoveCreatedNodes() {
                " AND NodeTypeID = " + std::to_string(node.typeID) + " AND NodeNumber = " + number +
                ";";
     }
-    ExecSql(CreationRoot().DatabasePath(), sql + "COMMIT;");
+    CreationRoot().Exec(sql + "COMMIT;");
 }
 
 long CreatedNodeCount() {
     long count = 0;
     for (const MissingNode& node : MissingNodes()) {
-        count += QueryNumber(CreationRoot().DatabasePath(),
-                             "SELECT count(*) FROM Node_General_Pool WHERE ConfigID = 1 AND "
-                             "PartID = " +
-                                 std::to_string(kPartition) +
-                                 " AND NodeTypeID = " + std::to_string(node.typeID) +
-                                 " AND NodeNumber = " + std::to_string(node.number));
+        count += CreationRoot().QueryNumber(
+            "SELECT count(*) FROM Node_General_Pool WHERE ConfigID = 1 AND "
+            "PartID = " +
+            std::to_string(kPartition) + " AND NodeTypeID = " + std::to_string(node.typeID) +
+            " AND NodeNumber = " + std::to_string(node.number));
     }
     return count;
 }
@@ -187,6 +186,7 @@ void SaveFloor(benchmark::State& state, bool missing) {
             throw std::runtime_error("the replay did not create the ten nodes");
         }
         state.counters["statements"] = static_cast<double>(trace.Statements());
+        state.counters["round_trips"] = static_cast<double>(replay.RoundTrips());
     } catch (const std::exception& error) {
         state.SkipWithError(error.what());
     }

@@ -53,6 +53,7 @@ void StartUpFloor(benchmark::State& state, const StartUpCase& c) {
     try {
         c.root().Use();
         const StatementTrace trace = RecordStartUp(c);
+        long roundTrips = 0;
         for (auto _ : state) {
             // A fresh connection each time, as each editor opens its own.
             DataBase db;
@@ -60,7 +61,9 @@ void StartUpFloor(benchmark::State& state, const StartUpCase& c) {
             const Clock::time_point start = Clock::now();
             benchmark::DoNotOptimize(replay.Run());
             state.SetIterationTime(Seconds(Clock::now() - start));
+            roundTrips = replay.RoundTrips();
         }
+        state.counters["round_trips"] = static_cast<double>(roundTrips);
         state.counters["statements"] = static_cast<double>(trace.Statements());
     } catch (const std::exception& error) {
         state.SkipWithError(error.what());

@@ -15,10 +15,11 @@ function(dbn_layer target)
   endif()
 endfunction()
 
-# dbn_test(<name> DEPS <targets...>): one GoogleTest program of every .cpp in
-# tests/<name>/, registered with CTest.
+# dbn_test(<name> DEPS <targets...> [LABELS <labels...>]): one GoogleTest
+# program of every .cpp in tests/<name>/, registered with CTest under the
+# labels given (scripts/test picks the server pass's tests by label).
 function(dbn_test name)
-  cmake_parse_arguments(TEST "" "" "DEPS" ${ARGN})
+  cmake_parse_arguments(TEST "" "" "DEPS;LABELS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp)
   if(NOT sources)
     return()
@@ -27,5 +28,5 @@ function(dbn_test name)
   target_include_directories(test_${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR}/support)
   target_link_libraries(test_${name} PRIVATE ${TEST_DEPS} GTest::gtest GTest::gmock GTest::gtest_main)
   gtest_discover_tests(test_${name} DISCOVERY_TIMEOUT 60
-    PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+    PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen" LABELS "${TEST_LABELS}")
 endfunction()

@@ -142,6 +142,10 @@ std::string CheckSqlTranslation(std::string_view input) {
     if (plain && !once.parameters.empty()) {
         return "a text without parameter names has parameters";
     }
+    // The server's form finds the same parameters in the same order.
+    if (TranslateToPostgres(input).parameters != once.parameters) {
+        return "the server's translation numbers other parameters";
+    }
     return "";
 }
 

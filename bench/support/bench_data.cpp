@@ -1,5 +1,9 @@
 #include "support/bench_data.h"
 
+#include "database/configuration_copy.h"
+#include "database/database_target.h"
+#include "test_server.h"
+
 #include "database/data_location.h"
 #include "database/database_setup.h"
 
@@ -188,20 +192,70 @@ BenchDataRoot::BenchDataRoot(Content content) {
     }
     root_ = pattern;
     Use();
-    path_ = DataSourceOf(BuildConnectionString());
+    path_ = GetDatabaseFilePath();
     CreateConfigurationDatabase(path_, true);
     if (content == Content::DemoAndLarge) {
         AddLargePartition(path_);
     }
+    if (BenchOnServer()) {
+        static int made = 0;  // each root its own database
+        serverDatabase_ = std::string("dbn_bench_") +
+                          (content == Content::DemoAndLarge ? "large_" : "demo_") +
+                          std::to_string(::getpid()) + "_" + std::to_string(made++);
+        ServerAdminSql("DROP DATABASE IF EXISTS " + serverDatabase_);
+        ServerAdminSql("CREATE DATABASE " + serverDatabase_);
+        serverUri_ = testing::UriOfDatabase(serverDatabase_);
+        CopyConfiguration(DatabaseTarget::SqliteFile(path_), DatabaseTarget::Server(serverUri_),
+                          ExistingDatabase::Refuse);
+    }
+    Use();
 }
 
 BenchDataRoot::~BenchDataRoot() {
     std::error_code ignored;
     std::filesystem::remove_all(root_, ignored);
+    if (!serverDatabase_.empty()) {
+        try {
+            ServerAdminSql("DROP DATABASE IF EXISTS " + serverDatabase_ + " WITH (FORCE)");
+        } catch (const std::exception&) {
+        }
+    }
 }
 
 void BenchDataRoot::Use() const {
     SetDataRootOverride(root_);
+    SetDatabaseOverride(serverUri_.empty() ? std::nullopt : std::optional(serverUri_));
+}
+
+void BenchDataRoot::Exec(const std::string& sql) const {
+    if (serverUri_.empty()) {
+        ExecSql(path_, sql);
+        return;
+    }
+    auto conn = testing::ConnectTo(serverUri_);
+    testing::PgExec(conn.get(), sql);
+}
+
+long long BenchDataRoot::QueryNumber(const std::string& sql) const {
+    if (serverUri_.empty()) {
+        return bench::QueryNumber(path_, sql);
+    }
+    auto conn = testing::ConnectTo(serverUri_);
+    PGresult* result = PQexec(conn.get(), sql.c_str());
+    const long long value = PQntuples(result) > 0 ? std::atoll(PQgetvalue(result, 0, 0)) : 0;
+    PQclear(result);
+    return value;
+}
+
+bool BenchOnServer() {
+    return testing::TestsUseServer() ||
+           (std::getenv("DBN_BENCH_ENGINE") != nullptr &&
+            std::string(std::getenv("DBN_BENCH_ENGINE")) == "postgresql");
+}
+
+void ServerAdminSql(const std::string& sql) {
+    auto admin = testing::ConnectTo(testing::TestServerUri());
+    testing::PgExec(admin.get(), sql);
 }
 
 BenchDataRoot& DemoRoot() {

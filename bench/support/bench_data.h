@@ -26,7 +26,10 @@ void ExecSql(const std::string& databasePath, const std::string& sql);
 long long QueryNumber(const std::string& databasePath, const std::string& sql);
 
 // A temporary folder made into a data root with the demo database (and the
-// large partition when asked); removed again on destruction.
+// large partition when asked); removed again on destruction. In a server run
+// (DBN_BENCH_ENGINE=postgresql beside scripts/with-postgres) the file is then
+// copied to a fresh database on the server, which Use() makes the process's
+// database.
 class BenchDataRoot {
 public:
     enum class Content { Demo, DemoAndLarge };
@@ -40,11 +43,23 @@ public:
     void Use() const;
     const std::string& Root() const noexcept { return root_; }
     const std::string& DatabasePath() const noexcept { return path_; }
+    // SQL on the database the editor uses (the file, or the server's).
+    void Exec(const std::string& sql) const;
+    long long QueryNumber(const std::string& sql) const;
+    // The server database's URI in a server run, else empty.
+    const std::string& ServerUri() const noexcept { return serverUri_; }
 
 private:
     std::string root_;
     std::string path_;
+    std::string serverDatabase_;
+    std::string serverUri_;
 };
+
+// True in a server run.
+bool BenchOnServer();
+// Runs sql on the test server's maintenance database.
+void ServerAdminSql(const std::string& sql);
 
 // The data roots of one benchmark run, made on first use and kept until the
 // process ends: the demo database, and the demo with the large partition.

@@ -7,6 +7,7 @@
 #include "database/database.h"
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -40,13 +41,19 @@ private:
 // How a replay treats the recorded transaction steps.
 enum class Transactions { AsRecorded, OneForAll };
 
+class BareServerConnection;
+
 // Recorded steps made ready to run on one DataBase: the row sets are looked
 // up once beforehand, so a run does nothing but the database's own work. The
-// steps must outlive the replay.
+// steps must outlive the replay. When db's target is a server the steps run
+// on a bare libpq connection to it instead (the same statement texts,
+// prepared once per connection, and the same transaction statements), opened
+// on the first run.
 class Replay {
 public:
     Replay(DataBase& db, const std::vector<TraceStep>& steps,
            Transactions transactions = Transactions::AsRecorded);
+    ~Replay();
 
     // Runs steps [first, last) of the recording (indexes into it), or all of
     // them. With OneForAll the recorded transaction and savepoint steps are
@@ -54,7 +61,13 @@ public:
     std::size_t Run(std::size_t first, std::size_t last);
     std::size_t Run() { return Run(0, steps_.size()); }
 
+    // The exchanges with the database of the last run: statements executed,
+    // transaction steps, and on a server the statements prepared.
+    long RoundTrips() const noexcept { return roundTrips_; }
+
 private:
+    std::size_t RunOnServer(std::size_t first, std::size_t last);
+
     struct Prepared {
         const TraceStep* step;
         RowSet* rows;
@@ -63,6 +76,8 @@ private:
     DataBase& db_;
     std::vector<Prepared> steps_;
     Transactions transactions_;
+    std::unique_ptr<BareServerConnection> server_;
+    long roundTrips_ = 0;
 };
 
 }  // namespace dbn::bench

@@ -2,10 +2,8 @@
 
 #include "database/data_location_internal.h"
 
-#include <cctype>
 #include <cstdlib>
 #include <filesystem>
-#include <string_view>
 #include <system_error>
 
 namespace dbn {
@@ -16,7 +14,6 @@ constexpr const char* kProductFolder = "Sonavis+";
 constexpr const char* kDatabaseFolder = "Database";
 constexpr const char* kDatabaseFile = "NewDB.mdb";
 constexpr const char* kProviderPrefix = "Provider=SQLite;Data Source=";
-constexpr const char* kDataSourceKey = "data source=";
 
 std::optional<std::string>& DataRootOverride() {
     static std::optional<std::string> root;
@@ -81,22 +78,12 @@ std::string GetDatabaseFolder() {
     return WithTrailingSlash(detail::JoinPath(GetProductFolder(), kDatabaseFolder));
 }
 
-std::string BuildConnectionString() {
-    return std::string(kProviderPrefix) + GetDatabaseFolder() + kDatabaseFile;
+std::string GetDatabaseFilePath() {
+    return GetDatabaseFolder() + kDatabaseFile;
 }
 
-std::string DataSourceOf(const std::string& connectionString) {
-    std::string lowered = connectionString;
-    for (char& c : lowered) {
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    }
-    const auto key = lowered.find(kDataSourceKey);
-    if (key == std::string::npos) {
-        return {};
-    }
-    const auto begin = key + std::string_view(kDataSourceKey).size();
-    const auto end = connectionString.find(';', begin);
-    return connectionString.substr(begin, end == std::string::npos ? end : end - begin);
+std::string BuildConnectionString() {
+    return std::string(kProviderPrefix) + GetDatabaseFilePath();
 }
 
 }  // namespace dbn

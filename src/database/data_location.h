@@ -14,9 +14,10 @@ void SetDataRootOverride(std::optional<std::string> dir);
 std::string GetProductFolder();
 // GetProductFolder() + "Database/".
 std::string GetDatabaseFolder();
-// "Provider=SQLite;Data Source=" + GetDatabaseFolder() + "NewDB.mdb".
+// GetDatabaseFolder() + "NewDB.mdb": the derived configuration database file.
+std::string GetDatabaseFilePath();
+// "Provider=SQLite;Data Source=" + GetDatabaseFilePath(), a text for display
+// only: the path itself is passed on as a path, never read back from it.
 std::string BuildConnectionString();
-// The file path that a connection string names (its Data Source).
-std::string DataSourceOf(const std::string& connectionString);
 
 }  // namespace dbn

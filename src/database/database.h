@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/database_observer.h"
+#include "database/database_target.h"
 #include "database/row_set.h"
 
 #include <chrono>
@@ -10,24 +11,27 @@
 #include <string_view>
 #include <vector>
 
-struct sqlite3;
-
 namespace dbn {
 
+class DatabaseEngine;
+
 // One connection to the configuration database and its catalogue of named
-// commands. The connection string is fixed at creation; the file opens on
-// the first command and stays open until the object is destroyed. Errors are
-// raised as ComponentError.
+// commands, on either engine. The target is fixed at creation; the
+// connection opens on the first command and stays open until the object is
+// destroyed. Errors are raised as ComponentError.
 class DataBase {
 public:
-    // Uses BuildConnectionString().
+    // Uses ResolveDatabaseTarget().
     DataBase();
-    explicit DataBase(std::string connectionString);
+    explicit DataBase(DatabaseTarget target);
     ~DataBase();
     DataBase(const DataBase&) = delete;
     DataBase& operator=(const DataBase&) = delete;
 
-    const std::string& ConnectionString() const noexcept { return connectionString_; }
+    const DatabaseTarget& Target() const noexcept { return target_; }
+    // The connection as a text for display: "Provider=SQLite;Data Source="
+    // and the path, or the server's connection string without password.
+    std::string ConnectionString() const;
 
     // Executes a catalogue command with its arguments, bound as text in
     // order. A row-returning command leaves its rows in Recordset(command)
@@ -61,13 +65,13 @@ public:
     void SetObserver(DataBaseObserver observer);
 
 private:
-    struct Impl;
-    sqlite3* Connection();
+    DatabaseEngine& Engine();
     void Notify(DataBaseStep step);
 
-    std::string connectionString_;
+    DatabaseTarget target_;
     std::chrono::milliseconds busyTimeout_{30000};
-    std::unique_ptr<Impl> impl_;
+    std::unique_ptr<DatabaseEngine> engine_;
+    std::map<std::string, RowSet, std::less<>> rowSets_;
     long executed_ = 0;
     DataBaseObserver observer_;
 };

@@ -7,8 +7,10 @@
 
 namespace dbn {
 
-// The source text of every error the database layer raises.
+// The source text of the errors the database layer raises: the embedded
+// engine's, and the server engine's for what the server reports.
 inline constexpr const char* kDatabaseSource = "SQLite";
+inline constexpr const char* kServerSource = "PostgreSQL";
 
 // The database file checks made when the connection opens.
 inline constexpr long kErrDatabaseMissing = 4001;
@@ -19,6 +21,16 @@ inline constexpr long kErrDatabaseLocked = 4005;
 inline constexpr long kErrDatabaseReadOnly = 4006;
 inline constexpr long kErrDatabaseExists = 4007;
 inline constexpr long kErrDatabaseCreate = 4008;
+inline constexpr long kErrDatabaseInUse = 4009;
+inline constexpr long kErrDatabaseNotRegularFile = 4013;
+
+// A database server that cannot be used.
+inline constexpr long kErrServerUnreachable = 4020;
+inline constexpr long kErrServerLogin = 4021;
+inline constexpr long kErrServerDatabaseMissing = 4022;
+inline constexpr long kErrSchemaMissing = 4023;
+inline constexpr long kErrServerStatement = 4024;
+inline constexpr long kErrTargetHasConfiguration = 4025;
 
 // Misuse of the catalogue.
 inline constexpr long kErrUnknownCommand = 4010;
@@ -41,5 +53,11 @@ inline constexpr const char* kMsgNoCurrentRow =
 
 // Raises a ComponentError with the database layer's source.
 [[noreturn]] void RaiseDatabaseError(long number, std::string description);
+// The same with the server engine's source.
+[[noreturn]] void RaiseServerError(long number, std::string description);
+
+// "The configuration database "NAME" is locked by another program. ..." for
+// either engine.
+[[noreturn]] void RaiseLockedError(const std::string& name, const char* source);
 
 }  // namespace dbn

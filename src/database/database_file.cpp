@@ -28,6 +28,17 @@ void RaiseDatabaseError(long number, std::string description) {
     throw ComponentError(number, kDatabaseSource, std::move(description));
 }
 
+void RaiseServerError(long number, std::string description) {
+    throw ComponentError(number, kServerSource, std::move(description));
+}
+
+void RaiseLockedError(const std::string& name, const char* source) {
+    throw ComponentError(kErrDatabaseLocked, source,
+                         "The configuration database " + Quoted(name) +
+                             " is locked by another program. Try again when that program has "
+                             "finished with it.");
+}
+
 void CheckDatabaseFile(const std::string& path) {
     namespace fs = std::filesystem;
     std::error_code error;
@@ -72,9 +83,7 @@ void RaiseEngineError(sqlite3* db, int resultCode, const std::string& path,
     switch (resultCode & 0xff) {
         case SQLITE_BUSY:
         case SQLITE_LOCKED:
-            RaiseDatabaseError(kErrDatabaseLocked, "The configuration database " + Quoted(path) +
-                                                       " is locked by another program. Try again "
-                                                       "when that program has finished with it.");
+            RaiseLockedError(path, kDatabaseSource);
         case SQLITE_READONLY:
             RaiseDatabaseError(kErrDatabaseReadOnly,
                                "The configuration database " + Quoted(path) +

@@ -1,105 +1,97 @@
 #include "database/database_setup.h"
 
+#include "core/component_error.h"
+#include "database/database_engine.h"
 #include "database/database_errors.h"
 #include "database/demo_content_sql.h"
 #include "database/schema_sql.h"
+#include "database/sqlite_file_replacement.h"
 
-#include <sqlite3.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <memory>
-#include <system_error>
+#include <algorithm>
 
 namespace dbn {
 namespace {
 
-namespace fs = std::filesystem;
+constexpr std::chrono::milliseconds kNoWait{0};
 
-constexpr fs::perms kFolderPermissions =
-    fs::perms::owner_all | fs::perms::group_all | fs::perms::others_read | fs::perms::others_exec;
-constexpr fs::perms kFilePermissions = fs::perms::owner_read | fs::perms::owner_write |
-                                       fs::perms::group_read | fs::perms::group_write |
-                                       fs::perms::others_read;
-
-[[noreturn]] void RaiseCreateError(const std::string& path, const std::string& why) {
-    RaiseDatabaseError(kErrDatabaseCreate,
-                       "The configuration database \"" + path + "\" cannot be created: " + why);
+// The demo content as rows of every table, made by running its script on a
+// database in memory: one source for both engines.
+std::vector<TableRows> DemoContentRows() {
+    auto memory = ConnectSqlite(":memory:", kNoWait, OpenMode::CreateNew);
+    memory->Exec(std::string(sql::k_schema) + sql::k_demo_content, "making the demo content");
+    std::vector<TableRows> tables;
+    for (const SchemaTable& table : ConfigurationSchema()) {
+        tables.push_back(memory->ReadTable(table));
+    }
+    return tables;
 }
 
-// Creates every missing folder of dir, each with kFolderPermissions whatever
-// the process's file-creation mask.
-void CreateFolders(const fs::path& dir, const std::string& databasePath) {
-    if (dir.empty()) {
-        return;
-    }
-    std::error_code error;
-    if (fs::is_directory(dir, error)) {
-        return;
-    }
-    CreateFolders(dir.parent_path(), databasePath);
-    if (!fs::create_directory(dir, error) && !fs::is_directory(dir)) {
-        RaiseCreateError(databasePath, "the folder \"" + dir.string() + "\" cannot be made (" +
-                                           error.message() + ").");
-    }
-    fs::permissions(dir, kFolderPermissions, error);
+[[noreturn]] void RaiseExists(const std::string& name) {
+    RaiseDatabaseError(kErrDatabaseExists,
+                       "The configuration database \"" + name + "\" already exists.");
 }
 
-struct ConnectionCloser {
-    void operator()(sqlite3* db) const { sqlite3_close_v2(db); }
-};
-
-void WriteDatabase(const std::string& file, bool withDemoContent, const std::string& path) {
-    sqlite3* raw = nullptr;
-    const int rc =
-        sqlite3_open_v2(file.c_str(), &raw, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
-    std::unique_ptr<sqlite3, ConnectionCloser> db(raw);
-    if (rc != SQLITE_OK) {
-        RaiseCreateError(path, raw != nullptr ? sqlite3_errmsg(raw) : sqlite3_errstr(rc));
+void CreateOnServer(const std::string& conninfo, bool withDemoContent, ExistingDatabase existing) {
+    auto server = ConnectPostgres(conninfo, kNoWait);
+    try {
+        server->BeginWrite();
+    } catch (const ComponentError& failure) {
+        if (failure.Number() == kErrDatabaseLocked) {
+            RaiseServerError(kErrDatabaseInUse,
+                             "The configuration database " + server->Name() +
+                                 " is in use by another program. Nothing was replaced.");
+        }
+        throw;
     }
-    const std::string script = std::string("BEGIN;\n") + sql::k_schema +
-                               (withDemoContent ? sql::k_demo_content : "") + "\nCOMMIT;\n";
-    if (sqlite3_exec(db.get(), script.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
-        RaiseCreateError(path, sqlite3_errmsg(db.get()));
+    const auto& tables = ConfigurationSchema();
+    const bool hasTables = std::any_of(tables.begin(), tables.end(),
+                                       [&](const SchemaTable& t) { return server->HasTable(t); });
+    if (hasTables && existing == ExistingDatabase::Refuse) {
+        RaiseExists(server->Name());
     }
+    server->CreateSchema();
+    if (withDemoContent) {
+        const std::vector<TableRows> rows = DemoContentRows();
+        for (std::size_t i = 0; i < tables.size(); ++i) {
+            server->AppendRows(tables[i], rows[i]);
+        }
+    }
+    server->Exec("COMMIT", "creating the configuration");
 }
 
 }  // namespace
 
-void CreateConfigurationDatabase(const std::string& filePath, bool withDemoContent) {
-    CreateConfigurationDatabase(filePath, withDemoContent, ExistingDatabase::Refuse);
+std::optional<std::string> CreateConfigurationDatabase(const DatabaseTarget& target,
+                                                       bool withDemoContent,
+                                                       ExistingDatabase existing) {
+    if (target.IsServer()) {
+        CreateOnServer(target.location, withDemoContent, existing);
+        return std::nullopt;
+    }
+    return CreateConfigurationDatabase(target.location, withDemoContent, existing);
 }
 
-void CreateConfigurationDatabase(const std::string& filePath, bool withDemoContent,
-                                 ExistingDatabase existing) {
-    std::error_code error;
-    const fs::file_status status = fs::symlink_status(filePath, error);
-    if (fs::exists(status)) {
-        if (existing == ExistingDatabase::Refuse) {
-            RaiseDatabaseError(kErrDatabaseExists,
-                               "The configuration database \"" + filePath + "\" already exists.");
-        }
-        if (fs::is_directory(status)) {
-            RaiseCreateError(filePath, "a folder of that name is in the way.");
-        }
+std::optional<std::string> CreateConfigurationDatabase(const std::string& filePath,
+                                                       bool withDemoContent,
+                                                       ExistingDatabase existing) {
+    if (detail::IsExistingRegularFile(filePath) && existing == ExistingDatabase::Refuse) {
+        RaiseExists(filePath);
     }
-    const fs::path target(filePath);
-    CreateFolders(target.parent_path(), filePath);
+    detail::SqliteFileReplacement replacement(filePath);
+    std::optional<std::string> backup;
+    if (replacement.Exists()) {
+        backup = replacement.KeepBackup();
+    }
+    replacement.WriteNew([withDemoContent](DatabaseEngine& file) {
+        file.Exec(std::string("BEGIN;\n") + sql::k_schema +
+                      (withDemoContent ? sql::k_demo_content : "") + "\nCOMMIT;\n",
+                  "creating the configuration");
+    });
+    return backup;
+}
 
-    const std::string temporary = filePath + ".new-" + std::to_string(::getpid());
-    fs::remove(temporary, error);
-    try {
-        WriteDatabase(temporary, withDemoContent, filePath);
-        fs::permissions(temporary, kFilePermissions, error);
-        fs::rename(temporary, target, error);
-        if (error) {
-            RaiseCreateError(filePath, error.message() + ".");
-        }
-    } catch (...) {
-        fs::remove(temporary, error);
-        fs::remove(temporary + "-journal", error);
-        throw;
-    }
+void CreateConfigurationDatabase(const std::string& filePath, bool withDemoContent) {
+    CreateConfigurationDatabase(filePath, withDemoContent, ExistingDatabase::Refuse);
 }
 
 }  // namespace dbn

@@ -6,7 +6,7 @@
 
 namespace dbn {
 
-// A catalogue statement rewritten for SQLite.
+// A catalogue statement rewritten for one engine.
 struct TranslatedStatement {
     std::string sql;
     // Distinct parameter names (blanks trimmed) in order of first appearance;
@@ -20,5 +20,11 @@ struct TranslatedStatement {
 // regard to case); every other grave-accented name becomes a double-quoted
 // identifier. Text inside single quotes is kept as it is.
 TranslatedStatement TranslateToSqlite(std::string_view text);
+
+// The same for PostgreSQL: parameters become $N, grave-accented names are
+// folded to lower case (as PostgreSQL folds the unquoted ones), and a bare
+// parameter in the select list of INSERT ... SELECT is cast to the type of
+// the column it fills.
+TranslatedStatement TranslateToPostgres(std::string_view text);
 
 }  // namespace dbn

@@ -2,8 +2,8 @@
 // the program's main window. With --screenshot it writes a picture of the
 // list instead and closes it.
 #include "core/component_factory.h"
-#include "database/data_location.h"
 #include "database/database.h"
+#include "database/database_target.h"
 #include "host/gui_application.h"
 #include "host/host_command.h"
 #include "qt/missing_database_offer.h"
@@ -24,8 +24,9 @@ int RunBrowse(const CommandArgs& args) {
         return kExitFailed;
     }
     const std::unique_ptr<QApplication> application = StartGuiApplication();
-    const std::string path = DataSourceOf(BuildConnectionString());
-    if (!std::filesystem::exists(path)) {
+    const DatabaseTarget target = ResolveDatabaseTarget();
+    const std::string path = DisplayName(target);
+    if (!target.IsServer() && !std::filesystem::exists(target.location)) {
         if (screenshot) {
             std::cerr << "dbn-node-editor: there is no configuration database at " << path
                       << "; create one with: dbn-node-editor init\n";

@@ -1,9 +1,9 @@
 // The "init" and "where" commands: create the configuration database, and
 // tell where the editor looks for it.
 #include "core/component_error.h"
-#include "database/data_location.h"
 #include "database/database_errors.h"
 #include "database/database_setup.h"
+#include "database/database_target.h"
 #include "host/host_command.h"
 
 #include <iostream>
@@ -11,17 +11,18 @@
 namespace dbn::host {
 namespace {
 
-std::string DatabasePath() {
-    return DataSourceOf(BuildConnectionString());
-}
-
 int RunInit(const CommandArgs& args) {
-    const std::string path = DatabasePath();
+    const DatabaseTarget target = ResolveDatabaseTarget();
+    std::optional<std::string> backup;
     try {
-        CreateConfigurationDatabase(
-            path, !args.IsSet("empty"),
+        backup = CreateConfigurationDatabase(
+            target, !args.IsSet("empty"),
             args.IsSet("force") ? ExistingDatabase::Replace : ExistingDatabase::Refuse);
     } catch (const ComponentError& error) {
+        if (error.Number() == kErrDatabaseInUse) {
+            std::cerr << error.Description() << "\n";
+            return kExitFailed;
+        }
         if (error.Number() != kErrDatabaseExists) {
             throw;
         }
@@ -29,12 +30,15 @@ int RunInit(const CommandArgs& args) {
                   << " Use --force to replace it with a new one.\n";
         return kExitFailed;
     }
-    std::cout << path << "\n";
+    if (backup) {
+        std::cout << "The previous database was kept as " << *backup << "\n";
+    }
+    std::cout << DisplayName(target) << "\n";
     return kExitOk;
 }
 
 int RunWhere(const CommandArgs&) {
-    std::cout << DatabasePath() << "\n";
+    std::cout << DisplayName(ResolveDatabaseTarget()) << "\n";
     return kExitOk;
 }
 
@@ -44,7 +48,9 @@ HostCommand InitCommand() {
     command.summary = "create the configuration database with the demo nodes, and print its path";
     command.options = {{"empty", "", "create the tables without the demo content"},
                        {"force", "", "replace a database that already exists"}};
-    command.exitCodes = {{1, "the database exists (without --force) or could not be written"}};
+    command.exitCodes = {{1,
+                          "the database exists (without --force), is in use by another "
+                          "program, is not a regular file, or could not be written"}};
     command.run = RunInit;
     return command;
 }
@@ -54,7 +60,8 @@ const HostCommandRegistration kInit(InitCommand());
 HostCommand WhereCommand() {
     HostCommand command;
     command.name = "where";
-    command.summary = "print the path of the configuration database the editor opens";
+    command.summary =
+        "print the configuration database the editor opens (a server without its password)";
     command.run = RunWhere;
     return command;
 }

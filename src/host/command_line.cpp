@@ -1,6 +1,7 @@
 // The command framework: the registry of commands, parsing each command's
 // arguments with QCommandLineParser, --help, --version and the exit codes.
 #include "database/data_location.h"
+#include "database/database_target.h"
 #include "host/host_command.h"
 
 #include <QCommandLineParser>
@@ -185,6 +186,12 @@ void ApplyCommonOptions(const CommandArgs& args) {
         }
         SetDataRootOverride(*root);
     }
+    if (std::optional<std::string> target = args.Value("database")) {
+        if (target->empty()) {
+            throw UsageError("--database TARGET must name a server or an SQLite file");
+        }
+        SetDatabaseOverride(*target);
+    }
 }
 
 }  // namespace
@@ -218,6 +225,9 @@ const std::vector<CommandOption>& CommonOptions() {
     static const std::vector<CommandOption> options = {
         {"data-root", "DIR",
          "use DIR instead of the machine's application-data folder for this run"},
+        {"database", "TARGET",
+         "use TARGET, a PostgreSQL connection URI or key/value string or the path of an "
+         "SQLite file, as the configuration database (overrides $DBN_DATABASE)"},
     };
     return options;
 }

@@ -1,8 +1,8 @@
 #include "session/business_rules.h"
 
 #include "core/component_error.h"
-#include "database/data_location.h"
 #include "database/database_errors.h"
+#include "database/database_target.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "session/load_helpers.h"
@@ -56,8 +56,7 @@ bool Business_Rules::OpenDatabase(std::int16_t Config_ID, std::int16_t Partition
     } catch (const ComponentError& error) {
         databaseUnavailable_ = true;
         if (error.Number() == kErrDatabaseMissing) {
-            services_.MsgBox("There is no configuration database at " +
-                                 DataSourceOf(db_.ConnectionString()) +
+            services_.MsgBox("There is no configuration database at " + DisplayName(db_.Target()) +
                                  ". Create one with: dbn-node-editor init",
                              form::MsgBoxButtons::OK, form::MsgBoxIcon::Exclamation, "Error");
         } else {

@@ -102,7 +102,9 @@ void cvl_dbn_release(cvl_dbn_editor* editor);
 
 /* Uses DIR as the common application-data root for this process (the
  * database is DIR/Corvell/Sonavis+/Database/NewDB.mdb); NULL goes back to the
- * machine's folders. Affects editors created afterwards. */
+ * machine's folders. Affects editors created afterwards. The environment
+ * variable DBN_DATABASE, when set, names the database instead: a PostgreSQL
+ * connection URI or key/value string, or the path of an SQLite file. */
 void cvl_dbn_set_data_root(const char* dir);
 
 /* ---- Operating the shown form (inside run_modal) ----------------------

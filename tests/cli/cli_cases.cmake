@@ -34,7 +34,7 @@ set(root ${WORK}/root)
 expect(STATUS 0 OUT "^dbn-node-editor ${VERSION}\n$" ARGS --version)
 expect(STATUS 0 OUT "browse .*edit .*init .*where .*play .*exit codes:\n  0  done\n  1  failed"
   ARGS --help)
-expect(STATUS 0 OUT "usage: dbn-node-editor play \\[--data-root DIR\\] SCRIPT\n.*SCRIPT .*exit codes:.*  1  a box asked"
+expect(STATUS 0 OUT "usage: dbn-node-editor play \\[--data-root DIR\\] \\[--database TARGET\\] SCRIPT\n.*SCRIPT .*exit codes:.*  1  a box asked.*  3  the script ran to its end, but"
   ARGS play --help)
 expect(STATUS 0 OUT "--screenshot FILE  write a picture" ARGS edit --help)
 expect(STATUS 0 OUT "^[^\n]*/Corvell/Sonavis\\+/Database/NewDB.mdb\n$" ARGS init --data-root ${root})

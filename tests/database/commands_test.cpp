@@ -45,6 +45,10 @@ TEST(Catalogue, EveryStatementPreparesAndRunsWithItsDeclaredParameterCount) {
         rowReturning += command.kind == CommandKind::RowReturning;
         const TranslatedStatement translated = TranslateToSqlite(command.text);
         EXPECT_EQ(translated.parameters.size(), static_cast<std::size_t>(command.parameterCount));
+        // The server's form numbers the same parameters the same way.
+        const TranslatedStatement onServer = TranslateToPostgres(command.text);
+        EXPECT_EQ(onServer.parameters, translated.parameters);
+        EXPECT_EQ(onServer.sql.find('?'), std::string::npos) << onServer.sql;
         sqlite3_stmt* statement = nullptr;
         ASSERT_EQ(sqlite3_prepare_v2(check.get(), translated.sql.c_str(), -1, &statement, nullptr),
                   SQLITE_OK)
@@ -80,10 +84,18 @@ TEST(Execution, TextArgumentsMeetIntegerColumns) {
     node.Close();
 
     EXPECT_EQ(db.Execute("Add_DBN_PromptsNode", {"1", "2", "12", "0", "3", "5", "MSG"}), 1);
-    EXPECT_EQ(root.QueryText("SELECT typeof(PromptNumber) || typeof(PromptNodeType) || "
+    // Stored as numbers, not as the texts given (typeof on the file, the
+    // column types on the server).
+    EXPECT_EQ(
+        root.QueryText(root.OnServer()
+                           ? "SELECT pg_typeof(PromptNumber)::text || "
+                             "pg_typeof(PromptNodeType)::text || "
+                             "(PromptNumber + PromptNodeNumber) FROM Detail_DBN_Prompts WHERE "
+                             "PartID = 2 AND NodeMasterID = 5 AND PromptNumber = 12"
+                           : "SELECT typeof(PromptNumber) || typeof(PromptNodeType) || "
                              "(PromptNumber + PromptNodeNumber) FROM Detail_DBN_Prompts WHERE "
                              "PartID = 2 AND NodeMasterID = 5 AND PromptNumber = 12"),
-              "integertext15");
+        root.OnServer() ? "smallinttext15" : "integertext15");
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ using testing::TempDataRoot;
 // The error the first command raises on the file at path.
 ComponentError FirstCommandError(const std::string& path,
                                  std::chrono::milliseconds timeout = std::chrono::seconds(30)) {
-    DataBase db("Provider=SQLite;Data Source=" + path);
+    DataBase db(DatabaseTarget::SqliteFile(path));
     db.SetBusyTimeout(timeout);
     return ErrorOf([&] { db.Execute("Get_Node_Names"); });
 }
@@ -82,7 +82,7 @@ TEST(DatabaseFile, LockedByAnotherProgramAfterTheTimeOut) {
                 kErrDatabaseLocked, root.DatabasePath(), "locked by another program");
 
     // A save's transaction waits for the writer the same way.
-    DataBase db;
+    DataBase db(DatabaseTarget::SqliteFile(root.DatabasePath()));
     db.SetBusyTimeout(std::chrono::milliseconds(20));
     EXPECT_EQ(ErrorOf([&] { db.BeginTrans(); }).Number(), kErrDatabaseLocked);
     EXPECT_FALSE(db.InTransaction());

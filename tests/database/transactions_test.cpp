@@ -24,10 +24,15 @@ protected:
     }
     // The labels of message nodes 1 to 5 of partition 1, joined by "/".
     std::string Labels() const {
-        return root_.QueryText(
-            "SELECT group_concat(NodeDescription, '/') FROM (SELECT NodeDescription FROM "
-            "Node_General_Pool WHERE PartID = 1 AND NodeTypeID = 0 AND NodeNumber BETWEEN 1 AND 5 "
-            "ORDER BY NodeNumber)");
+        std::string labels;
+        for (int number = 1; number <= 5; ++number) {
+            labels += (number == 1 ? "" : "/") +
+                      root_.QueryText(
+                          "SELECT NodeDescription FROM Node_General_Pool WHERE PartID "
+                          "= 1 AND NodeTypeID = 0 AND NodeNumber = " +
+                          std::to_string(number));
+        }
+        return labels;
     }
     long Prompts() const {
         return root_.QueryInt(

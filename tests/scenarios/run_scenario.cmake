@@ -4,6 +4,24 @@ cmake_minimum_required(VERSION 3.25)
 
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
+
+# In the suite's server pass the script runs on a fresh database of the test
+# server (scripts/with-postgres), named after the scenario.
+if("$ENV{DBN_TEST_ENGINE}" STREQUAL "postgresql")
+  get_filename_component(database ${WORK} NAME)
+  string(TOLOWER "scenario_${database}" database)
+  execute_process(COMMAND psql -X -q "$ENV{DBN_TEST_POSTGRES}"
+      -c "DROP DATABASE IF EXISTS ${database} WITH (FORCE)" -c "CREATE DATABASE ${database}"
+    RESULT_VARIABLE psql_status ERROR_VARIABLE psql_error)
+  if(NOT psql_status EQUAL 0)
+    message(FATAL_ERROR "cannot make the scenario's database (${psql_status}): ${psql_error}")
+  endif()
+  string(REPLACE "@/postgres?" "@/${database}?" server_uri "$ENV{DBN_TEST_POSTGRES}")
+  set(ENV{DBN_DATABASE} "${server_uri}")
+else()
+  # Never the database the developer's own environment names.
+  unset(ENV{DBN_DATABASE})
+endif()
 execute_process(COMMAND ${EDITOR} init --data-root ${WORK}/root
   RESULT_VARIABLE init_status OUTPUT_QUIET ERROR_VARIABLE init_error)
 if(NOT init_status EQUAL 0)

@@ -13,6 +13,7 @@ namespace {
 using LoadNotices = SessionTest;
 
 TEST_F(LoadNotices, ADatabaseThatCannotBeOpenedIsToldOnceAndNoFormOpens) {
+    DBN_FILE_TEST_ONLY(root);
     namespace fs = std::filesystem;
     const std::string path = root.DatabasePath();
     const std::string missing =

@@ -133,9 +133,7 @@ TEST_F(ReferencedCheck, TemplatesNeedTheirNodeRowsAndNumbersStayWithinTheLimits)
 }
 
 TEST_F(ReferencedCheck, FailedCreationIsUndoneAndTheSaveStillHappens) {
-    root.Exec(
-        "CREATE TRIGGER injected BEFORE INSERT ON Node_General_Pool BEGIN "
-        "SELECT RAISE(ABORT, 'injected'); END");
+    root.InjectFailure("Node_General_Pool", "INSERT");
     services.confirmAnswers = {2};
     Open(2, 5, [&](form::GUI& gui) {
         services.onConfirm = [&] {  // asked in the middle of the save

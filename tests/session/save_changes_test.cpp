@@ -67,9 +67,12 @@ TEST_F(SaveChanges, PromptRowsFollowTheConfirmationSetting) {
             EXPECT_TRUE(Rules(gui).SaveChanges(1));
         });
         return root.QueryText(
-            "SELECT group_concat(PromptNumber || ':' || PromptNodeType || ' ' || PromptNodeTypeID "
-            "|| '/' || PromptNodeNumber, ',') FROM (SELECT * FROM Detail_DBN_Prompts" +
-            Where(1, "NodeMasterID", 1) + " ORDER BY PromptNumber)");
+            "SELECT " +
+            root.JoinedTexts("PromptNumber || ':' || PromptNodeType || ' ' || PromptNodeTypeID "
+                             "|| '/' || PromptNodeNumber",
+                             "','") +
+            " FROM (SELECT * FROM Detail_DBN_Prompts" + Where(1, "NodeMasterID", 1) +
+            " ORDER BY PromptNumber) AS prompts");
     };
 
     // Off: defaults only, but before and after from the list.
@@ -115,9 +118,7 @@ TEST_F(SaveChanges, PoolEntryGetsTheLabelAndALocalTimeOnEverySaveAndEmptyNumbers
 }
 
 TEST_F(SaveChanges, AFailedSaveWritesNothingAndLeavesTheFormAsItWas) {
-    root.Exec(
-        "CREATE TRIGGER injected BEFORE UPDATE ON Node_General_Pool BEGIN "
-        "SELECT RAISE(ABORT, 'injected'); END");
+    root.InjectFailure("Node_General_Pool", "UPDATE");
     const std::string before =
         TableRows("Node_DBN") + TableRows("Detail_DBN_Prompts") + TableRows("Node_General_Pool");
     Open(2, 5, [&](form::GUI& gui) {
@@ -137,7 +138,7 @@ TEST_F(SaveChanges, AFailedSaveWritesNothingAndLeavesTheFormAsItWas) {
 
     // A node deleted meanwhile: told, and its prompt rows stay.
     services.boxes.clear();
-    root.Exec("DROP TRIGGER injected");
+    root.RemoveInjectedFailure("Node_General_Pool");
     Open(2, 5, [&](form::GUI& gui) {
         root.Exec("DELETE FROM Node_DBN" + Where(2, "NodeNumber", 5));
         gui.txtDescription.SetText("Changed label");

@@ -67,9 +67,7 @@ TEST_F(SaveCommits, CopiesWithoutAQuestionBetweenThemShareTheSavesCommit) {
 
 TEST_F(SaveCommits, ASaveThatFailsOrFindsItsNodeGoneKeepsTheCopies) {
     const std::string prompts = TableRows("Detail_DBN_Prompts", Where(1, "NodeMasterID", 1));
-    root.Exec(
-        "CREATE TRIGGER injected BEFORE UPDATE ON Node_General_Pool BEGIN "
-        "SELECT RAISE(ABORT, 'injected'); END");
+    root.InjectFailure("Node_General_Pool", "UPDATE");
     services.confirmAnswers = {form::kConfirmYesToAll};
     Open(1, 1, [&](form::GUI& gui) {
         ReferToThreeMissingNodes(gui);
@@ -84,7 +82,7 @@ TEST_F(SaveCommits, ASaveThatFailsOrFindsItsNodeGoneKeepsTheCopies) {
     EXPECT_EQ(NodeColumn("NodeDescription", 1, 1), "Staff directory");
     EXPECT_EQ(TableRows("Detail_DBN_Prompts", Where(1, "NodeMasterID", 1)), prompts);
 
-    root.Exec("DROP TRIGGER injected");
+    root.RemoveInjectedFailure("Node_General_Pool");
     services.boxes.clear();
     services.confirmAnswers = {form::kConfirmYesToAll};
     Open(1, 2, [&](form::GUI& gui) {

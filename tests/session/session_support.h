@@ -145,13 +145,25 @@ protected:
                numberColumn + " = " + std::to_string(number);
     }
 
+    // An expression of columns (joined by ||, which both engines read as
+    // text after the leading empty text).
     std::string NodeColumn(const std::string& column, int partition, int node) {
-        return root.QueryText("SELECT " + column + " FROM Node_DBN" +
+        return root.QueryText("SELECT '' || " + column + " FROM Node_DBN" +
                               Where(partition, "NodeNumber", node));
     }
 
     // Rows of a table, every column quoted and joined by ",", rows sorted.
     std::string TableRows(const std::string& table, const std::string& where = "") {
+        if (root.OnServer()) {
+            const std::string row = root.QueryText(
+                "SELECT string_agg(CASE WHEN data_type = 'text' THEN 'quote_nullable(' || "
+                "column_name || ')' ELSE 'coalesce(' || column_name || '::text, ''NULL'')' END, "
+                "' || '','' || ' ORDER BY ordinal_position) FROM information_schema.columns "
+                "WHERE table_schema = current_schema() AND table_name = lower('" +
+                table + "')");
+            return root.QueryText("SELECT string_agg(r, chr(10) ORDER BY r) FROM (SELECT " + row +
+                                  " AS r FROM " + table + where + ") AS rows");
+        }
         const std::string row = root.QueryText(
             "SELECT group_concat('quote(' || name || ')', ' || '','' || ') FROM "
             "pragma_table_info('" +

@@ -46,6 +46,9 @@ TEST_F(SessionTest, AMissingNodeIsReportedOnceAndNeverShown) {
 
     // No database at all: one box, and no form is even loaded.
     SetDataRootOverride(root.Root() + "/elsewhere");
+    if (root.OnServer()) {
+        ::setenv("DBN_DATABASE", testing::UriOfDatabase("no_such_database").c_str(), 1);
+    }
     services.endModals = 0;
     Open(1, 1);
     EXPECT_EQ(services.modalShows + services.endModals, 0);

@@ -1,0 +1,26 @@
+#include "database/database_engine.h"
+
+#include "database/database_errors.h"
+
+namespace dbn {
+
+void CheckParameterCount(const CatalogueCommand& command, const TranslatedStatement& statement) {
+    if (statement.parameters.size() != static_cast<std::size_t>(command.parameterCount)) {
+        RaiseDatabaseError(kErrCatalogueParameters,
+                           "Command " + std::string(command.name) + " declares " +
+                               std::to_string(command.parameterCount) +
+                               " parameters but its statement has " +
+                               std::to_string(statement.parameters.size()) + ".");
+    }
+}
+
+std::unique_ptr<DatabaseEngine> ConnectEngine(const DatabaseTarget& target,
+                                              std::chrono::milliseconds lockTimeout,
+                                              OpenMode mode) {
+    if (target.IsServer()) {
+        return ConnectPostgres(target.location, lockTimeout);
+    }
+    return ConnectSqlite(target.location, lockTimeout, mode);
+}
+
+}  // namespace dbn

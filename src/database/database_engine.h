@@ -1,0 +1,82 @@
+#pragma once
+
+// One open connection of one engine (SQLite or PostgreSQL) behind DataBase,
+// configuration set-up and copy. Every failure is raised as ComponentError
+// with the engine's clear message.
+
+#include "database/command_catalogue.h"
+#include "database/database_target.h"
+#include "database/field_value.h"
+#include "database/schema_model.h"
+#include "database/sql_translation.h"
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace dbn {
+
+using TableRows = std::vector<std::vector<FieldValue>>;
+
+// What a catalogue command gave back.
+struct CommandResult {
+    std::vector<std::string> columns;  // row-returning commands only
+    TableRows rows;
+    long changes = 0;  // rows changed by an action command
+};
+
+class DatabaseEngine {
+public:
+    virtual ~DatabaseEngine() = default;
+
+    // Runs a catalogue command, its arguments bound as text in order.
+    virtual CommandResult Run(const CatalogueCommand& command,
+                              const std::vector<std::string>& args) = 0;
+
+    // Opens a transaction holding the database's write lock, waiting for
+    // another writer up to the lock time-out, so that a save never stops
+    // half way for want of a lock.
+    virtual void BeginWrite() = 0;
+    // Runs statements without results (commit, rollback, savepoints, DDL).
+    virtual void Exec(const std::string& sql, std::string_view doing) = 0;
+    virtual bool InTransaction() const = 0;
+    // How long a statement waits for a lock held by another connection.
+    virtual void SetLockTimeout(std::chrono::milliseconds timeout) = 0;
+
+    // Whole-table access for set-up and copy.
+    virtual bool HasTable(const SchemaTable& table) = 0;
+    // True when the table (which must exist) holds at least one row.
+    virtual bool HasRows(const SchemaTable& table) = 0;
+    // Opens a read-only transaction that sees one consistent state.
+    virtual void BeginRead() = 0;
+    // Every row, columns in schema order, sorted by the primary key.
+    virtual TableRows ReadTable(const SchemaTable& table) = 0;
+    // Appends rows given in schema column order.
+    virtual void AppendRows(const SchemaTable& table, const TableRows& rows) = 0;
+    // Removes every configuration table there is and creates them empty.
+    virtual void CreateSchema() = 0;
+
+    // The database as messages name it (no password).
+    virtual const std::string& Name() const = 0;
+};
+
+// Raises the catalogue fault of a command whose statement has another number
+// of parameters than it declares.
+void CheckParameterCount(const CatalogueCommand& command, const TranslatedStatement& statement);
+
+enum class OpenMode { Existing, CreateNew };
+
+// Connects to target. An SQLite file must exist and be a configuration
+// database unless mode is CreateNew, which makes an empty file.
+std::unique_ptr<DatabaseEngine> ConnectEngine(const DatabaseTarget& target,
+                                              std::chrono::milliseconds lockTimeout,
+                                              OpenMode mode = OpenMode::Existing);
+
+std::unique_ptr<DatabaseEngine> ConnectSqlite(const std::string& path,
+                                              std::chrono::milliseconds lockTimeout, OpenMode mode);
+std::unique_ptr<DatabaseEngine> ConnectPostgres(const std::string& conninfo,
+                                                std::chrono::milliseconds lockTimeout);
+
+}  // namespace dbn

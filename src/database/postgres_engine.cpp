@@ -1,0 +1,400 @@
+// The server engine: one libpq connection to a PostgreSQL database.
+#include "database/database_engine.h"
+#include "database/database_errors.h"
+#include "database/sql_translation.h"
+
+#include <libpq-fe.h>
+
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <set>
+
+namespace dbn {
+namespace {
+
+// Every writer of the configuration takes this transaction-scoped lock first,
+// so that writers follow one another as they do on the embedded file.
+constexpr const char* kBeginWrite = "BEGIN; SELECT pg_advisory_xact_lock(4473422)";
+
+// Type numbers of the values read back.
+constexpr Oid kInt8 = 20;
+constexpr Oid kInt2 = 21;
+constexpr Oid kInt4 = 23;
+constexpr Oid kFloat4 = 700;
+constexpr Oid kFloat8 = 701;
+constexpr Oid kNumeric = 1700;
+
+struct ResultClear {
+    void operator()(PGresult* result) const { PQclear(result); }
+};
+using Result = std::unique_ptr<PGresult, ResultClear>;
+
+struct ConnectionFinish {
+    void operator()(PGconn* conn) const { PQfinish(conn); }
+};
+using Connection = std::unique_ptr<PGconn, ConnectionFinish>;
+
+// The PostgreSQL text of a catalogue command, translated once per process.
+const TranslatedStatement& PostgresTextOf(const CatalogueCommand& command) {
+    static std::map<std::string_view, TranslatedStatement> translated;
+    auto found = translated.find(command.name);
+    if (found == translated.end()) {
+        TranslatedStatement statement = TranslateToPostgres(command.text);
+        CheckParameterCount(command, statement);
+        found = translated.emplace(command.name, std::move(statement)).first;
+    }
+    return found->second;
+}
+
+bool Contains(const std::string& text, const char* part) {
+    return text.find(part) != std::string::npos;
+}
+
+std::string Quoted(const std::string& name) {
+    return "\"" + name + "\"";
+}
+
+std::string Lowered(std::string name) {
+    for (char& c : name) {
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
+    return name;
+}
+
+std::string ColumnList(const SchemaTable& table) {
+    std::string list;
+    for (const SchemaColumn& column : table.columns) {
+        list += (list.empty() ? "" : ", ") + Quoted(Lowered(column.name));
+    }
+    return list;
+}
+
+FieldValue ReadValue(const PGresult* result, int row, int column) {
+    if (PQgetisnull(result, row, column) != 0) {
+        return FieldValue();
+    }
+    const char* text = PQgetvalue(result, row, column);
+    const auto length = static_cast<std::size_t>(PQgetlength(result, row, column));
+    switch (PQftype(result, column)) {
+        case kInt2:
+        case kInt4:
+        case kInt8: {
+            std::int64_t value = 0;
+            std::from_chars(text, text + length, value);
+            return FieldValue(value);
+        }
+        case kFloat4:
+        case kFloat8:
+        case kNumeric:
+            return FieldValue(std::strtod(text, nullptr));
+        default:
+            return FieldValue(std::string(text, length));
+    }
+}
+
+// One value in COPY's text format.
+void AppendCopyValue(std::string& line, const FieldValue& value) {
+    std::visit(
+        [&line](const auto& v) {
+            using V = std::decay_t<decltype(v)>;
+            if constexpr (std::is_same_v<V, std::monostate>) {
+                line += "\\N";
+            } else if constexpr (std::is_same_v<V, std::int64_t>) {
+                line += std::to_string(v);
+            } else if constexpr (std::is_same_v<V, double>) {
+                char buffer[32];
+                std::snprintf(buffer, sizeof buffer, "%.17g", v);
+                line += buffer;
+            } else {
+                for (const char c : v) {
+                    switch (c) {
+                        case '\\':
+                            line += "\\\\";
+                            break;
+                        case '\n':
+                            line += "\\n";
+                            break;
+                        case '\r':
+                            line += "\\r";
+                            break;
+                        case '\t':
+                            line += "\\t";
+                            break;
+                        default:
+                            line += c;
+                    }
+                }
+            }
+        },
+        value.Raw());
+}
+
+class PostgresEngine final : public DatabaseEngine {
+public:
+    PostgresEngine(const std::string& conninfo, std::chrono::milliseconds lockTimeout);
+
+    CommandResult Run(const CatalogueCommand& command,
+                      const std::vector<std::string>& args) override;
+    void BeginWrite() override;
+    void Exec(const std::string& sql, std::string_view doing) override;
+    bool InTransaction() const override { return PQtransactionStatus(conn_.get()) != PQTRANS_IDLE; }
+    void SetLockTimeout(std::chrono::milliseconds timeout) override;
+    bool HasTable(const SchemaTable& table) override;
+    bool HasRows(const SchemaTable& table) override {
+        Result result =
+            Checked(PQexec(conn_.get(),
+                           ("SELECT 1 FROM " + Quoted(Lowered(table.name)) + " LIMIT 1").c_str()),
+                    "reading " + table.name);
+        return PQntuples(result.get()) > 0;
+    }
+    void BeginRead() override {
+        Exec("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY", "reading");
+    }
+    TableRows ReadTable(const SchemaTable& table) override;
+    void AppendRows(const SchemaTable& table, const TableRows& rows) override;
+    void CreateSchema() override;
+    const std::string& Name() const override { return name_; }
+
+private:
+    // Raises the clear error for a failed result (or a lost connection).
+    [[noreturn]] void RaiseFailure(const PGresult* result, std::string_view doing) const;
+    // Checks that result is one of the good statuses.
+    Result Checked(PGresult* raw, std::string_view doing) const;
+
+    std::string conninfo_;
+    std::string name_;
+    Connection conn_;
+    std::set<std::string, std::less<>> prepared_;
+};
+
+PostgresEngine::PostgresEngine(const std::string& conninfo, std::chrono::milliseconds lockTimeout)
+    : conninfo_(conninfo), name_(DisplayName(DatabaseTarget::Server(conninfo))) {
+    // Defaults that the connection string or the PG* variables override.
+    std::vector<const char*> keywords;
+    std::vector<const char*> values;
+    if (std::getenv("PGCONNECT_TIMEOUT") == nullptr) {
+        keywords.push_back("connect_timeout");
+        values.push_back("10");
+    }
+    if (std::getenv("PGAPPNAME") == nullptr) {
+        keywords.push_back("application_name");
+        values.push_back("dbn-node-editor");
+    }
+    keywords.push_back("dbname");
+    values.push_back(conninfo_.c_str());
+    keywords.push_back(nullptr);
+    values.push_back(nullptr);
+    conn_.reset(PQconnectdbParams(keywords.data(), values.data(), 1));
+    if (PQstatus(conn_.get()) != CONNECTION_OK) {
+        const std::string message = conn_ ? PQerrorMessage(conn_.get()) : "out of memory";
+        if (Contains(message, "authentication failed") || Contains(message, "no password")) {
+            RaiseServerError(kErrServerLogin,
+                             "The database server \"" + name_ +
+                                 "\" refused the login: authentication failed. Check the user "
+                                 "name and the password (for example in ~/.pgpass).");
+        }
+        if (Contains(message, "database \"") && Contains(message, "does not exist")) {
+            RaiseServerError(kErrServerDatabaseMissing,
+                             "The database server \"" + name_ +
+                                 "\" has no such database. Create the database, then the "
+                                 "configuration in it with: dbn-node-editor init --database '" +
+                                 name_ + "'");
+        }
+        RaiseServerError(kErrServerUnreachable,
+                         "The database server \"" + name_ +
+                             "\" cannot be reached: it is not running or does not accept "
+                             "connections.");
+    }
+    PQsetClientEncoding(conn_.get(), "UTF8");
+    Exec("SET client_min_messages = warning", "opening");
+    SetLockTimeout(lockTimeout);
+}
+
+void PostgresEngine::RaiseFailure(const PGresult* result, std::string_view doing) const {
+    if (PQstatus(conn_.get()) != CONNECTION_OK) {
+        RaiseServerError(kErrServerUnreachable,
+                         "The database server \"" + name_ +
+                             "\" cannot be reached: the connection to it was lost.");
+    }
+    const char* state = result != nullptr ? PQresultErrorField(result, PG_DIAG_SQLSTATE) : nullptr;
+    const std::string sqlState = state != nullptr ? state : "";
+    if (sqlState == "55P03" || sqlState == "40P01") {
+        RaiseLockedError(name_, kServerSource);
+    }
+    if (sqlState == "42P01") {
+        RaiseServerError(kErrSchemaMissing,
+                         "The configuration database \"" + name_ +
+                             "\" has no configuration tables. Create them with: dbn-node-editor "
+                             "init --database '" +
+                             name_ + "'");
+    }
+    std::string message = result != nullptr ? PQresultErrorMessage(result) : "";
+    if (message.empty()) {
+        message = PQerrorMessage(conn_.get());
+    }
+    while (!message.empty() && (message.back() == '\n' || message.back() == ' ')) {
+        message.pop_back();
+    }
+    if (message.starts_with("ERROR:  ")) {
+        message.erase(0, 8);
+    }
+    RaiseServerError(kErrServerStatement,
+                     message + " (" + std::string(doing) + " on \"" + name_ + "\")");
+}
+
+Result PostgresEngine::Checked(PGresult* raw, std::string_view doing) const {
+    Result result(raw);
+    const ExecStatusType status = PQresultStatus(result.get());
+    if (!result ||
+        (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK && status != PGRES_COPY_IN)) {
+        RaiseFailure(result.get(), doing);
+    }
+    return result;
+}
+
+CommandResult PostgresEngine::Run(const CatalogueCommand& command,
+                                  const std::vector<std::string>& args) {
+    const TranslatedStatement& statement = PostgresTextOf(command);
+    if (!prepared_.contains(command.name)) {
+        Checked(PQprepare(conn_.get(), std::string(command.name).c_str(), statement.sql.c_str(),
+                          static_cast<int>(statement.parameters.size()), nullptr),
+                command.name);
+        prepared_.emplace(command.name);
+    }
+    std::vector<const char*> values;
+    values.reserve(args.size());
+    for (const std::string& arg : args) {
+        values.push_back(arg.c_str());
+    }
+    Result result =
+        Checked(PQexecPrepared(conn_.get(), std::string(command.name).c_str(),
+                               static_cast<int>(values.size()), values.data(), nullptr, nullptr, 0),
+                command.name);
+    CommandResult out;
+    if (command.kind == CommandKind::Action) {
+        const char* changed = PQcmdTuples(result.get());
+        out.changes = changed != nullptr && *changed != '\0' ? std::atol(changed) : 0;
+        return out;
+    }
+    const int columns = PQnfields(result.get());
+    const int rows = PQntuples(result.get());
+    for (int column = 0; column < columns; ++column) {
+        out.columns.emplace_back(PQfname(result.get(), column));
+    }
+    out.rows.reserve(static_cast<std::size_t>(rows));
+    for (int row = 0; row < rows; ++row) {
+        std::vector<FieldValue> values;
+        values.reserve(static_cast<std::size_t>(columns));
+        for (int column = 0; column < columns; ++column) {
+            values.push_back(ReadValue(result.get(), row, column));
+        }
+        out.rows.push_back(std::move(values));
+    }
+    return out;
+}
+
+void PostgresEngine::Exec(const std::string& sql, std::string_view doing) {
+    Checked(PQexec(conn_.get(), sql.c_str()), doing);
+}
+
+void PostgresEngine::BeginWrite() {
+    try {
+        Exec(kBeginWrite, "BeginTrans");
+    } catch (...) {
+        // The failed lock leaves the transaction open and aborted.
+        Result ignored(PQexec(conn_.get(), "ROLLBACK"));
+        throw;
+    }
+}
+
+void PostgresEngine::SetLockTimeout(std::chrono::milliseconds timeout) {
+    // Zero would mean "wait for ever" to the server; the shortest wait is 1 ms.
+    const auto milliseconds = std::max<long long>(1, timeout.count());
+    Exec("SET lock_timeout = " + std::to_string(milliseconds), "setting the lock time-out");
+}
+
+bool PostgresEngine::HasTable(const SchemaTable& table) {
+    const std::string name = Quoted(Lowered(table.name));
+    const char* values[] = {name.c_str()};
+    Result result = Checked(PQexecParams(conn_.get(), "SELECT to_regclass($1) IS NOT NULL", 1,
+                                         nullptr, values, nullptr, nullptr, 0),
+                            "reading the schema");
+    return PQntuples(result.get()) == 1 && std::string_view(PQgetvalue(result.get(), 0, 0)) == "t";
+}
+
+TableRows PostgresEngine::ReadTable(const SchemaTable& table) {
+    std::string order;
+    for (const std::string& key : table.primaryKey) {
+        order += (order.empty() ? "" : ", ") + Quoted(Lowered(key));
+    }
+    Result result = Checked(PQexec(conn_.get(), ("SELECT " + ColumnList(table) + " FROM " +
+                                                 Quoted(Lowered(table.name)) + " ORDER BY " + order)
+                                                    .c_str()),
+                            "reading " + table.name);
+    TableRows rows;
+    const int columns = PQnfields(result.get());
+    for (int row = 0; row < PQntuples(result.get()); ++row) {
+        std::vector<FieldValue> values;
+        values.reserve(static_cast<std::size_t>(columns));
+        for (int column = 0; column < columns; ++column) {
+            values.push_back(ReadValue(result.get(), row, column));
+        }
+        rows.push_back(std::move(values));
+    }
+    return rows;
+}
+
+void PostgresEngine::AppendRows(const SchemaTable& table, const TableRows& rows) {
+    const std::string doing = "writing " + table.name;
+    Checked(PQexec(conn_.get(), ("COPY " + Quoted(Lowered(table.name)) + " (" + ColumnList(table) +
+                                 ") FROM STDIN")
+                                    .c_str()),
+            doing);
+    std::string chunk;
+    const auto flush = [&] {
+        if (PQputCopyData(conn_.get(), chunk.data(), static_cast<int>(chunk.size())) != 1) {
+            RaiseFailure(nullptr, doing);
+        }
+        chunk.clear();
+    };
+    for (const auto& row : rows) {
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            if (i > 0) {
+                chunk += '\t';
+            }
+            AppendCopyValue(chunk, row[i]);
+        }
+        chunk += '\n';
+        if (chunk.size() > 65536) {
+            flush();
+        }
+    }
+    flush();
+    if (PQputCopyEnd(conn_.get(), nullptr) != 1) {
+        RaiseFailure(nullptr, doing);
+    }
+    Checked(PQgetResult(conn_.get()), doing);
+    // The copy's end leaves one more empty result to take.
+    while (PGresult* rest = PQgetResult(conn_.get())) {
+        PQclear(rest);
+    }
+}
+
+void PostgresEngine::CreateSchema() {
+    std::string drops;
+    for (const SchemaTable& table : ConfigurationSchema()) {
+        drops += "DROP TABLE IF EXISTS " + Quoted(Lowered(table.name)) + ";\n";
+    }
+    Exec(drops + PostgresSchemaSql(), "creating the tables");
+}
+
+}  // namespace
+
+std::unique_ptr<DatabaseEngine> ConnectPostgres(const std::string& conninfo,
+                                                std::chrono::milliseconds lockTimeout) {
+    return std::make_unique<PostgresEngine>(conninfo, lockTimeout);
+}
+
+}  // namespace dbn

@@ -1,0 +1,137 @@
+#include "database/schema_model.h"
+
+#include "database/schema_sql.h"
+
+#include <algorithm>
+#include <cctype>
+#include <sstream>
+
+namespace dbn {
+namespace {
+
+std::string Lowered(std::string text) {
+    for (char& c : text) {
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
+    return text;
+}
+
+bool SameName(const std::string& a, const std::string& b) {
+    return Lowered(a) == Lowered(b);
+}
+
+std::string Unquoted(std::string name) {
+    name.erase(std::remove(name.begin(), name.end(), '"'), name.end());
+    return name;
+}
+
+std::vector<std::string> NamesBetweenParentheses(const std::string& line) {
+    const auto open = line.find('(');
+    const auto close = line.find(')', open);
+    std::vector<std::string> names;
+    std::stringstream list(line.substr(open + 1, close - open - 1));
+    for (std::string name; std::getline(list, name, ',');) {
+        std::stringstream trimmed(name);
+        trimmed >> name;
+        names.push_back(Unquoted(name));
+    }
+    return names;
+}
+
+// Reads "CREATE TABLE name (", one "column TYPE [NOT NULL]," per line,
+// "PRIMARY KEY (...)" and ") STRICT;", skipping comments and blank lines.
+std::vector<SchemaTable> ParseSchema(const std::string& sql) {
+    std::vector<SchemaTable> tables;
+    std::stringstream lines(sql);
+    for (std::string line; std::getline(lines, line);) {
+        std::stringstream words(line);
+        std::string first;
+        words >> first;
+        if (first.empty() || first.starts_with("--") || first.starts_with(")")) {
+            continue;
+        }
+        if (first == "CREATE") {
+            std::string table;
+            std::string name;
+            words >> table >> name;
+            tables.push_back(SchemaTable{Unquoted(name), {}, {}});
+        } else if (first == "PRIMARY") {
+            tables.back().primaryKey = NamesBetweenParentheses(line);
+        } else if (!tables.empty()) {
+            std::string type;
+            words >> type;
+            SchemaColumn column;
+            column.name = Unquoted(first);
+            column.type = type.starts_with("INTEGER") ? ColumnType::Integer
+                          : type.starts_with("REAL")  ? ColumnType::Real
+                                                      : ColumnType::Text;
+            column.notNull = line.find("NOT NULL") != std::string::npos;
+            tables.back().columns.push_back(std::move(column));
+        }
+    }
+    for (SchemaTable& table : tables) {
+        for (SchemaColumn& column : table.columns) {
+            column.inPrimaryKey =
+                std::any_of(table.primaryKey.begin(), table.primaryKey.end(),
+                            [&column](const std::string& key) { return key == column.name; });
+        }
+    }
+    return tables;
+}
+
+std::string PostgresName(const std::string& name) {
+    return "\"" + Lowered(name) + "\"";
+}
+
+}  // namespace
+
+const SchemaColumn* SchemaTable::Column(const std::string& columnName) const {
+    const auto found =
+        std::find_if(columns.begin(), columns.end(),
+                     [&columnName](const SchemaColumn& c) { return SameName(c.name, columnName); });
+    return found == columns.end() ? nullptr : &*found;
+}
+
+const std::vector<SchemaTable>& ConfigurationSchema() {
+    static const std::vector<SchemaTable> tables = ParseSchema(sql::k_schema);
+    return tables;
+}
+
+const SchemaTable* FindSchemaTable(const std::string& tableName) {
+    const auto& tables = ConfigurationSchema();
+    const auto found =
+        std::find_if(tables.begin(), tables.end(),
+                     [&tableName](const SchemaTable& t) { return SameName(t.name, tableName); });
+    return found == tables.end() ? nullptr : &*found;
+}
+
+std::string PostgresColumnType(const SchemaColumn& column) {
+    switch (column.type) {
+        case ColumnType::Integer:
+            return column.inPrimaryKey ? "smallint" : "bigint";
+        case ColumnType::Real:
+            return "double precision";
+        case ColumnType::Text:
+            break;
+    }
+    return "text";
+}
+
+std::string PostgresSchemaSql() {
+    std::string sql;
+    for (const SchemaTable& table : ConfigurationSchema()) {
+        sql += "CREATE TABLE " + PostgresName(table.name) + " (\n";
+        for (const SchemaColumn& column : table.columns) {
+            sql += "    " + PostgresName(column.name) + " " + PostgresColumnType(column) +
+                   (column.notNull ? " NOT NULL" : "") + ",\n";
+        }
+        sql += "    PRIMARY KEY (";
+        for (std::size_t i = 0; i < table.primaryKey.size(); ++i) {
+            sql += (i == 0 ? "" : ", ") + PostgresName(table.primaryKey[i]);
+        }
+        sql += ")\n);\n";
+    }
+    return sql;
+}
+
+}  // namespace dbn

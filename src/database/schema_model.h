@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace dbn {
+
+enum class ColumnType { Integer, Real, Text };
+
+struct SchemaColumn {
+    std::string name;  // as the schema spells it
+    ColumnType type = ColumnType::Text;
+    bool notNull = false;
+    bool inPrimaryKey = false;
+};
+
+struct SchemaTable {
+    std::string name;
+    std::vector<SchemaColumn> columns;
+    std::vector<std::string> primaryKey;
+
+    // The column of that name (compared without regard to case), or nullptr.
+    const SchemaColumn* Column(const std::string& columnName) const;
+};
+
+// The configuration tables in the order the schema creates them, read once
+// from the compiled-in SQLite schema: the one source of both engines' tables.
+const std::vector<SchemaTable>& ConfigurationSchema();
+
+// The table of that name (compared without regard to case), or nullptr.
+const SchemaTable* FindSchemaTable(const std::string& tableName);
+
+// The PostgreSQL type of a column: key columns are 16-bit (smallint), other
+// whole numbers 64-bit like SQLite's INTEGER (bigint).
+std::string PostgresColumnType(const SchemaColumn& column);
+
+// CREATE TABLE statements of every configuration table for PostgreSQL, with
+// the same columns, keys and NOT NULL rules. Identifiers are folded to lower
+// case, as PostgreSQL folds the catalogue's unquoted names.
+std::string PostgresSchemaSql();
+
+}  // namespace dbn

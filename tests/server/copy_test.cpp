@@ -1,0 +1,145 @@
+// copy between the embedded file and a server, both ways: every table, every
+// value exactly, and the server's tables the same as the file's schema.
+
+#include "database/configuration_copy.h"
+#include "database/database_engine.h"
+#include "database/database_errors.h"
+#include "database/error_of.h"
+#include "temp_database.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <limits>
+
+namespace dbn {
+namespace {
+
+using testing::ErrorOf;
+using testing::ScratchServerDatabase;
+using testing::TempDataRoot;
+
+// Every table of a database, as its engine reads it back.
+std::vector<TableRows> Dump(const DatabaseTarget& target) {
+    auto engine = ConnectEngine(target, std::chrono::milliseconds(1000));
+    std::vector<TableRows> tables;
+    for (const SchemaTable& table : ConfigurationSchema()) {
+        tables.push_back(engine->ReadTable(table));
+    }
+    return tables;
+}
+
+void ExpectSameContent(const std::vector<TableRows>& expected,
+                       const std::vector<TableRows>& actual) {
+    ASSERT_EQ(expected.size(), actual.size());
+    for (std::size_t t = 0; t < expected.size(); ++t) {
+        SCOPED_TRACE(ConfigurationSchema()[t].name);
+        ASSERT_EQ(expected[t].size(), actual[t].size());
+        for (std::size_t r = 0; r < expected[t].size(); ++r) {
+            for (std::size_t c = 0; c < expected[t][r].size(); ++c) {
+                EXPECT_EQ(expected[t][r][c].Raw(), actual[t][r][c].Raw())
+                    << "row " << r << " column " << ConfigurationSchema()[t].columns[c].name;
+            }
+        }
+    }
+}
+
+class Copy : public ::testing::Test {
+protected:
+    void SetUp() override { DBN_REQUIRE_TEST_SERVER(); }
+};
+
+TEST_F(Copy, FileToServerAndBackLeavesIdenticalContentWithEveryKindOfValue) {
+    TempDataRoot root(TempDataRoot::Content::Demo);
+    const DatabaseTarget file = DatabaseTarget::SqliteFile(root.DatabasePath());
+    // NULLs, empty texts, quotes, control and non-ASCII characters, and the
+    // boundary numbers of 16-bit keys and 64-bit values.
+    {
+        auto engine = ConnectEngine(file, std::chrono::milliseconds(1000));
+        const SchemaTable& pool = *FindSchemaTable("Node_General_Pool");
+        const SchemaTable& names = *FindSchemaTable("Node_Type_Max");
+        engine->AppendRows(
+            pool, {{FieldValue(std::int64_t{-32768}), FieldValue(std::int64_t{32767}),
+                    FieldValue(std::int64_t{0}), FieldValue(std::int64_t{1}), FieldValue(),
+                    FieldValue(std::string("")), FieldValue(std::string("it's \"é\" \\ \t\n€"))},
+                   {FieldValue(std::int64_t{32767}), FieldValue(std::int64_t{-32768}),
+                    FieldValue(std::int64_t{0}), FieldValue(std::int64_t{1}),
+                    FieldValue(std::string("Zürich")), FieldValue(), FieldValue()}});
+        engine->AppendRows(
+            names,
+            {{FieldValue(std::int64_t{9}), FieldValue(std::int64_t{9}), FieldValue(std::int64_t{1}),
+              FieldValue(std::numeric_limits<std::int64_t>::max())},
+             {FieldValue(std::int64_t{9}), FieldValue(std::int64_t{9}), FieldValue(std::int64_t{2}),
+              FieldValue(std::numeric_limits<std::int64_t>::min())}});
+    }
+    const std::vector<TableRows> original = Dump(file);
+
+    ScratchServerDatabase server;
+    const DatabaseTarget onServer = DatabaseTarget::Server(server.Uri());
+    const std::vector<CopiedTable> up = CopyConfiguration(file, onServer, ExistingDatabase::Refuse);
+    ASSERT_EQ(up.size(), ConfigurationSchema().size());
+    EXPECT_EQ(up.front().name, "SR_Node_Type_Names");
+    EXPECT_EQ(up.front().rows, 18u);
+    ExpectSameContent(original, Dump(onServer));
+
+    const std::string back = root.Root() + "/back/Copy.mdb";  // folder made too
+    CopyConfiguration(onServer, DatabaseTarget::SqliteFile(back), ExistingDatabase::Refuse);
+    ExpectSameContent(original, Dump(DatabaseTarget::SqliteFile(back)));
+
+    // Targets holding a configuration are refused without force, and are
+    // replaced whole with it.
+    for (const DatabaseTarget& target : {onServer, DatabaseTarget::SqliteFile(back)}) {
+        EXPECT_EQ(
+            ErrorOf([&] { CopyConfiguration(file, target, ExistingDatabase::Refuse); }).Number(),
+            kErrTargetHasConfiguration);
+    }
+    TempDataRoot empty;
+    CopyConfiguration(DatabaseTarget::SqliteFile(empty.DatabasePath()), onServer,
+                      ExistingDatabase::Replace);
+    for (const TableRows& rows : Dump(onServer)) {
+        EXPECT_TRUE(rows.empty());
+    }
+}
+
+// The server's tables are made from the file's schema: same tables, columns
+// in the same order, the same keys and NOT NULL rules; 16-bit keys.
+TEST_F(Copy, TheServersTablesMatchTheSchemaOfTheFile) {
+    ScratchServerDatabase server;
+    CopyConfiguration(DatabaseTarget::SqliteFile(TempDataRoot().DatabasePath()),
+                      DatabaseTarget::Server(server.Uri()), ExistingDatabase::Refuse);
+    auto conn = testing::ConnectTo(server.Uri());
+    std::string described;
+    std::string expected;
+    for (const SchemaTable& table : ConfigurationSchema()) {
+        PGresult* result =
+            PQexec(conn.get(),
+                   ("SELECT c.column_name, c.data_type, c.is_nullable, EXISTS (SELECT 1 FROM "
+                    "information_schema.key_column_usage k WHERE k.table_name = c.table_name AND "
+                    "k.column_name = c.column_name) FROM information_schema.columns c WHERE "
+                    "c.table_schema = current_schema() AND c.table_name = lower('" +
+                    table.name + "') ORDER BY c.ordinal_position")
+                       .c_str());
+        for (int row = 0; row < PQntuples(result); ++row) {
+            for (int column = 0; column < 4; ++column) {
+                described += std::string(PQgetvalue(result, row, column)) + " ";
+            }
+        }
+        PQclear(result);
+        for (const SchemaColumn& column : table.columns) {
+            std::string name = column.name;
+            for (char& c : name) {
+                c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+            }
+            const char* type = column.type == ColumnType::Text ? "text"
+                               : column.inPrimaryKey           ? "smallint"
+                                                               : "bigint";
+            expected += name + " " + type + " " + (column.notNull ? "NO" : "YES") + " " +
+                        (column.inPrimaryKey ? "t" : "f") + " ";
+        }
+    }
+    EXPECT_EQ(described, expected);
+    EXPECT_EQ(ConfigurationSchema().size(), 32u);
+}
+
+}  // namespace
+}  // namespace dbn
