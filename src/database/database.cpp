@@ -32,6 +32,7 @@ std::string DataBase::ConnectionString() const {
 DatabaseEngine& DataBase::Engine() {
     if (!engine_) {
         engine_ = ConnectEngine(target_, busyTimeout_);
+        engine_->SetWaitHandler(waitHandler_);
     }
     return *engine_;
 }
@@ -125,6 +126,13 @@ void DataBase::RollbackToSavepoint() {
 
 bool DataBase::InTransaction() const noexcept {
     return engine_ && engine_->InTransaction();
+}
+
+void DataBase::SetWaitHandler(std::function<void()> handler) {
+    waitHandler_ = std::move(handler);
+    if (engine_) {
+        engine_->SetWaitHandler(waitHandler_);
+    }
 }
 
 void DataBase::SetBusyTimeout(std::chrono::milliseconds timeout) {

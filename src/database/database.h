@@ -5,6 +5,7 @@
 #include "database/row_set.h"
 
 #include <chrono>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -57,6 +58,11 @@ public:
     // (30 seconds unless changed).
     void SetBusyTimeout(std::chrono::milliseconds timeout);
 
+    // Called again and again while a command waits for another connection's
+    // lock or for the server, so that a window keeps painting meanwhile. The
+    // handler must not use this DataBase. Empty: just wait.
+    void SetWaitHandler(std::function<void()> handler);
+
     // Number of commands executed through this object (for measurements).
     long ExecutedCount() const noexcept { return executed_; }
 
@@ -70,6 +76,7 @@ private:
 
     DatabaseTarget target_;
     std::chrono::milliseconds busyTimeout_{30000};
+    std::function<void()> waitHandler_;
     std::unique_ptr<DatabaseEngine> engine_;
     std::map<std::string, RowSet, std::less<>> rowSets_;
     long executed_ = 0;

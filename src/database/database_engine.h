@@ -11,6 +11,7 @@
 #include "database/sql_translation.h"
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -44,6 +45,10 @@ public:
     virtual bool InTransaction() const = 0;
     // How long a statement waits for a lock held by another connection.
     virtual void SetLockTimeout(std::chrono::milliseconds timeout) = 0;
+    // Called again and again (every few tens of milliseconds) while a
+    // statement waits for a lock or for the server's answer, so that a window
+    // can keep painting; it must not use this connection. Empty: just wait.
+    virtual void SetWaitHandler(std::function<void()> handler) = 0;
 
     // Whole-table access for set-up and copy.
     virtual bool HasTable(const SchemaTable& table) = 0;

@@ -5,6 +5,9 @@
 
 #include <libpq-fe.h>
 
+#include <poll.h>
+
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -141,6 +144,9 @@ public:
     void Exec(const std::string& sql, std::string_view doing) override;
     bool InTransaction() const override { return PQtransactionStatus(conn_.get()) != PQTRANS_IDLE; }
     void SetLockTimeout(std::chrono::milliseconds timeout) override;
+    void SetWaitHandler(std::function<void()> handler) override {
+        waitHandler_ = std::move(handler);
+    }
     bool HasTable(const SchemaTable& table) override;
     bool HasRows(const SchemaTable& table) override {
         Result result =
@@ -162,11 +168,18 @@ private:
     [[noreturn]] void RaiseFailure(const PGresult* result, std::string_view doing) const;
     // Checks that result is one of the good statuses.
     Result Checked(PGresult* raw, std::string_view doing) const;
+    // Runs sql (one or more statements) as PQexec does; while the server has
+    // not answered, the wait handler is called between short waits.
+    PGresult* ExecWaiting(const std::string& sql);
+    PGresult* ExecPreparedWaiting(const std::string& name, const std::vector<const char*>& values);
+    // Collects the answer of the query just sent, as PQexec would return it.
+    PGresult* AwaitResult();
 
     std::string conninfo_;
     std::string name_;
     Connection conn_;
     std::set<std::string, std::less<>> prepared_;
+    std::function<void()> waitHandler_;
 };
 
 PostgresEngine::PostgresEngine(const std::string& conninfo, std::chrono::milliseconds lockTimeout)
@@ -268,10 +281,7 @@ CommandResult PostgresEngine::Run(const CatalogueCommand& command,
     for (const std::string& arg : args) {
         values.push_back(arg.c_str());
     }
-    Result result =
-        Checked(PQexecPrepared(conn_.get(), std::string(command.name).c_str(),
-                               static_cast<int>(values.size()), values.data(), nullptr, nullptr, 0),
-                command.name);
+    Result result = Checked(ExecPreparedWaiting(std::string(command.name), values), command.name);
     CommandResult out;
     if (command.kind == CommandKind::Action) {
         const char* changed = PQcmdTuples(result.get());
@@ -296,7 +306,62 @@ CommandResult PostgresEngine::Run(const CatalogueCommand& command,
 }
 
 void PostgresEngine::Exec(const std::string& sql, std::string_view doing) {
-    Checked(PQexec(conn_.get(), sql.c_str()), doing);
+    Checked(ExecWaiting(sql), doing);
+}
+
+PGresult* PostgresEngine::ExecWaiting(const std::string& sql) {
+    if (!waitHandler_) {
+        return PQexec(conn_.get(), sql.c_str());
+    }
+    if (PQsendQuery(conn_.get(), sql.c_str()) == 0) {
+        return nullptr;
+    }
+    return AwaitResult();
+}
+
+PGresult* PostgresEngine::ExecPreparedWaiting(const std::string& name,
+                                              const std::vector<const char*>& values) {
+    const int count = static_cast<int>(values.size());
+    if (!waitHandler_) {
+        return PQexecPrepared(conn_.get(), name.c_str(), count, values.data(), nullptr, nullptr, 0);
+    }
+    if (PQsendQueryPrepared(conn_.get(), name.c_str(), count, values.data(), nullptr, nullptr, 0) ==
+        0) {
+        return nullptr;
+    }
+    return AwaitResult();
+}
+
+PGresult* PostgresEngine::AwaitResult() {
+    constexpr int kStepMilliseconds = 20;
+    PGconn* conn = conn_.get();
+    while (PQisBusy(conn) != 0) {
+        pollfd socket{PQsocket(conn), POLLIN, 0};
+        const int ready = ::poll(&socket, 1, kStepMilliseconds);
+        if (ready > 0) {
+            if (PQconsumeInput(conn) == 0) {
+                break;  // the connection failed; PQgetResult reports it
+            }
+        } else if (ready == 0) {
+            waitHandler_();
+        } else if (errno != EINTR) {
+            break;
+        }
+    }
+    // As PQexec: the last result, or the first failure, of all statements.
+    PGresult* kept = nullptr;
+    while (PGresult* next = PQgetResult(conn)) {
+        const ExecStatusType status = PQresultStatus(next);
+        const bool failed = status == PGRES_FATAL_ERROR || status == PGRES_NONFATAL_ERROR;
+        const bool keptFailed = kept != nullptr && PQresultStatus(kept) == PGRES_FATAL_ERROR;
+        if (keptFailed && !failed) {
+            PQclear(next);
+            continue;
+        }
+        PQclear(kept);
+        kept = next;
+    }
+    return kept;
 }
 
 void PostgresEngine::BeginWrite() {

@@ -8,6 +8,7 @@
 #include <sqlite3.h>
 
 #include <map>
+#include <thread>
 
 namespace dbn {
 namespace {
@@ -93,7 +94,11 @@ public:
     void Exec(const std::string& sql, std::string_view doing) override;
     bool InTransaction() const override { return sqlite3_get_autocommit(db_.get()) == 0; }
     void SetLockTimeout(std::chrono::milliseconds timeout) override {
-        sqlite3_busy_timeout(db_.get(), static_cast<int>(timeout.count()));
+        lockTimeout_ = timeout;
+        sqlite3_busy_handler(db_.get(), &SqliteEngine::OnBusy, this);
+    }
+    void SetWaitHandler(std::function<void()> handler) override {
+        waitHandler_ = std::move(handler);
     }
     bool HasTable(const SchemaTable& table) override;
     bool HasRows(const SchemaTable& table) override {
@@ -108,6 +113,10 @@ public:
     const std::string& Name() const override { return path_; }
 
 private:
+    // SQLite's busy handler: waits for another connection's lock in short
+    // steps, calling the wait handler between them, until the lock time-out.
+    static int OnBusy(void* self, int attempt);
+
     Statement Prepare(const std::string& sql, std::string_view doing, unsigned flags = 0);
     // Steps statement to its end, collecting the rows.
     TableRows StepAll(sqlite3_stmt* statement, std::string_view doing);
@@ -116,7 +125,27 @@ private:
     // Declared before the statements so that they are finalized first.
     ConnectionHandle db_;
     std::map<std::string, Statement, std::less<>> statements_;
+    std::chrono::milliseconds lockTimeout_{0};
+    std::chrono::steady_clock::time_point waitStart_;
+    std::function<void()> waitHandler_;
 };
+
+int SqliteEngine::OnBusy(void* self, int attempt) {
+    constexpr std::chrono::milliseconds kStep{20};
+    auto& engine = *static_cast<SqliteEngine*>(self);
+    const auto now = std::chrono::steady_clock::now();
+    if (attempt == 0) {
+        engine.waitStart_ = now;
+    }
+    if (now - engine.waitStart_ >= engine.lockTimeout_) {
+        return 0;
+    }
+    if (engine.waitHandler_) {
+        engine.waitHandler_();
+    }
+    std::this_thread::sleep_for(kStep);
+    return 1;
+}
 
 SqliteEngine::SqliteEngine(std::string path, std::chrono::milliseconds lockTimeout, OpenMode mode)
     : path_(std::move(path)) {

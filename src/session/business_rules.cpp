@@ -9,10 +9,20 @@
 
 namespace dbn {
 
-Business_Rules::Business_Rules(form::FormServices& services) : services_(services) {}
+Business_Rules::Business_Rules(form::FormServices& services) : services_(services) {
+    KeepPaintingWhileWaiting();
+}
 
 Business_Rules::Business_Rules(form::FormServices& services, form::GUI& form)
-    : services_(services), form_(&form) {}
+    : services_(services), form_(&form) {
+    KeepPaintingWhileWaiting();
+}
+
+void Business_Rules::KeepPaintingWhileWaiting() {
+    // A save may wait up to the lock time-out for another program; the
+    // window keeps painting meanwhile (the operator's input waits).
+    db_.SetWaitHandler([this] { services_.DoEvents(); });
+}
 
 Business_Rules::~Business_Rules() = default;
 

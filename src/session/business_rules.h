@@ -66,6 +66,9 @@ public:
     bool AutoCreateNode(std::string templateNumber, std::string newNumber, std::string typeID);
 
 private:
+    // Lets the form's services process pending events while a command waits
+    // for a lock.
+    void KeepPaintingWhileWaiting();
     // Opens the database and reads the node once; a failure is shown in one
     // box and answers false.
     bool OpenDatabase(std::int16_t Config_ID, std::int16_t Partition_ID, std::int16_t Node_Number);

@@ -88,8 +88,18 @@ TEST(DatabaseFile, LockedByAnotherProgramAfterTheTimeOut) {
     EXPECT_FALSE(db.InTransaction());
 
     sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
-    sqlite3_close(other);
     EXPECT_EQ(db.Execute("Get_Node_Names"), 18);
+
+    // An open connection's save calls the wait handler (a window's painting)
+    // again and again while it waits.
+    sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr);
+    db.SetBusyTimeout(std::chrono::milliseconds(200));
+    int waits = 0;
+    db.SetWaitHandler([&] { ++waits; });
+    EXPECT_EQ(ErrorOf([&] { db.BeginTrans(); }).Number(), kErrDatabaseLocked);
+    EXPECT_GE(waits, 3);
+    sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_close(other);
 }
 
 }  // namespace

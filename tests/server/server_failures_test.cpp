@@ -84,11 +84,14 @@ TEST_F(ServerFailures, ALockHeldByAnotherConnectionPastTheTimeOutIsTheLockedMess
     // Another writer's transaction: a save cannot begin.
     testing::PgExec(other.get(), "BEGIN; SELECT pg_advisory_xact_lock(4473422)");
     DataBase db(target);
-    db.SetBusyTimeout(std::chrono::milliseconds(50));
+    db.SetBusyTimeout(std::chrono::milliseconds(200));
+    int waits = 0;  // the wait handler keeps a window painting meanwhile
+    db.SetWaitHandler([&] { ++waits; });
     ComponentError error = ErrorOf([&] { db.BeginTrans(); });
     EXPECT_EQ(error.Number(), kErrDatabaseLocked);
     EXPECT_EQ(error.Description(), locked);
     EXPECT_FALSE(db.InTransaction());
+    EXPECT_GE(waits, 3);
     testing::PgExec(other.get(), "ROLLBACK");
 
     // A row another program holds: the statement gives up the same way.
