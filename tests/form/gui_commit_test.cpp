@@ -106,8 +106,7 @@ TEST_F(GuiCommit, ApplySavesOnceAndEndsTheEditModes) {
     MakeDirty();
     gui.cmdApply_Click();
     form::RegisterTextValidator();
-    gui.cmdApply.SetEnabled(false);
-    gui.Unload();
+    gui.DiscardChangesAndUnload();
     gui.cmdApply.SetEnabled(true);
     gui.cmdApply_Click();
     const std::string trap = "Source: CVL_DBN_Node - cmdApply_Click \r\nDescription: ";

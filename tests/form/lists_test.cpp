@@ -58,7 +58,8 @@ TEST_F(ListsTest, EveryTrapShowsTheErrorWithItsOperationName) {
     gui.cmbMaxMatches.SetListIndex(8);
     gui.cmdConfirmDefault_Click();
     gui.cmbConfirmation.SetListIndex(1);
-    gui.GenericNumber_Change(gui.cmbMethod, 2);  // "0" is no entry of a choice list
+    gui.GenericNumber_Change(
+        gui.cmbMethod, form::NumberChangeMode::ClampOnly);  // "0" is no entry of a choice list
 
     const std::string unset = "Object variable or With block variable not set";
     const std::string noFocus = "Invalid procedure call or argument";

@@ -97,7 +97,7 @@ TEST_F(EditorWindowTest, EditButtonRowClicksAndHeaderPressMoveThePickers) {
         auto& edit = WidgetOf<QPushButton>(view, "cmdActionsEdit");
         auto& tree = WidgetOf<QTreeWidget>(view, "LVActions");
         edit.click();
-        EXPECT_TRUE(form.ActionsEditMode);
+        EXPECT_TRUE(form.ActionsEditMode());
         EXPECT_EQ(edit.text(), "Edit Off");
         EXPECT_FALSE(WidgetOf<QPushButton>(view, "cmdActionsDefault").isEnabled());
         EXPECT_EQ(VisiblePickers(view), 2);
@@ -115,7 +115,7 @@ TEST_F(EditorWindowTest, EditButtonRowClicksAndHeaderPressMoveThePickers) {
 
         ClickAt(*tree.header()->viewport(), QPoint(5, 5));
         EXPECT_EQ(VisiblePickers(view), 0);
-        EXPECT_TRUE(form.ActionsEditMode);
+        EXPECT_TRUE(form.ActionsEditMode());
     });
 }
 
@@ -124,17 +124,17 @@ TEST_F(EditorWindowTest, OperatorFocusOnAnInputEndsTheListEditing) {
         auto& edit = WidgetOf<QPushButton>(view, "cmdActionsEdit");
         auto& description = WidgetOf<QLineEdit>(view, "txtDescription");
         edit.click();
-        ASSERT_TRUE(form.ActionsEditMode);
+        ASSERT_TRUE(form.ActionsEditMode());
 
         // The window getting active again is not the operator's move.
         QFocusEvent windowBack(QEvent::FocusIn, Qt::ActiveWindowFocusReason);
         QApplication::sendEvent(&description, &windowBack);
-        EXPECT_TRUE(form.ActionsEditMode);
+        EXPECT_TRUE(form.ActionsEditMode());
 
         QFocusEvent click(QEvent::FocusIn, Qt::MouseFocusReason);
         QApplication::sendEvent(&description, &click);
         EXPECT_TRUE(form.txtDescription.HasFocus());
-        EXPECT_FALSE(form.ActionsEditMode);
+        EXPECT_FALSE(form.ActionsEditMode());
         EXPECT_EQ(edit.text(), "Edit");
         EXPECT_EQ(VisiblePickers(view), 0);
     });

@@ -109,8 +109,7 @@ protected:
                 look(gui);
             }
             if (gui.IsLoaded()) {
-                gui.cmdApply.SetEnabled(false);
-                gui.Unload();
+                gui.DiscardChangesAndUnload();
             }
         };
         EXPECT_FALSE(Business_Rules(services).ShowNodeEditor(
