@@ -8,6 +8,7 @@
 // is a fake that records loads and saves.
 
 #include "core/component_error.h"
+#include "error_of.h"
 #include "fake_services.h"
 #include "form/business_rules_link.h"
 #include "form/controls/operator_input.h"
@@ -27,21 +28,6 @@ namespace dbn::testing {
 
 namespace input = form::operator_input;
 using Texts = std::vector<std::string>;
-
-// Succeeds when action raises the component's error number with description.
-template <typename Action>
-::testing::AssertionResult RaisesError(Action&& action, long number, const std::string& text) {
-    try {
-        action();
-    } catch (const ComponentError& error) {
-        if (error.Number() == number && error.Description() == text &&
-            error.Source() == kComponentSource) {
-            return ::testing::AssertionSuccess();
-        }
-        return ::testing::AssertionFailure() << "raised " << error.Number() << " " << error.what();
-    }
-    return ::testing::AssertionFailure() << "raised nothing";
-}
 
 // The aspects a control reports, in order.
 struct ChangeLog {
