@@ -4,10 +4,12 @@
 #include "window_support.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QPushButton>
 #include <QScrollBar>
 
 #include <cstdlib>
+#include <tuple>
 
 namespace dbn::testing {
 namespace {
@@ -116,6 +118,24 @@ TEST_F(EditorWindowTest, EditButtonRowClicksAndHeaderPressMoveThePickers) {
         ClickAt(*tree.header()->viewport(), QPoint(5, 5));
         EXPECT_EQ(VisiblePickers(view), 0);
         EXPECT_TRUE(form.ActionsEditMode());
+    });
+}
+
+TEST_F(EditorWindowTest, ArrowKeysMoveTheEditedRowAndItsPickers) {
+    Open(1, [&](form::GUI& form, qt::FormView& view) {
+        auto& tree = WidgetOf<QTreeWidget>(view, "LVActions");
+        WidgetOf<QPushButton>(view, "cmdActionsEdit").click();
+        ASSERT_TRUE(view.WidgetOf("cmbValidMatchNode")->isVisible());
+        for (const auto& [key, row, picker] : {std::tuple{Qt::Key_Down, 1, "cmbAbortNode"},
+                                               std::tuple{Qt::Key_Down, 2, "cmbStarNode"},
+                                               std::tuple{Qt::Key_Up, 1, "cmbAbortNode"}}) {
+            SCOPED_TRACE(picker);
+            QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+            QApplication::sendEvent(&tree, &press);
+            EXPECT_EQ(form.LVActions.SelectedItem(), &form.LVActions.ItemAt(row));
+            EXPECT_TRUE(view.WidgetOf(picker)->isVisible());
+            EXPECT_FALSE(view.WidgetOf("cmbValidMatchNode")->isVisible());
+        }
     });
 }
 
