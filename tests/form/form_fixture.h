@@ -13,6 +13,7 @@
 #include "form/business_rules_link.h"
 #include "form/controls/operator_input.h"
 #include "form/gui.h"
+#include "list_text.h"
 
 #include <gtest/gtest.h>
 
@@ -53,32 +54,6 @@ inline std::string TextOf(const form::Control& control) {
     }
     auto* list = dynamic_cast<const form::ListControl*>(&control);
     return list ? list->Text() : "";
-}
-
-// A row as "key:text|name|command|label|code|type|number".
-inline std::string Cells(const form::ListItem& row) {
-    std::string cells = row.Key() + ":" + row.Text();
-    for (int index = 1; index <= 6; ++index) {
-        cells += "|" + row.SubItem(index);
-    }
-    return cells;
-}
-
-inline Texts AllCells(const form::ListView& list) {
-    Texts rows;
-    for (int position = 0; position < list.ItemCount(); ++position) {
-        rows.push_back(Cells(list.ItemAt(position)));
-    }
-    return rows;
-}
-
-// Writes the target cells from "command|label|code|type|number".
-inline void SetTarget(form::ListItem& row, const std::string& cells) {
-    std::istringstream in(cells);
-    std::string cell;
-    for (int index = 2; index <= 6 && std::getline(in, cell, '|'); ++index) {
-        row.SetSubItem(index, cell);
-    }
 }
 
 // What the form asked of its session object; outlives the object itself.

@@ -111,7 +111,7 @@ TEST_F(ListsTest, InListPickRewritesTheSelectedRowOnly) {
     // 5 numbers: 7 falls back to 1; 20 numbers: 7 stays.
     for (auto [code, cells] :
          {std::pair{"LIST", "3a:3|*|LIST 1||LIST|8|1 1"}, {"MSG", "3a:3|*|MSG 7||MSG|0|7 7"}}) {
-        SetTarget(star, "XFER 7|Sales|XFER|4|7");
+        SetTarget(star, "XFER 7|XFER|4|7", "Sales");
         gui.cmbStarNode.SetText(code);
         EXPECT_EQ(Cells(star) + " " + gui.cmbStarNumber.Text(), cells);
     }
@@ -127,7 +127,7 @@ TEST_F(ListsTest, InListPickRewritesTheSelectedRowOnly) {
 }
 
 TEST_F(ListsTest, ActionsDefaultGivesTheFiveRowsAndMarksTheChange) {
-    SetTarget(Action(0), "MSG 3|Operator|MSG|0|3");
+    SetTarget(Action(0), "MSG 3|MSG|0|3", "Operator");
     ASSERT_TRUE(input::Press(gui.cmdActionsDefault));
     EXPECT_EQ(
         AllCells(gui.LVActions),
@@ -172,9 +172,9 @@ TEST_F(ListsTest, ActionsEditModeOpensPickersOverTheSelectedRowAndClosesThem) {
 
 TEST_F(ListsTest, UnavailableTargetShowsTheNoticeAndNoPicker) {
     gui.NotAvailableAllInstructionsNode().Add("MSG", "0");  // M_ON goes with it
-    SetTarget(Action(0), "M_ON 3|Old|M_ON|817|3");
-    SetTarget(Action(1), "PAAS 2||PAAS|12|2");
-    SetTarget(Confirm(1), "PAAS 1||PAAS|12|1");
+    SetTarget(Action(0), "M_ON 3|M_ON|817|3", "Old");
+    SetTarget(Action(1), "PAAS 2|PAAS|12|2", "");
+    SetTarget(Confirm(1), "PAAS 1|PAAS|12|1", "");
     gui.LVActions.SetSelectedItem(&Action(0));
     input::Press(gui.cmdActionsEdit);
     input::ClickRow(gui.LVActions, Action(1));
@@ -194,7 +194,7 @@ TEST_F(ListsTest, ConfirmationOffAndOnAgainRestoresTheRowsAndDefaultRenewsThem) 
     ASSERT_EQ(initial.size(), 7U);
     EXPECT_EQ(initial[0], NewRow(1, "Before Names"));
     EXPECT_EQ(initial[6], NewRow(7, "Name5"));
-    SetTarget(Confirm(2), "LIST 4|Smith|LIST|8|4");
+    SetTarget(Confirm(2), "LIST 4|LIST|8|4", "Smith");
     const auto rows = AllCells(gui.LVConfirm);
 
     const std::string section = "lblMaxMatches cmbMaxMatches cmdConfirmEdit cmdConfirmDefault";
@@ -223,7 +223,7 @@ TEST_F(ListsTest, ConfirmationOffAndOnAgainRestoresTheRowsAndDefaultRenewsThem) 
 TEST_F(ListsTest, NumberOfMatchesGrowsAndShrinksKeepingTargets) {
     input::Pick(gui.cmbMaxMatches, 2);  // 3 matches
     ASSERT_EQ(gui.LVConfirm.ItemCount(), 5);
-    SetTarget(Confirm(3), "LIST 4|Jones|LIST|8|4");
+    SetTarget(Confirm(3), "LIST 4|LIST|8|4", "Jones");
     input::Pick(gui.cmbMaxMatches, 5);  // 6 matches
     const auto rows = AllCells(gui.LVConfirm);
     ASSERT_EQ(rows.size(), 8u);
