@@ -92,7 +92,7 @@ template <ControlKind kind>
 using ControlClass = typename ControlClassOf<kind>::type;
 
 // One row of the table, as the construction of a control reads it.
-struct ControlSpec {
+struct ControlRow {
     const char* name;
     Rect rect;
     int tabIndex;
@@ -102,25 +102,24 @@ struct ControlSpec {
 
 // Builds the control of one row inside container (nullptr: on the form).
 template <ControlKind kind>
-ControlClass<kind> MakeControl(const ControlSpec& spec, Control* container) {
+ControlClass<kind> MakeControl(const ControlRow& row, Control* container) {
     using Class = ControlClass<kind>;
     if constexpr (std::is_same_v<Class, ListControl>) {
-        return ListControl(kind, spec.name, container, spec.rect, spec.tabIndex);
+        return ListControl(kind, row.name, container, row.rect, row.tabIndex);
     } else if constexpr (std::is_same_v<Class, TextField>) {
-        return TextField(spec.name, container, spec.rect, spec.tabIndex, spec.caption,
-                         spec.start.maxLength, spec.start.readOnly);
+        return TextField(row.name, container, row.rect, row.tabIndex, row.caption,
+                         row.start.maxLength, row.start.readOnly);
     } else if constexpr (std::is_same_v<Class, Label>) {
-        return Label(spec.name, container, spec.rect, spec.tabIndex, spec.caption, spec.start.font);
+        return Label(row.name, container, row.rect, row.tabIndex, row.caption, row.start.font);
     } else if constexpr (std::is_same_v<Class, Button>) {
-        return Button(spec.name, container, spec.rect, spec.tabIndex, spec.caption,
-                      spec.start.picture);
+        return Button(row.name, container, row.rect, row.tabIndex, row.caption, row.start.picture);
     } else if constexpr (std::is_same_v<Class, Frame>) {
-        return Frame(spec.name, container, spec.rect, spec.tabIndex, spec.caption,
-                     !spec.start.borderless);
+        return Frame(row.name, container, row.rect, row.tabIndex, row.caption,
+                     !row.start.borderless);
     } else if constexpr (std::is_same_v<Class, ImageList>) {
-        return ImageList(spec.name);
+        return ImageList(row.name);
     } else {
-        return Class(spec.name, container, spec.rect, spec.tabIndex);
+        return Class(row.name, container, row.rect, row.tabIndex);
     }
 }
 
