@@ -1,5 +1,6 @@
 // Whole processes: the editor's window shown and captured offscreen beside an
-// empty dialog of the same size, and the peak memory of a scripted run that
+// empty dialog of the same size; the editor's first painted frame beside an
+// empty dialog's and a same-widgets dialog's; and the peak memory of a scripted run that
 // opens the large partition.
 #include "support/bench_data.h"
 #include "support/child_process.h"
@@ -94,6 +95,27 @@ void WindowFloor(benchmark::State& state) {
     }
 }
 
+// From the process start to the first painted frame, no picture taken: the
+// editor, an empty dialog of its size, and its widgets built directly with Qt.
+void FirstFrame(benchmark::State& state, const std::vector<std::string>& argv) {
+    try {
+        TimeRuns(state, argv);
+    } catch (const std::exception& error) {
+        state.SkipWithError(error.what());
+    }
+}
+
+void FirstFrameEmpty(benchmark::State& state) {
+    try {
+        RunOrThrow(EditCommand(), kOffscreen);
+        const auto [width, height] = PngSize(InRoot("editor.png"));
+        TimeRuns(state,
+                 {DBN_FIRST_FRAME_PATH, "empty", std::to_string(width), std::to_string(height)});
+    } catch (const std::exception& error) {
+        state.SkipWithError(error.what());
+    }
+}
+
 // `play` opening one node and closing it again; peak memory over the runs.
 void PlayMemory(benchmark::State& state, BenchDataRoot& (*root)(), std::int16_t partition) {
     try {
@@ -119,6 +141,13 @@ int main(int argc, char** argv) {
     using namespace dbn::bench;
     Register("window/demo", Window);
     Register("window/demo/floor", WindowFloor);
+    Register("first-frame/editor", [](benchmark::State& s) {
+        FirstFrame(s, {DBN_FIRST_FRAME_PATH, "editor", DemoRoot().Root()});
+    });
+    Register("first-frame/editor/floor", FirstFrameEmpty);
+    Register("first-frame/same-widgets", [](benchmark::State& s) {
+        FirstFrame(s, {DBN_FIRST_FRAME_PATH, "widgets"});
+    });
     Register("memory/play-large",
              [](benchmark::State& s) { PlayMemory(s, LargeRoot, kLargePartition); });
     Register("memory/play-demo", [](benchmark::State& s) { PlayMemory(s, DemoRoot, 1); });

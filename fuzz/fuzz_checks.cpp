@@ -71,7 +71,7 @@ std::string CheckNumberClamp(std::string_view input) {
     const auto byte = [&](std::size_t i) {
         return i < input.size() ? static_cast<unsigned char>(input[i]) : 0u;
     };
-    const std::int16_t mode = static_cast<std::int16_t>(byte(0) % 3);
+    const auto mode = static_cast<dbn::form::NumberChangeMode>(byte(0) % 3);
     const bool visible = (byte(0) & 0x80) == 0;
     const int first = static_cast<int>(byte(1) % 4);
     const int count = static_cast<int>((byte(2) << 8 | byte(3)) % 1001);

@@ -12,4 +12,16 @@ void RaiseError(long number, std::string description) {
     throw ComponentError(number, kComponentSource, std::move(description));
 }
 
+void RaiseObjectNotSet() {
+    RaiseError(91, "Object variable or With block variable not set");
+}
+
+void RaiseTypeMismatch() {
+    RaiseError(13, "Type mismatch");
+}
+
+void RaiseOverflow() {
+    RaiseError(6, "Overflow");
+}
+
 }  // namespace dbn

@@ -28,4 +28,12 @@ private:
 // Raises an error of the component's own source.
 [[noreturn]] void RaiseError(long number, std::string description);
 
+// The errors the component raises in several places, by what went wrong.
+// Error 91: an object (a collection, a selected row) is not there.
+[[noreturn]] void RaiseObjectNotSet();
+// Error 13: a text that should read as a number does not.
+[[noreturn]] void RaiseTypeMismatch();
+// Error 6: a number does not fit its type.
+[[noreturn]] void RaiseOverflow();
+
 }  // namespace dbn

@@ -32,8 +32,4 @@ std::unique_ptr<Component> CreateObject(const std::string& className) {
     RaiseError(429, "Can't create object: " + className);
 }
 
-void RaiseTypeMismatch() {
-    RaiseError(13, "Type mismatch");
-}
-
 }  // namespace dbn

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/component_error.h"
+
 #include <functional>
 #include <memory>
 #include <string>
@@ -29,8 +31,6 @@ std::unique_ptr<Component> CreateObject(const std::string& className);
 // (error 13 "Type mismatch" otherwise).
 template <class T>
 std::unique_ptr<T> CreateObjectAs(const std::string& className);
-
-[[noreturn]] void RaiseTypeMismatch();
 
 template <class T>
 std::unique_ptr<T> CreateObjectAs(const std::string& className) {

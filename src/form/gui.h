@@ -1,10 +1,12 @@
 #pragma once
 
 #include "form/business_rules_link.h"
+#include "form/control_table.h"
 #include "form/controls/list_control.h"
 #include "form/controls/list_view.h"
 #include "form/controls/simple_controls.h"
 #include "form/form_services.h"
+#include "form/in_place_edited_list.h"
 #include "form/keyed_collection.h"
 
 #include <cstdint>
@@ -19,6 +21,13 @@ namespace dbn::form {
 
 // The messages of the list-view hook that matter to the editors.
 enum class HookMessage { VerticalScroll, ParentNotify };
+
+// What GenericNumber_Change does after clamping a typed number.
+enum class NumberChangeMode : std::int16_t {
+    ActionsRow = 0,       // writes it into the actions list's selected row
+    ConfirmationRow = 1,  // writes it into the confirmation list's selected row
+    ClampOnly = 2,        // nothing more
+};
 
 // Form-level changes a view observes.
 enum class FormChange { Width, Loaded, Unloaded };
@@ -77,10 +86,15 @@ public:
     KeyedCollection& MaxNodeNumberCollection();
     KeyedCollection& NotAvailableAllInstructionsNode();
     KeyedCollection& NotAvailableMSGLISTNOOPNode();
+    // Looks a node-type code up in NodeNameCollection by type ID text, when called.
+    std::function<std::string(const std::string&)> NodeCodeOf() {
+        return [this](const std::string& typeId) { return NodeNameCollection().Item(typeId); };
+    }
 
     // ---- Editing state ------------------------------------------------
-    bool ActionsEditMode = false;
-    bool ConfirmEditMode = false;
+    // Each list is in edit mode exactly while its Edit button reads "Edit Off".
+    bool ActionsEditMode() const { return actionsList_.EditMode(); }
+    bool ConfirmEditMode() const { return confirmationList_.EditMode(); }
     // The last "Please check the ..." text composed while loading a node.
     std::string PendingWarning;
     // The fingerprint of the node's stored state when it was loaded or last
@@ -97,6 +111,9 @@ public:
     // cancelled and false answered. Otherwise releases FormBusinessRules,
     // unhooks the list views, ends the modal show and answers true.
     bool Unload();
+    // Drops the change mark (Apply disabled) and unloads the form, so that
+    // the unload step asks nothing: closing without saving.
+    bool DiscardChangesAndUnload();
     bool IsLoaded() const noexcept { return loaded_; }
     BusinessRulesLink* FormBusinessRules() const noexcept { return formBusinessRules_.get(); }
     bool ListViewsHooked() const noexcept { return hooked_; }
@@ -105,108 +122,16 @@ public:
     // The hook: reacts to a header press (ParentNotify) and vertical scrolling.
     void ListViewHookProc(ListView& list, HookMessage message);
 
-    // ---- Controls (names as the operators' manual uses them) ------------
-    // Directly on the form
-    Frame Frame1;
-    Frame fraLanguage;
-    Frame fraErrorSettings;
-    Frame fraCustomSettings;
-    TextField txtDIR;
-    StatusBar StatusBar1;
-    PlainList lstNodeTypeName;
-    PlainList lstNodeTypeID;
-    PlainList lstNodeNumber;
-    ListView LVTemp;
-    ImageList ImageList1;
-    // In Frame1
-    Button cmdFirst;
-    Button cmdPrevious;
-    ListControl cmbNode;
-    Label lblRecordPosition;
-    Button cmdNext;
-    Button cmdLast;
-    Label lblLabel;
-    TextField txtDescription;
-    Label lblGreeting;
-    ListControl cmbGreetingNode;
-    ListControl cmbGreetingNumber;
-    Label lblDirectory;
-    ListControl cmbDirectory;
-    Label lblMethod;
-    ListControl cmbMethod;
-    Frame fraActions;
-    Button cmdOK;
-    Button cmdCancel;
-    Button cmdApply;
-    // In fraLanguage
-    Label lblLanguage1;
-    ListControl cmbLanguage1;
-    Label lblLanguage2;
-    ListControl cmbLanguage2;
-    // In fraActions
-    ListView LVActions;
-    ListControl cmbValidMatchNode;
-    ListControl cmbValidMatchNumber;
-    ListControl cmbAbortNode;
-    ListControl cmbAbortNumber;
-    ListControl cmbStarNode;
-    ListControl cmbStarNumber;
-    ListControl cmbPoundNode;
-    ListControl cmbPoundNumber;
-    ListControl cmbZeroNode;
-    ListControl cmbZeroNumber;
-    Button cmdActionsEdit;
-    Button cmdActionsDefault;
-    // In fraCustomSettings
-    Frame fraMode;
-    Frame fraConfirmation;
-    Frame fraonExit;
-    // In fraMode
-    Label lblFirstMatch;
-    Label lblMatch;
-    ListControl cmbfirstMatch;
-    Label lblMinDigits;
-    ListControl cmbFirstMinDigits;
-    Label lblMaxDigits;
-    ListControl cmbFirstMaxDigits;
-    Label lblPrompt;
-    ListControl cmbFirstMatchPrompt;
-    ListControl cmbFirstMatchPromptNumber;
-    Label lblSecondMatch;
-    ListControl cmbsecondMatch;
-    ListControl cmbSecondMinDigits;
-    ListControl cmbSecondMaxDigits;
-    ListControl cmbSecondMatchPrompt;
-    ListControl cmbSecondMatchPromptNumber;
-    // In fraErrorSettings
-    Label lblTimeout;
-    ListControl cmbTimeoutNode;
-    ListControl cmbTimeoutNumber;
-    Label lblInvalid;
-    ListControl cmbInvalidNode;
-    ListControl cmbInvalidNumber;
-    Label lblSelTimeOut;
-    ListControl cmbSelTimeOut;
-    Label lblDigitTimeOut;
-    ListControl cmbDigitTimeOut;
-    Label lblRetryLimit;
-    ListControl cmbRetryLimit;
-    // In fraConfirmation
-    Label lblConfirmation;
-    ListControl cmbConfirmation;
-    Label lblMaxMatches;
-    ListControl cmbMaxMatches;
-    ListView LVConfirm;
-    ListControl cmbConfirmNode;
-    ListControl cmbConfirmNumber;
-    Button cmdConfirmEdit;
-    Button cmdConfirmDefault;
-    // In fraonExit
-    Label lblExitPrompt;
-    ListControl cmbExitPromptNode;
-    ListControl cmbExitPromptNumber;
-    Label lblPlayName;
-    ListControl cmbPlayName;
+    // ---- Controls --------------------------------------------------------
+    // One member per row of the control table (form/control_table.h).
+#define DBN_DECLARE_CONTROL(kind, name, ...) ControlClass<ControlKind::kind> name;
+    DBN_GUI_CONTROLS(DBN_DECLARE_CONTROL)
+#undef DBN_DECLARE_CONTROL
+
+    // The pickers that float over list rows while they are edited, in table order.
+    const std::vector<ListControl*>& InPlacePickers() const noexcept {
+        return inPlacePickers_;
+    }
 
     // ---- Record selector and navigation ---------------------------------
     void cmdFirst_Click();
@@ -252,7 +177,7 @@ public:
     void cmbsecondMatch_Click();
 
     // ---- Shared helpers and validation ----------------------------------
-    void GenericNumber_Change(ListControl& list, std::int16_t mode);
+    void GenericNumber_Change(ListControl& list, NumberChangeMode mode);
     void LeaveEditModes(bool endActions, bool endConfirmation);
     std::int16_t AskToSaveChanges();
     void ClearListItems(ListView& list);
@@ -262,11 +187,24 @@ public:
 
     // Shows an information box (information icon, OK, title "Information").
     void ShowInformation(const std::string& text);
-    // Runs body under the error trap of operation; false when it trapped.
-    bool Trapped(std::string_view operation, const std::function<void()>& body);
+    // Runs body under the error trap of operation: true when body completed,
+    // false when an error was trapped and shown.
+    bool RunTrapped(std::string_view operation, const std::function<void()>& body);
 
 private:
-    void RegisterControls();
+    // Containers named in the control table: a control or the form itself.
+    struct OnForm {};
+    static constexpr OnForm Form{};
+    static Control* ContainerOf(Control& container) noexcept {
+        return &container;
+    }
+    static Control* ContainerOf(OnForm) noexcept {
+        return nullptr;
+    }
+    // Adds a control built from the table to the form, in its start state.
+    void Register(Control& control, const ControlStart& start);
+    void Register(Button& button, const ControlStart& start);
+    void Register(ListControl& list, const ControlStart& start);
     void WireEvents();
     // Asks the label validator about txtDescription; a refused label is told
     // to the operator and answers false.
@@ -277,6 +215,9 @@ private:
 
     FormServices& services_;
     std::vector<Control*> controls_;
+    std::vector<ListControl*> inPlacePickers_;
+    InPlaceEditedList actionsList_;
+    InPlaceEditedList confirmationList_;
     FocusScope focus_;
     int width_ = kClientWidth;
     std::vector<std::pair<int, std::function<void(FormChange)>>> observers_;
@@ -315,7 +256,9 @@ public:
         GUI& gui_;
         bool previous_;
     };
-    bool ConfirmRowsSuppressed() const noexcept { return suppressConfirmRows_; }
+    bool ConfirmRowsSuppressed() const noexcept {
+        return suppressConfirmRows_;
+    }
 };
 
 }  // namespace dbn::form

@@ -23,7 +23,7 @@ bool GUI::ApplyChanges() {
         return false;
     }
     if (formBusinessRules_ == nullptr) {
-        RaiseError(91, "Object variable or With block variable not set");
+        RaiseObjectNotSet();
     }
     // Only a save that committed clears the mark: a failed save must not
     // look saved.
@@ -35,20 +35,20 @@ bool GUI::ApplyChanges() {
 }
 
 void GUI::cmdApply_Click() {
-    Trapped("cmdApply_Click", [&] {
+    RunTrapped("cmdApply_Click", [&] {
         LeaveEditModes(true, true);
         ApplyChanges();
     });
 }
 
 void GUI::cmdOK_Click() {
-    Trapped("cmdOK_Click", [&] {
+    RunTrapped("cmdOK_Click", [&] {
         LeaveEditModes(true, true);
         // A save that did not happen (refused, failed, or answered No or
         // Cancel after a change by another program) keeps the form open.
         bool saved = true;
         if (cmdApply.Enabled()) {
-            Trapped("cmdApply_Click", [&] { saved = ApplyChanges(); });
+            RunTrapped("cmdApply_Click", [&] { saved = ApplyChanges(); });
             saved = saved && !cmdApply.Enabled();
         }
         if (saved) {
@@ -58,7 +58,7 @@ void GUI::cmdOK_Click() {
 }
 
 void GUI::cmdCancel_Click() {
-    Trapped("cmdCancel_Click", [&] {
+    RunTrapped("cmdCancel_Click", [&] {
         LeaveEditModes(true, true);
         if (!ValidateBeforeSave()) {
             return;
@@ -66,9 +66,13 @@ void GUI::cmdCancel_Click() {
         if (AskToSaveChanges() == kAnswerCancel) {
             return;
         }
-        cmdApply.SetEnabled(false);
-        Unload();
+        DiscardChangesAndUnload();
     });
+}
+
+bool GUI::DiscardChangesAndUnload() {
+    cmdApply.SetEnabled(false);
+    return Unload();
 }
 
 }  // namespace dbn::form

@@ -4,8 +4,8 @@
 // one picker pair that floats over the selected row.
 
 #include "core/component_error.h"
+#include "core/node_types.h"
 #include "form/gui.h"
-#include "form/in_place_pickers.h"
 #include "form/list_rows.h"
 
 #include <string>
@@ -16,25 +16,15 @@ namespace rows = list_rows;
 
 namespace {
 
-constexpr const char* kEditCaption = "Edit";
-constexpr const char* kEditOffCaption = "Edit Off";
-
 constexpr int kYesIndex = 1;
 constexpr int kDefaultMatchesIndex = 4;  // the entry "5"
 
-// The pickers cover the list from the "Command/Node" column on.
-constexpr int kPickerOffsetLeft = 1600;
 constexpr int kNodePickerWidth = 900;
 constexpr int kNumberPickerWidth = 700;
 constexpr int kNodePickerWideWidth = 1600;
 
 // New rows point at node 1 of the message type.
-constexpr std::int32_t kNewRowType = 0;
-
-void HideConfirmPickers(GUI& gui) {
-    gui.cmbConfirmNode.SetVisible(false);
-    gui.cmbConfirmNumber.SetVisible(false);
-}
+constexpr std::int32_t kNewRowType = node_type::kMessage;
 
 void AddNewRow(GUI& gui, int position, const std::string& name) {
     const std::string typeKey = std::to_string(kNewRowType);
@@ -60,23 +50,13 @@ void AddNewRows(GUI& gui) {
     }
 }
 
-void AddColumns(ListView& list) {
-    list.AddColumn({"#", 0, ColumnAlignment::Left});
-    list.AddColumn({"", 1600, ColumnAlignment::Left});
-    list.AddColumn({"Command/Node", 1600, ColumnAlignment::Left});
-    list.AddColumn({"Label", 1600, ColumnAlignment::Left});
-    list.AddColumn({"NodeName", 0, ColumnAlignment::Left});
-    list.AddColumn({"NodeTypeID", 0, ColumnAlignment::Left});
-    list.AddColumn({"NodeNumber", 0, ColumnAlignment::Left});
-}
-
-ListViewDisplay EditingDisplay(const ListView& list, bool multiSelect) {
+ListViewDisplay ScratchDisplay(const ListView& list) {
     ListViewDisplay display = list.Display();
     display.manualLabelEdit = true;
     display.fullRowSelect = true;
     display.gridLines = true;
     display.reportView = true;
-    display.multiSelect = multiSelect;
+    display.multiSelect = false;
     display.hideColumnHeaders = false;
     return display;
 }
@@ -84,15 +64,10 @@ ListViewDisplay EditingDisplay(const ListView& list, bool multiSelect) {
 }  // namespace
 
 void GUI::ResetConfirmationListView() {
-    Trapped("ResetConfirmationListView", [&] {
-        ListViewDisplay display = EditingDisplay(LVConfirm, true);
-        LVConfirm.SetDisplay(display);
-        LVConfirm.ClearColumns();
-        AddColumns(LVConfirm);
-        display.smallIcons = ImageList1.Name();
-        LVConfirm.SetDisplay(display);
-
-        LVTemp.SetDisplay(EditingDisplay(LVTemp, false));
+    RunTrapped("ResetConfirmationListView", [&] {
+        confirmationList_.ResetColumns(ImageList1.Name());
+        // LVTemp keeps the rows set aside, under the same headers.
+        LVTemp.SetDisplay(ScratchDisplay(LVTemp));
         LVTemp.ClearColumns();
         for (int column = 0; column < LVConfirm.ColumnCount(); ++column) {
             ColumnHeader header;
@@ -103,7 +78,7 @@ void GUI::ResetConfirmationListView() {
 }
 
 void GUI::cmbConfirmation_Click() {
-    Trapped("cmbConfirmation_Click", [&] {
+    RunTrapped("cmbConfirmation_Click", [&] {
         if (cmbConfirmation.ListIndex() == kYesIndex) {
             lblMaxMatches.SetEnabled(true);
             cmbMaxMatches.SetEnabled(true);
@@ -135,13 +110,13 @@ void GUI::cmbConfirmation_Click() {
                 LVConfirm.ClearItems();
             }
         }
-        HideConfirmPickers(*this);
+        confirmationList_.HidePickers();
         EnableApply();
     });
 }
 
 void GUI::cmbMaxMatches_Click() {
-    Trapped("cmbMaxMatches_Click", [&] {
+    RunTrapped("cmbMaxMatches_Click", [&] {
         const int count = LVConfirm.ItemCount();
         if (count == 0) {
             return;
@@ -160,18 +135,18 @@ void GUI::cmbMaxMatches_Click() {
                 }
             }
         }
-        HideConfirmPickers(*this);
+        confirmationList_.HidePickers();
         EnableApply();
     });
 }
 
 void GUI::cmbMaxMatches_Change() {
-    GenericNumber_Change(cmbMaxMatches, 2);
+    GenericNumber_Change(cmbMaxMatches, NumberChangeMode::ClampOnly);
     cmbMaxMatches_Click();
 }
 
 void GUI::cmdConfirmDefault_Click() {
-    Trapped("cmdConfirmDefault_Click", [&] {
+    RunTrapped("cmdConfirmDefault_Click", [&] {
         ClearListItems(LVConfirm);
         {
             // The rows are added below; the two selections must add none.
@@ -187,23 +162,14 @@ void GUI::cmdConfirmDefault_Click() {
 }
 
 void GUI::cmdConfirmEdit_Click() {
-    Trapped("cmdConfirmEdit_Click", [&] {
-        if (ConfirmEditMode) {
-            ConfirmEditMode = false;
-            cmdConfirmDefault.SetEnabled(true);
-            HideConfirmPickers(*this);
-            cmdConfirmEdit.SetCaption(kEditCaption);
+    RunTrapped("cmdConfirmEdit_Click", [&] {
+        if (confirmationList_.EditMode()) {
+            confirmationList_.SwitchOff();
         } else {
-            ConfirmEditMode = true;
-            cmdConfirmDefault.SetEnabled(false);
-            cmdConfirmEdit.SetCaption(kEditOffCaption);
-            const ListItem* selected = LVConfirm.SelectedItem();
-            if (selected == nullptr) {
-                RaiseError(91, "Object variable or With block variable not set");
-            }
-            LVConfirm.EnsureVisible(*selected);
-            LVConfirm_ItemClick(LVConfirm.ItemAt(selected->Index()));
-            if (cmdActionsEdit.Caption() == kEditOffCaption) {
+            ListItem& selected = confirmationList_.SwitchOn();
+            LVConfirm.EnsureVisible(selected);
+            LVConfirm_ItemClick(selected);
+            if (actionsList_.EditMode()) {
                 cmdActionsEdit_Click();
             }
         }
@@ -212,41 +178,22 @@ void GUI::cmdConfirmEdit_Click() {
 }
 
 void GUI::LVConfirm_ItemClick(ListItem& item) {
-    Trapped("LVConfirm_ItemClick", [&] {
+    RunTrapped("LVConfirm_ItemClick", [&] {
         ResetConfirmationListView();
-        if (cmdConfirmEdit.Caption() == kEditCaption) {
+        if (!confirmationList_.EditMode()) {
             return;
         }
         cmbConfirmNode.SetVisible(true);
         cmbConfirmNode.SetFocus();
-        const RowPosition position = LVConfirm.RowPositionOf(item);
-        const int top = LVConfirm.Top() + position.top + kInPlacePickerDrop;
-        cmbConfirmNode.SetLeft(LVConfirm.Left() + position.left + kPickerOffsetLeft);
-        cmbConfirmNode.SetTop(top);
-        cmbConfirmNumber.SetVisible(cmbConfirmNumber.ListCount() > 0);
-        cmbConfirmNumber.SetLeft(cmbConfirmNode.Left() + cmbConfirmNode.Width());
-        cmbConfirmNumber.SetTop(top);
-
-        const std::string code = item.SubItem(rows::kNodeName);
-        if (IsPromptTypeAvailable(code)) {
-            // Selecting the type runs cmbConfirmNode_Click, which refills the
-            // numbers for that type.
-            cmbConfirmNode.SetText(code);
-            if (rows::NodeNumberOf(item) <= cmbConfirmNumber.ListCount()) {
-                cmbConfirmNumber.SetText(item.SubItem(rows::kNodeNumber));
-                return;
-            }
-            if (cmbConfirmNode.ItemData(cmbConfirmNode.ListIndex()) == rows::kNoNumberType) {
-                return;
-            }
-        }
-        ShowInformation(rows::MaxNumberNotice(code));
-        HideConfirmPickers(*this);
+        confirmationList_.OpenPair(
+            item, {&cmbConfirmNode, &cmbConfirmNumber},
+            [this](const std::string& code) { return IsPromptTypeAvailable(code); },
+            [this](const std::string& notice) { ShowInformation(notice); });
     });
 }
 
 void GUI::cmbConfirmNode_Click() {
-    Trapped("cmbConfirmNode_Click", [&] {
+    RunTrapped("cmbConfirmNode_Click", [&] {
         const std::int32_t typeId = cmbConfirmNode.ItemData(cmbConfirmNode.ListIndex());
         const std::string typeKey = std::to_string(typeId);
         rows::RefillNumbers(cmbConfirmNumber, MaxNodeNumberCollection().Item(typeKey));
@@ -266,7 +213,7 @@ void GUI::cmbConfirmNode_Click() {
         }
         // A type without numbers in the partition is stored as NOOP is: its
         // code alone, number 0.
-        if (typeId != rows::kNoNumberType && numbers > 0) {
+        if (typeId != node_type::kNoNumber && numbers > 0) {
             if (rows::NodeNumberOf(*row) <= 0) {
                 row->SetSubItem(rows::kNodeNumber, "1");
             }
@@ -287,24 +234,12 @@ void GUI::cmbConfirmNode_Click() {
 }
 
 void GUI::cmbConfirmNumber_Click() {
-    Trapped("cmbConfirmNumber_Click", [&] {
-        ListItem* row = LVConfirm.SelectedItem();
-        if (row == nullptr || !row->Selected()) {
-            return;
-        }
-        const std::string number = cmbConfirmNumber.Text();
-        row->SetSubItem(rows::kCommandNode,
-                        NodeNameCollection().Item(row->SubItem(rows::kNodeTypeID)) + " " + number);
-        row->SetSubItem(rows::kNodeNumber, number);
-    });
+    RunTrapped("cmbConfirmNumber_Click",
+               [&] { confirmationList_.WritePickedNumber(cmbConfirmNumber.Text(), NodeCodeOf()); });
 }
 
 void GUI::LVConfirm_MouseUp() {
-    Trapped("LVConfirm_MouseUp", [&] {
-        if (cmbConfirmNode.Visible()) {
-            cmbConfirmNode.SetFocus();
-        }
-    });
+    RunTrapped("LVConfirm_MouseUp", [&] { confirmationList_.FocusVisiblePicker(); });
 }
 
 }  // namespace dbn::form

@@ -17,7 +17,6 @@ namespace dbn::form {
 
 namespace {
 
-constexpr const char* kEditOff = "Edit Off";
 constexpr const char* kSaveQuestion = "Do you want to save changes?";
 constexpr const char* kLabelRefused =
     "Double quotes and continuous single quotes are not allowed in the Label field";
@@ -53,9 +52,9 @@ long long LeadingNumber(const std::string& text) {
     return negative ? -value : value;
 }
 
-// An entry of a list read as a number; an entry that is not there reads as
-// the empty text, as the list's platform answered.
-long long EntryNumber(const ListControl& list, int index) {
+// An entry of a list read by its leading number; an entry that is not there,
+// or that starts with no number, reads as 0. Never raises.
+long long EntryNumberOrZero(const ListControl& list, int index) {
     return index >= 0 && index < list.ListCount() ? LeadingNumber(list.List(index)) : 0;
 }
 
@@ -73,14 +72,14 @@ std::int32_t SelectedTag(const ListControl& list) {
 
 }  // namespace
 
-void GUI::GenericNumber_Change(ListControl& list, std::int16_t mode) {
-    Trapped("GenericNumber_Change", [&] {
+void GUI::GenericNumber_Change(ListControl& list, NumberChangeMode mode) {
+    RunTrapped("GenericNumber_Change", [&] {
         EnableApply();
         if (!list.Visible()) {
             return;
         }
-        const long long first = EntryNumber(list, 0);
-        const long long last = EntryNumber(list, list.ListCount() - 1);
+        const long long first = EntryNumberOrZero(list, 0);
+        const long long last = EntryNumberOrZero(list, list.ListCount() - 1);
         long long value = 0;
         for (const char c : list.Text()) {
             if (!IsDigit(c)) {
@@ -99,19 +98,19 @@ void GUI::GenericNumber_Change(ListControl& list, std::int16_t mode) {
         const std::string text = std::to_string(value);
         list.SetText(text);
         list.SetSelStart(CharacterCount(text));
-        if (mode == 0) {
+        if (mode == NumberChangeMode::ActionsRow) {
             GenericActionsSectionNodeNumber_Click(list);
-        } else if (mode == 1) {
+        } else if (mode == NumberChangeMode::ConfirmationRow) {
             cmbConfirmNumber_Click();
         }
     });
 }
 
 void GUI::LeaveEditModes(bool endActions, bool endConfirmation) {
-    if (endActions && cmdActionsEdit.Caption() == kEditOff) {
+    if (endActions && actionsList_.EditMode()) {
         cmdActionsEdit_Click();
     }
-    if (endConfirmation && cmdConfirmEdit.Caption() == kEditOff) {
+    if (endConfirmation && confirmationList_.EditMode()) {
         cmdConfirmEdit_Click();
     }
 }

@@ -36,28 +36,28 @@ void Navigate(GUI& gui, const Move& move) {
 }  // namespace
 
 void GUI::cmdFirst_Click() {
-    Trapped("cmdFirst_Click", [&] { Navigate(*this, [](int, int) { return 0; }); });
+    RunTrapped("cmdFirst_Click", [&] { Navigate(*this, [](int, int) { return 0; }); });
 }
 
 void GUI::cmdPrevious_Click() {
-    Trapped("cmdPrevious_Click", [&] {
+    RunTrapped("cmdPrevious_Click", [&] {
         Navigate(*this, [](int index, int) { return index != 0 ? index - 1 : index; });
     });
 }
 
 void GUI::cmdNext_Click() {
-    Trapped("cmdNext_Click", [&] {
+    RunTrapped("cmdNext_Click", [&] {
         Navigate(*this,
                  [](int index, int count) { return index != count - 1 ? index + 1 : index; });
     });
 }
 
 void GUI::cmdLast_Click() {
-    Trapped("cmdLast_Click", [&] { Navigate(*this, [](int, int count) { return count - 1; }); });
+    RunTrapped("cmdLast_Click", [&] { Navigate(*this, [](int, int count) { return count - 1; }); });
 }
 
 void GUI::cmbNode_Click() {
-    Trapped("cmbNode_Click", [&] {
+    RunTrapped("cmbNode_Click", [&] {
         LeaveEditModes(true, true);
         const auto selected = static_cast<std::int16_t>(cmbNode.ItemData(cmbNode.ListIndex()));
         if (selected == nodeNumber()) {
@@ -65,7 +65,7 @@ void GUI::cmbNode_Click() {
         }
         if (AskToSaveChanges() != kAnswerCancel) {
             if (formBusinessRules_ == nullptr) {
-                RaiseError(91, "Object variable or With block variable not set");
+                RaiseObjectNotSet();
             }
             formBusinessRules_->LoadData(selected);
             cmdApply.SetEnabled(false);

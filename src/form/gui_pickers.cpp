@@ -2,6 +2,7 @@
 // one target node. Picking a type refills the numbers, adapts the pair's
 // layout to types without numbers, and rewrites the edited actions row.
 
+#include "core/node_types.h"
 #include "form/gui.h"
 #include "form/list_rows.h"
 
@@ -24,7 +25,7 @@ constexpr int kInListNodeWideWidth = 1550;
 }  // namespace
 
 void GUI::HandleMSGLISTNOOPPromptBOX(ListControl& node, ListControl& number, bool inList) {
-    Trapped("HandleMSGLISTNOOPPromptBOX", [&] {
+    RunTrapped("HandleMSGLISTNOOPPromptBOX", [&] {
         if (node.Text() != kNoNumberCode) {
             number.SetVisible(true);
             if (inList) {
@@ -44,7 +45,7 @@ void GUI::HandleMSGLISTNOOPPromptBOX(ListControl& node, ListControl& number, boo
 }
 
 void GUI::GenericMSGLISTNOOPNode_Click(ListControl& node, ListControl& number, bool inList) {
-    Trapped("GenericMSGLISTNOOPNode_Click", [&] {
+    RunTrapped("GenericMSGLISTNOOPNode_Click", [&] {
         const std::int32_t typeId = node.ItemData(node.ListIndex());
         const std::string typeKey = std::to_string(typeId);
         rows::RefillNumbers(number, MaxNodeNumberCollection().Item(typeKey));
@@ -66,7 +67,7 @@ void GUI::GenericMSGLISTNOOPNode_Click(ListControl& node, ListControl& number, b
         }
         // A type without numbers in the partition is stored as NOOP is: its
         // code alone, number 0.
-        if (typeId != rows::kNoNumberType && number.ListCount() > 0) {
+        if (typeId != node_type::kNoNumber && number.ListCount() > 0) {
             if (rows::NodeNumberOf(*row) <= 0) {
                 row->SetSubItem(rows::kNodeNumber, "1");
             }

@@ -40,15 +40,12 @@ void GUI::WireEvents() {
     }
 
     // The five pickers of the actions list: they rewrite the selected row.
-    for (const Pair& pair :
-         {Pair{cmbValidMatchNode, cmbValidMatchNumber}, Pair{cmbAbortNode, cmbAbortNumber},
-          Pair{cmbStarNode, cmbStarNumber}, Pair{cmbPoundNode, cmbPoundNumber},
-          Pair{cmbZeroNode, cmbZeroNumber}}) {
-        ListControl* node = &pair.node;
-        ListControl* number = &pair.number;
+    for (const auto& [node, number] : actionsList_.Pairs()) {
         node->Click = [this, node, number] { HandleMSGLISTNOOPPromptBOX(*node, *number, true); };
         number->Click = [this, number] { GenericActionsSectionNodeNumber_Click(*number); };
-        number->Change = [this, number] { GenericNumber_Change(*number, 0); };
+        number->Change = [this, number] {
+            GenericNumber_Change(*number, NumberChangeMode::ActionsRow);
+        };
     }
 
     // Plain selections that only mark the node as changed.
@@ -64,7 +61,7 @@ void GUI::WireEvents() {
           &cmbFirstMatchPromptNumber, &cmbSecondMinDigits, &cmbSecondMaxDigits,
           &cmbSecondMatchPromptNumber, &cmbTimeoutNumber, &cmbInvalidNumber, &cmbSelTimeOut,
           &cmbDigitTimeOut, &cmbRetryLimit, &cmbExitPromptNumber}) {
-        list->Change = [this, list] { GenericNumber_Change(*list, 2); };
+        list->Change = [this, list] { GenericNumber_Change(*list, NumberChangeMode::ClampOnly); };
     }
 
     // Search method and match settings
@@ -85,7 +82,9 @@ void GUI::WireEvents() {
     cmbMaxMatches.Change = [this] { cmbMaxMatches_Change(); };
     cmbConfirmNode.Click = [this] { cmbConfirmNode_Click(); };
     cmbConfirmNumber.Click = [this] { cmbConfirmNumber_Click(); };
-    cmbConfirmNumber.Change = [this] { GenericNumber_Change(cmbConfirmNumber, 1); };
+    cmbConfirmNumber.Change = [this] {
+        GenericNumber_Change(cmbConfirmNumber, NumberChangeMode::ConfirmationRow);
+    };
     cmdConfirmEdit.Click = [this] { cmdConfirmEdit_Click(); };
     cmdConfirmDefault.Click = [this] { cmdConfirmDefault_Click(); };
     LVConfirm.ItemClick = [this](ListItem& item) { LVConfirm_ItemClick(item); };

@@ -58,12 +58,12 @@ std::optional<double> ParseNumber(const std::string& text) {
 long RoundedInRange(const std::string& text, long lowest, long highest) {
     const std::optional<double> value = ParseNumber(text);
     if (!value) {
-        RaiseError(13, "Type mismatch");
+        RaiseTypeMismatch();
     }
     // nearbyint rounds half to even in the default rounding mode.
     const double rounded = std::nearbyint(*value);
     if (rounded < static_cast<double>(lowest) || rounded > static_cast<double>(highest)) {
-        RaiseError(6, "Overflow");
+        RaiseOverflow();
     }
     return static_cast<long>(rounded);
 }

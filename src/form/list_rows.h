@@ -20,9 +20,6 @@ inline constexpr int kNodeName = 4;
 inline constexpr int kNodeTypeID = 5;
 inline constexpr int kNodeNumber = 6;
 
-// The node type whose targets carry no node number.
-inline constexpr std::int32_t kNoNumberType = 814;
-
 // "1a", "2a", ... for the row at 1-based position.
 std::string RowKey(int position);
 

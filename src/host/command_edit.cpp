@@ -56,8 +56,7 @@ int RunEdit(const CommandArgs& args) {
             if (!written) {
                 std::cerr << "dbn-node-editor: cannot write " << *screenshot << "\n";
             }
-            form.cmdApply.SetEnabled(false);
-            form.Unload();
+            form.DiscardChangesAndUnload();
         };
     }
     RegisterEditorComponents(services);

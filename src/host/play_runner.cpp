@@ -135,8 +135,7 @@ void Player::RunModal(form::GUI& form) {
     }
     if (!unloaded_) {
         // The script ended with the form open: discard the changes and close it.
-        form.cmdApply.SetEnabled(false);
-        form.Unload();
+        form.DiscardChangesAndUnload();
         abandoned_ = true;
     }
 }

@@ -18,9 +18,14 @@ void GroupFrame::SetTitle(const QString& title) {
     update();
 }
 
+void GroupFrame::SetCaptionFont(const QFont& font) {
+    captionFont_ = font;
+    update();
+}
+
 void GroupFrame::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const QFontMetrics metrics(font());
+    const QFontMetrics metrics(captionFont_);
     const int lineY = title_.isEmpty() ? 0 : metrics.height() / 2;
 
     // An etched border: a shadow line with a light line inside and below it.
@@ -36,6 +41,7 @@ void GroupFrame::paintEvent(QPaintEvent*) {
     const QRect caption(kCaptionLeft, 0, metrics.horizontalAdvance(title_) + 2 * kCaptionPadding,
                         metrics.height());
     painter.fillRect(caption, palette().color(backgroundRole()));
+    painter.setFont(captionFont_);
     style()->drawItemText(&painter, caption, Qt::AlignCenter, palette(), isEnabled(), title_,
                           QPalette::WindowText);
 }

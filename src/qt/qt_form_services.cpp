@@ -167,8 +167,7 @@ void QtFormServices::EndModal(form::GUI& form) {
 }
 
 void QtFormServices::Abandon(form::GUI& form) {
-    form.cmdApply.SetEnabled(false);
-    form.Unload();
+    form.DiscardChangesAndUnload();
     if (view_ != nullptr && view_->isVisible()) {
         view_->done(QDialog::Rejected);
     }

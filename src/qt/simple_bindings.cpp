@@ -130,8 +130,7 @@ FrameBinding::FrameBinding(form::Frame& frame, QWidget& widget, const TwipsScale
     : ControlBinding(frame, widget, scale) {
     if (auto* box = dynamic_cast<GroupFrame*>(&widget)) {
         box->SetTitle(ToQt(frame.Caption()));
-        box->setFont(
-            FormFont(frame.Caption().empty() ? form::FontStyle::Regular : form::FontStyle::Bold));
+        box->SetCaptionFont(FormFont(form::FontStyle::Bold));
     }
 }
 

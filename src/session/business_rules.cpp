@@ -1,4 +1,5 @@
 #include "session/business_rules.h"
+#include "core/node_types.h"
 
 #include "core/component_error.h"
 #include "database/database_errors.h"
@@ -28,7 +29,7 @@ Business_Rules::~Business_Rules() = default;
 
 form::GUI& Business_Rules::Form() {
     if (form_ == nullptr) {
-        RaiseError(91, "Object variable or With block variable not set");
+        RaiseObjectNotSet();
     }
     return *form_;
 }
@@ -59,8 +60,10 @@ bool Business_Rules::OpenDatabase(std::int16_t Config_ID, std::int16_t Partition
                                   std::int16_t Node_Number) {
     databaseUnavailable_ = false;
     try {
-        db_.Execute("Get_DBN_Node", {session::Arg(Config_ID), session::Arg(Partition_ID),
-                                     session::Arg(Node_Number), session::Arg(session::kDbnTypeID)});
+        db_.Execute(
+            "Get_DBN_Node",
+            {session::CommandArg(Config_ID), session::CommandArg(Partition_ID),
+             session::CommandArg(Node_Number), session::CommandArg(node_type::kDialByName)});
         db_.Recordset("Get_DBN_Node").Close();
         return true;
     } catch (const ComponentError& error) {
@@ -133,11 +136,7 @@ void Business_Rules::ResetAllGUIListView() {
 
 void Business_Rules::SetInitialControlState() {
     form::GUI& form = Form();
-    for (form::ListControl* editor :
-         {&form.cmbValidMatchNode, &form.cmbValidMatchNumber, &form.cmbAbortNode,
-          &form.cmbAbortNumber, &form.cmbStarNode, &form.cmbStarNumber, &form.cmbPoundNode,
-          &form.cmbPoundNumber, &form.cmbZeroNode, &form.cmbZeroNumber, &form.cmbConfirmNode,
-          &form.cmbConfirmNumber}) {
+    for (form::ListControl* editor : form.InPlacePickers()) {
         editor->SetVisible(false);
     }
     form.lblMaxMatches.SetEnabled(false);

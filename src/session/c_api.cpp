@@ -71,8 +71,7 @@ public:
         }
         if (form.IsLoaded()) {
             // Abandoned: close without asking to save.
-            form.cmdApply.SetEnabled(false);
-            form.Unload();
+            form.DiscardChangesAndUnload();
         }
     }
 

@@ -132,13 +132,15 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeN
             addRow(2, "After Names", session::ReadRef(node, "AfterPrompt"));
 
             db_.Execute("Get_DBN_PromptsNode",
-                        {session::Arg(config), session::Arg(partition), session::Arg(nodeNumber)});
+                        {session::CommandArg(config), session::CommandArg(partition),
+                         session::CommandArg(nodeNumber)});
             RowSet& prompts = db_.Recordset("Get_DBN_PromptsNode");
             session::RowSetCloser closer(prompts);
             // At most MaxMatch name rows; with MaxMatch 0 or below every stored row.
             const int stopAt = maxMatch + 3;
             for (int position = 3; !prompts.Eof();) {
-                addRow(position, "Name" + session::Arg(prompts.Field("PromptNumber").ToInt16()),
+                addRow(position,
+                       "Name" + session::CommandArg(prompts.Field("PromptNumber").ToInt16()),
                        session::ReadRef(prompts, "Prompt"));
                 ++position;
                 prompts.MoveNext();

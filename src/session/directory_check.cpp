@@ -1,5 +1,6 @@
 // The directory check of a stored dial-by-name node.
 #include "session/directory_check.h"
+#include "core/node_types.h"
 
 #include "core/component_error.h"
 #include "session/load_helpers.h"
@@ -39,7 +40,8 @@ std::int16_t StoredDirectoryNumber(const RowSet& node) {
 
 directory::DirectoryReport CheckStoredNode(DataBase& db, std::int16_t config,
                                            std::int16_t partition, std::int16_t node) {
-    db.Execute("Get_DBN_Node", {Arg(config), Arg(partition), Arg(node), Arg(kDbnTypeID)});
+    db.Execute("Get_DBN_Node", {CommandArg(config), CommandArg(partition), CommandArg(node),
+                                CommandArg(node_type::kDialByName)});
     RowSet& row = db.Recordset("Get_DBN_Node");
     RowSetCloser closer(row);
     if (row.Eof()) {

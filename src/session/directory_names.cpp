@@ -8,7 +8,8 @@ namespace dbn::session {
 std::vector<directory::DirectoryName> ReadDirectoryNames(DataBase& db, std::int16_t config,
                                                          std::int16_t partition,
                                                          std::int16_t directory) {
-    db.Execute("Get_DIR_Node", {Arg(config), Arg(partition), Arg(directory), Arg(kDirTypeID)});
+    db.Execute("Get_DIR_Node", {CommandArg(config), CommandArg(partition), CommandArg(directory),
+                                CommandArg(kDirTypeID)});
     RowSet& node = db.Recordset("Get_DIR_Node");
     const bool exists = !node.Eof();
     node.Close();
@@ -18,7 +19,7 @@ std::vector<directory::DirectoryName> ReadDirectoryNames(DataBase& db, std::int1
                        std::to_string(config) + ", partition " + std::to_string(partition) + ".");
     }
 
-    db.Execute("Get_DIR_Names", {Arg(config), Arg(partition), Arg(directory)});
+    db.Execute("Get_DIR_Names", {CommandArg(config), CommandArg(partition), CommandArg(directory)});
     RowSet& rows = db.Recordset("Get_DIR_Names");
     RowSetCloser closer(rows);
     std::vector<directory::DirectoryName> names;

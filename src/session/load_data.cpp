@@ -1,6 +1,7 @@
 // Loading one dial-by-name node into the form: the general fields, the
 // greeting and directory, the actions, the method and languages, then the
 // custom settings.
+#include "core/node_types.h"
 #include "session/business_rules.h"
 
 #include "core/component_error.h"
@@ -69,8 +70,9 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                 // Node numbers start at 1; a negative one would be saved
                 // over another node.
                 form.ShowInformation(
-                    form.NodeNameCollection().Item(session::Arg(session::kDbnTypeID)) + " " +
-                    session::Arg(nodeNumber) + " cannot be edited: node numbers start at 1.");
+                    form.NodeNameCollection().Item(session::CommandArg(node_type::kDialByName)) +
+                    " " + session::CommandArg(nodeNumber) +
+                    " cannot be edited: node numbers start at 1.");
                 SetNavigationButtons(form);
                 return;
             }
@@ -85,9 +87,10 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                 stored.reset();
             }
 
-            db_.Execute("Get_DBN_Node",
-                        {session::Arg(config), session::Arg(partition), session::Arg(nodeNumber),
-                         session::Arg(session::kDbnTypeID)});
+            db_.Execute(
+                "Get_DBN_Node",
+                {session::CommandArg(config), session::CommandArg(partition),
+                 session::CommandArg(nodeNumber), session::CommandArg(node_type::kDialByName)});
             RowSet& node = db_.Recordset("Get_DBN_Node");
             session::RowSetCloser closer(node);
             if (!node.Eof()) {
@@ -145,8 +148,8 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
             } else {
                 form.StoredState.reset();
                 form.ShowInformation(
-                    form.NodeNameCollection().Item(session::Arg(session::kDbnTypeID)) + " " +
-                    session::Arg(nodeNumber) + " doesn't exist.");
+                    form.NodeNameCollection().Item(session::CommandArg(node_type::kDialByName)) +
+                    " " + session::CommandArg(nodeNumber) + " doesn't exist.");
             }
             node.Close();
             SetNavigationButtons(form);
@@ -163,8 +166,8 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
     if (found && completed && form_ != nullptr) {
         form::RunTrapped(services_, "LoadData", [&] {
             const std::string notes = rangeNotes_.Message(
-                form_->NodeNameCollection().Item(session::Arg(session::kDbnTypeID)) + " " +
-                session::Arg(nodeNumber));
+                form_->NodeNameCollection().Item(session::CommandArg(node_type::kDialByName)) +
+                " " + session::CommandArg(nodeNumber));
             rangeNotes_.Clear();
             if (!notes.empty()) {
                 form_->ShowInformation(notes);

@@ -1,4 +1,5 @@
 #include "session/load_helpers.h"
+#include "core/node_types.h"
 
 #include "core/component_error.h"
 #include "database/database.h"
@@ -16,7 +17,7 @@ StoredRef ReadRef(const RowSet& rows, const std::string& role) {
 }
 
 std::string TargetText(const StoredRef& ref) {
-    if (ref.typeID == kNoNumberTypeID) {
+    if (ref.typeID == node_type::kNoNumber) {
         return ref.code;
     }
     return ref.code + " " + std::to_string(ref.number);
@@ -24,7 +25,8 @@ std::string TargetText(const StoredRef& ref) {
 
 std::string LookUpDescription(DataBase& db, std::int16_t configID, std::int16_t partitionID,
                               std::int16_t typeID, std::int16_t number) {
-    db.Execute("Get_Description", {Arg(configID), Arg(partitionID), Arg(typeID), Arg(number)});
+    db.Execute("Get_Description", {CommandArg(configID), CommandArg(partitionID),
+                                   CommandArg(typeID), CommandArg(number)});
     RowSet& rows = db.Recordset("Get_Description");
     RowSetCloser closer(rows);
     if (rows.Eof()) {
@@ -35,17 +37,17 @@ std::string LookUpDescription(DataBase& db, std::int16_t configID, std::int16_t 
 
 void AddTargetRow(form::ListView& list, int position, const std::string& name, const StoredRef& ref,
                   const std::string& description, const form::KeyedCollection& nodeNames) {
-    const std::string typeName = nodeNames.Item(Arg(ref.typeID));
+    const std::string typeName = nodeNames.Item(CommandArg(ref.typeID));
     form::ListItem& row = list.AddItem(std::to_string(position) + "a", std::to_string(position));
     row.SetSubItem(1, name);
     row.SetSubItem(2, TargetText(ref));
     row.SetSubItem(3, description);
     row.SetSubItem(4, typeName);
-    row.SetSubItem(5, Arg(ref.typeID));
-    row.SetSubItem(6, Arg(ref.number));
+    row.SetSubItem(5, CommandArg(ref.typeID));
+    row.SetSubItem(6, CommandArg(ref.number));
 }
 
-std::int32_t EntryNumber(const form::ListControl& list, int index) {
+std::int32_t EntryNumberOrRaise(const form::ListControl& list, int index) {
     const std::string& text = list.List(index);
     std::size_t begin = text.find_first_not_of(' ');
     std::size_t end = text.find_last_not_of(' ');
@@ -58,12 +60,13 @@ std::int32_t EntryNumber(const form::ListControl& list, int index) {
             return value;
         }
     }
-    RaiseError(13, "Type mismatch");
+    RaiseTypeMismatch();
 }
 
 bool SelectByEntryRange(form::ListControl& list, std::int32_t value, int fallback) {
     const int count = list.ListCount();
-    if (count > 0 && value >= EntryNumber(list, 0) && value <= EntryNumber(list, count - 1)) {
+    if (count > 0 && value >= EntryNumberOrRaise(list, 0) &&
+        value <= EntryNumberOrRaise(list, count - 1)) {
         list.SetListIndex(static_cast<int>(value) - 1);
         return true;
     }

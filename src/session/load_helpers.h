@@ -21,11 +21,6 @@ class DataBase;
 
 namespace session {
 
-// The dial-by-name node type, as used in commands and collection keys.
-inline constexpr std::int16_t kDbnTypeID = 15;
-// The node type whose references carry no number.
-inline constexpr std::int16_t kNoNumberTypeID = 814;
-
 // A reference as stored: the role's NodeType, NodeNumber and NodeTypeID.
 struct StoredRef {
     std::string code;
@@ -50,7 +45,7 @@ void AddTargetRow(form::ListView& list, int position, const std::string& name, c
                   const std::string& description, const form::KeyedCollection& nodeNames);
 
 // A list entry's text read as a whole number (error 13 when it is none).
-std::int32_t EntryNumber(const form::ListControl& list, int index);
+std::int32_t EntryNumberOrRaise(const form::ListControl& list, int index);
 
 // Selects index value - 1 when value lies between the list's first and last
 // entries (compared as numbers), else `fallback` (-1: nothing when the list
@@ -66,7 +61,7 @@ bool SelectInRange(form::ListControl& list, std::int32_t value, std::int32_t low
 void AddEntry(form::ListControl& list, const std::string& text, std::int32_t tag = 0);
 
 // Decimal text of a 16-bit value, as every command argument is passed.
-inline std::string Arg(std::int32_t value) {
+inline std::string CommandArg(std::int32_t value) {
     return std::to_string(value);
 }
 

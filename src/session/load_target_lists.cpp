@@ -1,5 +1,6 @@
 // The node-type lists of the pickers: which types a dial-by-name node may
 // refer to, less those the partition allows no node of.
+#include "core/node_types.h"
 #include "session/business_rules.h"
 
 #include "form/error_trap.h"
@@ -15,7 +16,7 @@ using ListSet = std::vector<form::ListControl*>;
 
 void AppendType(const ListSet& lists, const form::KeyedCollection& names, std::int16_t typeID) {
     for (form::ListControl* list : lists) {
-        session::AddEntry(*list, names.Item(session::Arg(typeID)), typeID);
+        session::AddEntry(*list, names.Item(session::CommandArg(typeID)), typeID);
     }
 }
 
@@ -27,7 +28,7 @@ struct Limit {
 
 Limit ReadLimit(DataBase& db, const std::string& config, const std::string& partition,
                 std::int16_t typeID) {
-    db.Execute("Get_Max_NodeNumber", {config, partition, session::Arg(typeID)});
+    db.Execute("Get_Max_NodeNumber", {config, partition, session::CommandArg(typeID)});
     RowSet& rows = db.Recordset("Get_Max_NodeNumber");
     session::RowSetCloser closer(rows);
     Limit limit;
@@ -42,7 +43,8 @@ Limit ReadLimit(DataBase& db, const std::string& config, const std::string& part
 // each child type with its limit.
 template <class Decide>
 void ForEachRuleType(DataBase& db, const std::string& setID, Decide decide) {
-    db.Execute("Get_Node_Type_can_contain_nodes", {session::Arg(session::kDbnTypeID), setID});
+    db.Execute("Get_Node_Type_can_contain_nodes",
+               {session::CommandArg(node_type::kDialByName), setID});
     RowSet& rules = db.Recordset("Get_Node_Type_can_contain_nodes");
     session::RowSetCloser closer(rules);
     for (; !rules.Eof(); rules.MoveNext()) {
@@ -61,15 +63,16 @@ void Business_Rules::LoadMSGLISTNOOPNode() {
         for (form::ListControl* list : lists) {
             list->Clear();
         }
-        const std::string config = session::Arg(form.ConfigID());
-        const std::string partition = session::Arg(form.PartitionID());
+        const std::string config = session::CommandArg(form.ConfigID());
+        const std::string partition = session::CommandArg(form.PartitionID());
         form::KeyedCollection& names = form.NodeNameCollection();
         form::KeyedCollection& unavailable = form.NotAvailableMSGLISTNOOPNode();
 
         ForEachRuleType(db_, "1", [&](std::int16_t typeID) {
             const Limit limit = ReadLimit(db_, config, partition, typeID);
             if (limit.present && limit.maxNumber <= 0) {
-                unavailable.Add(names.Item(session::Arg(typeID)), session::Arg(typeID));
+                unavailable.Add(names.Item(session::CommandArg(typeID)),
+                                session::CommandArg(typeID));
             } else {
                 AppendType(lists, names, typeID);
             }
@@ -86,8 +89,8 @@ void Business_Rules::LoadAllInstructionsNode() {
         for (form::ListControl* list : lists) {
             list->Clear();
         }
-        const std::string config = session::Arg(form.ConfigID());
-        const std::string partition = session::Arg(form.PartitionID());
+        const std::string config = session::CommandArg(form.ConfigID());
+        const std::string partition = session::CommandArg(form.PartitionID());
         form::KeyedCollection& names = form.NodeNameCollection();
         form::KeyedCollection& unavailable = form.NotAvailableAllInstructionsNode();
 
@@ -98,15 +101,16 @@ void Business_Rules::LoadAllInstructionsNode() {
             const Limit limit = ReadLimit(db_, config, partition, typeID);
             if (limit.present && limit.maxNumber > 0) {
                 AppendType(lists, names, typeID);
-                if (typeID == 0) {
+                if (typeID == node_type::kMessage) {
                     messageLimit = static_cast<std::int16_t>(limit.maxNumber);
                 }
             } else if (limit.present) {
-                unavailable.Add(names.Item(session::Arg(typeID)), session::Arg(typeID));
-                if (typeID == 0) {
+                unavailable.Add(names.Item(session::CommandArg(typeID)),
+                                session::CommandArg(typeID));
+                if (typeID == node_type::kMessage) {
                     messageLimit = 0;
                 }
-            } else if (typeID != 817 && typeID != 818) {
+            } else if (!node_type::FollowsMessage(typeID)) {
                 AppendType(lists, names, typeID);
             } else if (messageLimit != 0) {
                 AppendType(lists, names, typeID);

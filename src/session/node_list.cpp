@@ -1,6 +1,7 @@
 #include "session/node_list.h"
 
 #include "core/component_error.h"
+#include "core/node_types.h"
 #include "database/database.h"
 #include "session/load_helpers.h"
 #include "session/node_templates.h"
@@ -13,7 +14,7 @@
 namespace dbn::session {
 namespace {
 
-const std::string kDbnType = Arg(kDbnTypeID);
+const std::string kDbnType = CommandArg(node_type::kDialByName);
 
 std::string Lower(std::string_view text) {
     std::string lower(text);
@@ -43,11 +44,14 @@ public:
     // an empty pair refers to no node.
     void AddPair(const StoredRef& ref) {
         if (ref.number != 0) {
-            Add(ref.code + " " + Arg(ref.number), Arg(ref.typeID), Arg(ref.number));
+            Add(ref.code + " " + CommandArg(ref.number), CommandArg(ref.typeID),
+                CommandArg(ref.number));
         }
     }
     // A list row: its shown target, type ID and number.
-    void AddRow(const StoredRef& ref) { Add(TargetText(ref), Arg(ref.typeID), Arg(ref.number)); }
+    void AddRow(const StoredRef& ref) {
+        Add(TargetText(ref), CommandArg(ref.typeID), CommandArg(ref.number));
+    }
 
     const std::vector<RequiredNode>& Nodes() const noexcept { return nodes_; }
 
@@ -73,7 +77,8 @@ std::vector<PartitionKey> NodeList::Partitions() {
 std::vector<NodeListRow> NodeList::Nodes(PartitionKey where) {
     std::vector<NodeListRow> nodes;
     {
-        db_.Execute("Get_All_DBN_Nodes", {Arg(where.config), Arg(where.partition), kDbnType});
+        db_.Execute("Get_All_DBN_Nodes",
+                    {CommandArg(where.config), CommandArg(where.partition), kDbnType});
         RowSet& rows = db_.Recordset("Get_All_DBN_Nodes");
         RowSetCloser closer(rows);
         for (; !rows.Eof(); rows.MoveNext()) {
@@ -87,8 +92,8 @@ std::vector<NodeListRow> NodeList::Nodes(PartitionKey where) {
         }
     }
     for (NodeListRow& row : nodes) {
-        db_.Execute("Get_Description",
-                    {Arg(where.config), Arg(where.partition), kDbnType, Arg(row.number)});
+        db_.Execute("Get_Description", {CommandArg(where.config), CommandArg(where.partition),
+                                        kDbnType, CommandArg(row.number)});
         RowSet& pool = db_.Recordset("Get_Description");
         if (!pool.Eof()) {
             row.modified = pool.Field("DateModified").ToText();
@@ -108,14 +113,15 @@ std::vector<NodeListRow> NodeList::Nodes(PartitionKey where) {
 
 int NodeList::CountMissingTargets(PartitionKey where, std::int16_t number) {
     Gathering gathering;
-    db_.Execute("Get_DBN_Node", {Arg(where.config), Arg(where.partition), Arg(number), kDbnType});
+    db_.Execute("Get_DBN_Node", {CommandArg(where.config), CommandArg(where.partition),
+                                 CommandArg(number), kDbnType});
     RowSet& node = db_.Recordset("Get_DBN_Node");
     RowSetCloser closer(node);
     if (node.Eof()) {
         return 0;
     }
     gathering.AddPair(ReadRef(node, "Greeting"));
-    const std::string directory = Arg(node.Field("DirectoryNodeNumber").ToInt16());
+    const std::string directory = CommandArg(node.Field("DirectoryNodeNumber").ToInt16());
     gathering.Add("DIR " + directory, "16", directory);
     for (const char* role : kActionRoles) {
         gathering.AddRow(ReadRef(node, role));
@@ -131,8 +137,8 @@ int NodeList::CountMissingTargets(PartitionKey where, std::int16_t number) {
             const int maxMatch = node.Field("MaxMatch").ToInt16();
             gathering.AddRow(ReadRef(node, "BeforePrompt"));
             gathering.AddRow(ReadRef(node, "AfterPrompt"));
-            db_.Execute("Get_DBN_PromptsNode",
-                        {Arg(where.config), Arg(where.partition), Arg(number)});
+            db_.Execute("Get_DBN_PromptsNode", {CommandArg(where.config),
+                                                CommandArg(where.partition), CommandArg(number)});
             RowSet& prompts = db_.Recordset("Get_DBN_PromptsNode");
             RowSetCloser promptsCloser(prompts);
             // The form shows at most MaxMatch name rows (every row for 0 or below).
@@ -154,14 +160,16 @@ int NodeList::CountMissingTargets(PartitionKey where, std::int16_t number) {
 }
 
 std::int16_t NodeList::HighestNodeNumber(PartitionKey where) {
-    db_.Execute("Get_Max_NodeNumber", {Arg(where.config), Arg(where.partition), kDbnType});
+    db_.Execute("Get_Max_NodeNumber",
+                {CommandArg(where.config), CommandArg(where.partition), kDbnType});
     RowSet& limit = db_.Recordset("Get_Max_NodeNumber");
     RowSetCloser closer(limit);
     return limit.Eof() ? 0 : limit.Field("Max_Number").ToInt16();
 }
 
 bool NodeList::NodeRowExists(PartitionKey where, std::int16_t number) {
-    db_.Execute("Get_DBN_Node", {Arg(where.config), Arg(where.partition), Arg(number), kDbnType});
+    db_.Execute("Get_DBN_Node", {CommandArg(where.config), CommandArg(where.partition),
+                                 CommandArg(number), kDbnType});
     RowSet& node = db_.Recordset("Get_DBN_Node");
     RowSetCloser closer(node);
     return !node.Eof();
@@ -169,7 +177,7 @@ bool NodeList::NodeRowExists(PartitionKey where, std::int16_t number) {
 
 std::optional<std::string> NodeList::RefusalOfNewNode(PartitionKey where, std::string_view number) {
     const std::int16_t highest = HighestNodeNumber(where);
-    const std::string range = "from 1 to " + Arg(highest);
+    const std::string range = "from 1 to " + CommandArg(highest);
     int value = 0;
     const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
     if (highest < 1) {
@@ -182,8 +190,8 @@ std::optional<std::string> NodeList::RefusalOfNewNode(PartitionKey where, std::s
     }
     const auto node = static_cast<std::int16_t>(value);
     if (NodeRowExists(where, node) ||
-        NodeExists(db_, where.config, where.partition, kDbnType, Arg(node))) {
-        return "DBN " + Arg(node) + " exists already.";
+        NodeExists(db_, where.config, where.partition, kDbnType, CommandArg(node))) {
+        return "DBN " + CommandArg(node) + " exists already.";
     }
     if (!NodeRowExists(where, 0)) {
         return "There is no template node DBN 0 in this partition to copy.";
@@ -193,7 +201,7 @@ std::optional<std::string> NodeList::RefusalOfNewNode(PartitionKey where, std::s
 
 void NodeList::CreateNode(PartitionKey where, std::int16_t number) {
     TransactionScope transaction(db_);
-    CopyTemplateNode(db_, where.config, where.partition, "0", Arg(number), kDbnType);
+    CopyTemplateNode(db_, where.config, where.partition, "0", CommandArg(number), kDbnType);
     transaction.Commit();
 }
 
@@ -202,7 +210,7 @@ std::vector<NodeListRow> FilterNodeRows(const std::vector<NodeListRow>& rows,
     const std::string wanted = Lower(text);
     std::vector<NodeListRow> kept;
     for (const NodeListRow& row : rows) {
-        if (wanted.empty() || Arg(row.number).find(wanted) != std::string::npos ||
+        if (wanted.empty() || CommandArg(row.number).find(wanted) != std::string::npos ||
             Lower(row.label).find(wanted) != std::string::npos) {
             kept.push_back(row);
         }

@@ -1,6 +1,7 @@
 #include "session/node_templates.h"
 
 #include "core/component_error.h"
+#include "core/node_types.h"
 #include "database/database.h"
 #include "session/modification_time.h"
 
@@ -27,13 +28,14 @@ std::optional<long> TypeNumber(std::string_view text) {
 // Types whose references carry no node to look up.
 bool IsNeverGathered(std::string_view typeID) {
     std::optional<long> type = TypeNumber(typeID);
-    return type == 814 || type == 816 || type == 999;
+    return type == node_type::kNoNumber || type == node_type::kOpenRange ||
+           type == node_type::kNeverLookedUp;
 }
 
 // Types that follow the message type.
 bool FollowsMessageType(std::string_view typeID) {
     std::optional<long> type = TypeNumber(typeID);
-    return type == 817 || type == 818;
+    return type && node_type::FollowsMessage(*type);
 }
 
 // How a node of one type is copied: the commands after the node row's own
@@ -89,7 +91,7 @@ const CopyPlan* FindCopyPlan(std::string_view typeID) {
 std::string SoundFileName(std::int16_t partition, const std::string& number) {
     std::optional<long> value = TypeNumber(number);
     if (!value) {
-        RaiseError(13, "Type mismatch");
+        RaiseTypeMismatch();
     }
     std::array<char, 48> name{};
     int length = std::snprintf(name.data(), name.size(), "P%02dM%03ld.wav",

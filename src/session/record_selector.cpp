@@ -1,4 +1,5 @@
 // The record selector: every dial-by-name node of the partition.
+#include "core/node_types.h"
 #include "session/business_rules.h"
 
 #include "form/error_trap.h"
@@ -13,8 +14,8 @@ void Business_Rules::LoadExistingNodesInRecordSelector(std::int16_t Node_Number)
         form::ListControl& selector = form.cmbNode;
 
         db_.Execute("Get_All_DBN_Nodes",
-                    {session::Arg(form.ConfigID()), session::Arg(form.PartitionID()),
-                     session::Arg(session::kDbnTypeID)});
+                    {session::CommandArg(form.ConfigID()), session::CommandArg(form.PartitionID()),
+                     session::CommandArg(node_type::kDialByName)});
         RowSet& nodes = db_.Recordset("Get_All_DBN_Nodes");
         session::RowSetCloser closer(nodes);
         int toSelect = 0;
@@ -25,8 +26,8 @@ void Business_Rules::LoadExistingNodesInRecordSelector(std::int16_t Node_Number)
                 continue;
             }
             const std::string& typeName =
-                form.NodeNameCollection().Item(session::Arg(session::kDbnTypeID));
-            session::AddEntry(selector, typeName + " " + session::Arg(number), number);
+                form.NodeNameCollection().Item(session::CommandArg(node_type::kDialByName));
+            session::AddEntry(selector, typeName + " " + session::CommandArg(number), number);
             if (number == Node_Number) {
                 toSelect = selector.NewIndex();
             }

@@ -3,6 +3,7 @@
 // node 0 of its type.
 
 #include "core/component_error.h"
+#include "core/node_types.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "form/list_rows.h"

@@ -1,10 +1,12 @@
 // Business_Rules::SaveChanges: writes the node on show back to the
 // configuration database, after the referenced-node check.
 
+#include "core/node_types.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "session/business_rules.h"
 #include "session/form_references.h"
+#include "session/load_helpers.h"
 #include "session/modification_time.h"
 #include "session/stored_state.h"
 #include "session/transaction_scope.h"
@@ -18,8 +20,7 @@ namespace dbn {
 
 namespace {
 
-constexpr const char* kDbnTypeID = "15";
-constexpr const char* kDbnTypeCode = "DBN";
+const std::string kDbnTypeID = session::CommandArg(node_type::kDialByName);
 constexpr int kReservedColumns = 10;
 // Rows of the confirmation list before the first name prompt.
 constexpr int kFixedConfirmRows = 2;
@@ -91,7 +92,7 @@ std::vector<std::string> Part2Arguments(form::GUI& gui, const NodeKeyText& key) 
     for (int reserved = 0; reserved < kReservedColumns; ++reserved) {
         args.push_back("0");
     }
-    args.push_back(kDbnTypeCode);
+    args.push_back(node_type::kDialByNameCode);
     AppendKeys(args, key);
     return args;
 }

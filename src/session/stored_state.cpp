@@ -1,4 +1,5 @@
 #include "session/stored_state.h"
+#include "core/node_types.h"
 
 #include "database/database.h"
 #include "session/load_helpers.h"
@@ -32,17 +33,19 @@ void AppendRows(std::string& state, RowSet& rows) {
 std::optional<std::string> ReadStoredState(DataBase& db, std::int16_t configID,
                                            std::int16_t partitionID, std::int16_t nodeNumber) {
     std::string state;
-    db.Execute("Get_DBN_Node", {Arg(configID), Arg(partitionID), Arg(nodeNumber), Arg(kDbnTypeID)});
+    db.Execute("Get_DBN_Node", {CommandArg(configID), CommandArg(partitionID),
+                                CommandArg(nodeNumber), CommandArg(node_type::kDialByName)});
     RowSet& node = db.Recordset("Get_DBN_Node");
     if (node.Eof()) {
         node.Close();
         return std::nullopt;
     }
     AppendRows(state, node);
-    db.Execute("Get_DBN_PromptsNode", {Arg(configID), Arg(partitionID), Arg(nodeNumber)});
+    db.Execute("Get_DBN_PromptsNode",
+               {CommandArg(configID), CommandArg(partitionID), CommandArg(nodeNumber)});
     AppendRows(state, db.Recordset("Get_DBN_PromptsNode"));
-    db.Execute("Get_Description",
-               {Arg(configID), Arg(partitionID), Arg(kDbnTypeID), Arg(nodeNumber)});
+    db.Execute("Get_Description", {CommandArg(configID), CommandArg(partitionID),
+                                   CommandArg(node_type::kDialByName), CommandArg(nodeNumber)});
     AppendRows(state, db.Recordset("Get_Description"));
     return state;
 }

@@ -2,26 +2,19 @@
 
 #include "core/component_error.h"
 #include "core/component_factory.h"
+#include "error_of.h"
 
 #include <gtest/gtest.h>
 
 namespace dbn {
 namespace {
 
+using dbn::testing::ErrorOf;
+
 struct Validator : Component {
     int uses = 0;
 };
 struct Dialog : Component {};
-
-ComponentError ErrorOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const ComponentError& error) {
-        return error;
-    }
-    ADD_FAILURE() << "no error raised";
-    return ComponentError(0, "", "");
-}
 
 TEST(ComponentErrors, RaisedErrorsCarryNumberTheComponentsSourceAndDescription) {
     const ComponentError raised = ErrorOf([] { RaiseError(6, "Overflow"); });

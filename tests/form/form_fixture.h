@@ -8,10 +8,12 @@
 // is a fake that records loads and saves.
 
 #include "core/component_error.h"
+#include "error_of.h"
 #include "fake_services.h"
 #include "form/business_rules_link.h"
 #include "form/controls/operator_input.h"
 #include "form/gui.h"
+#include "list_text.h"
 
 #include <gtest/gtest.h>
 
@@ -27,21 +29,6 @@ namespace dbn::testing {
 
 namespace input = form::operator_input;
 using Texts = std::vector<std::string>;
-
-// Succeeds when action raises the component's error number with description.
-template <typename Action>
-::testing::AssertionResult RaisesError(Action&& action, long number, const std::string& text) {
-    try {
-        action();
-    } catch (const ComponentError& error) {
-        if (error.Number() == number && error.Description() == text &&
-            error.Source() == kComponentSource) {
-            return ::testing::AssertionSuccess();
-        }
-        return ::testing::AssertionFailure() << "raised " << error.Number() << " " << error.what();
-    }
-    return ::testing::AssertionFailure() << "raised nothing";
-}
 
 // The aspects a control reports, in order.
 struct ChangeLog {
@@ -67,32 +54,6 @@ inline std::string TextOf(const form::Control& control) {
     }
     auto* list = dynamic_cast<const form::ListControl*>(&control);
     return list ? list->Text() : "";
-}
-
-// A row as "key:text|name|command|label|code|type|number".
-inline std::string Cells(const form::ListItem& row) {
-    std::string cells = row.Key() + ":" + row.Text();
-    for (int index = 1; index <= 6; ++index) {
-        cells += "|" + row.SubItem(index);
-    }
-    return cells;
-}
-
-inline Texts AllCells(const form::ListView& list) {
-    Texts rows;
-    for (int position = 0; position < list.ItemCount(); ++position) {
-        rows.push_back(Cells(list.ItemAt(position)));
-    }
-    return rows;
-}
-
-// Writes the target cells from "command|label|code|type|number".
-inline void SetTarget(form::ListItem& row, const std::string& cells) {
-    std::istringstream in(cells);
-    std::string cell;
-    for (int index = 2; index <= 6 && std::getline(in, cell, '|'); ++index) {
-        row.SetSubItem(index, cell);
-    }
 }
 
 // What the form asked of its session object; outlives the object itself.

@@ -106,8 +106,7 @@ TEST_F(GuiCommit, ApplySavesOnceAndEndsTheEditModes) {
     MakeDirty();
     gui.cmdApply_Click();
     form::RegisterTextValidator();
-    gui.cmdApply.SetEnabled(false);
-    gui.Unload();
+    gui.DiscardChangesAndUnload();
     gui.cmdApply.SetEnabled(true);
     gui.cmdApply_Click();
     const std::string trap = "Source: CVL_DBN_Node - cmdApply_Click \r\nDescription: ";
@@ -154,6 +153,19 @@ TEST_F(GuiCommit, SaveQuestionAnswers) {
     EXPECT_EQ(gui.AskToSaveChanges(), form::kAnswerYes);
     EXPECT_FALSE(gui.cmdApply.Enabled());
     EXPECT_EQ(link.saves.size(), 2U);
+}
+
+// A node-type pick in any form pair's node picker is a change of the node.
+TEST_F(GuiCommit, PickingANodeTypeEnablesApply) {
+    for (form::ListControl* node :
+         {&gui.cmbGreetingNode, &gui.cmbFirstMatchPrompt, &gui.cmbSecondMatchPrompt,
+          &gui.cmbExitPromptNode, &gui.cmbTimeoutNode, &gui.cmbInvalidNode}) {
+        SCOPED_TRACE(node->Name());
+        node->SetEnabled(true);  // the second match's prompt is off while it is "None"
+        gui.cmdApply.SetEnabled(false);
+        ASSERT_TRUE(input::Pick(*node, 2));
+        EXPECT_TRUE(gui.cmdApply.Enabled());
+    }
 }
 
 using GuiNavigation = FormFixture;

@@ -131,34 +131,75 @@ TEST_F(GuiSettings, TypesSwitchedOffInThePartitionAreNotAvailable) {
     EXPECT_TRUE(gui.IsInstructionTypeAvailable("XFER") && gui.IsPromptTypeAvailable("M_ON"));
 }
 
-TEST_F(GuiSettings, FocusEndsTheEditModesOfTheOtherLists) {
-    const auto start = [this](form::Button& edit, form::ListView& list) {
-        list.SetSelectedItem(list.FindItem("1a"));
-        edit.Click();
-        return edit.Caption() == "Edit Off";
-    };
-    // Focus that keeps each mode (the list, its own pickers), then the focus
-    // that ends it.
-    ASSERT_TRUE(start(gui.cmdActionsEdit, gui.LVActions));
-    input::Focus(gui.cmbValidMatchNumber);
-    input::Focus(gui.LVActions);
-    EXPECT_EQ(Show("cmdActionsEdit cmbValidMatchNode"), "Edit Off|XFER");
-    input::Focus(gui.cmbMaxMatches);
-    EXPECT_EQ(Show("cmdActionsEdit cmbValidMatchNode"), "Edit|XFER hidden");
+// Which edit modes the focus on each input control ends: the actions list's
+// and the confirmation list's. The in-place pickers end neither.
+struct FocusRule {
+    const char* control;
+    bool endsActions;
+    bool endsConfirmation;
+};
 
-    ASSERT_TRUE(start(gui.cmdConfirmEdit, gui.LVConfirm));
-    input::Focus(gui.cmbMaxMatches);
-    input::Focus(gui.LVConfirm);
-    EXPECT_EQ(gui.cmdConfirmEdit.Caption(), "Edit Off");
-    input::Focus(gui.LVActions);
-    EXPECT_EQ(gui.cmdConfirmEdit.Caption(), "Edit");
+const std::vector<FocusRule> kFocusRules = {
+    {"LVActions", false, true},
+    {"LVConfirm", true, false},
+    {"cmbConfirmation", true, false},
+    {"cmbMaxMatches", true, false},
+    {"txtDescription", true, true},
+    {"cmbGreetingNode", true, true},
+    {"cmbGreetingNumber", true, true},
+    {"cmbDirectory", true, true},
+    {"cmbMethod", true, true},
+    {"cmbLanguage1", true, true},
+    {"cmbLanguage2", true, true},
+    {"cmbfirstMatch", true, true},
+    {"cmbFirstMinDigits", true, true},
+    {"cmbFirstMaxDigits", true, true},
+    {"cmbFirstMatchPrompt", true, true},
+    {"cmbFirstMatchPromptNumber", true, true},
+    {"cmbsecondMatch", true, true},
+    {"cmbSecondMinDigits", true, true},
+    {"cmbSecondMaxDigits", true, true},
+    {"cmbSecondMatchPrompt", true, true},
+    {"cmbSecondMatchPromptNumber", true, true},
+    {"cmbTimeoutNode", true, true},
+    {"cmbTimeoutNumber", true, true},
+    {"cmbInvalidNode", true, true},
+    {"cmbInvalidNumber", true, true},
+    {"cmbSelTimeOut", true, true},
+    {"cmbDigitTimeOut", true, true},
+    {"cmbRetryLimit", true, true},
+    {"cmbExitPromptNode", true, true},
+    {"cmbExitPromptNumber", true, true},
+    {"cmbPlayName", true, true},
+    {"cmbValidMatchNumber", false, false},
+    {"cmbConfirmNumber", false, false},
+};
 
-    ASSERT_TRUE(start(gui.cmdConfirmEdit, gui.LVConfirm));
-    input::Focus(gui.txtDescription);
-    EXPECT_EQ(gui.cmdConfirmEdit.Caption(), "Edit");
-    ASSERT_TRUE(start(gui.cmdActionsEdit, gui.LVActions));
-    input::Focus(gui.cmbRetryLimit);
-    EXPECT_EQ(gui.cmdActionsEdit.Caption(), "Edit");
+TEST_F(GuiSettings, FocusOnEachInputControlEndsTheEditModesItShould) {
+    gui.fraLanguage.SetEnabled(true);
+    for (const FocusRule& rule : kFocusRules) {
+        form::Control* control = gui.FindControl(rule.control);
+        ASSERT_NE(control, nullptr) << rule.control;
+        for (const bool actions : {true, false}) {
+            SCOPED_TRACE(std::string(rule.control) + (actions ? " (actions)" : " (confirmation)"));
+            form::Button& edit = actions ? gui.cmdActionsEdit : gui.cmdConfirmEdit;
+            form::ListView& list = actions ? gui.LVActions : gui.LVConfirm;
+            list.SetSelectedItem(list.FindItem("1a"));
+            ASSERT_TRUE(input::Press(edit));
+            ASSERT_EQ(edit.Caption(), "Edit Off");
+            // Reachable whatever the settings: a picker is shown only over the
+            // row its list edits, some lists only for some settings.
+            control->SetVisible(true);
+            control->SetEnabled(true);
+            ASSERT_TRUE(input::Focus(*control));
+            const bool ends = actions ? rule.endsActions : rule.endsConfirmation;
+            EXPECT_EQ(edit.Caption(), ends ? "Edit" : "Edit Off");
+            if (!ends) {
+                ASSERT_TRUE(input::Press(edit));
+            }
+            input::Focus(gui.cmdApply);
+        }
+    }
 }
 
 }  // namespace

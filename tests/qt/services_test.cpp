@@ -3,6 +3,8 @@
 
 #include "window_support.h"
 
+#include <QKeyEvent>
+
 #include <QAbstractButton>
 #include <QProxyStyle>
 #include <QPushButton>
@@ -148,6 +150,37 @@ TEST_F(ServicesTest, CloseBoxWithUnsavedChangesAsksAndStaysOpenOnCancel) {
     });
     EXPECT_EQ(data.QueryText(query), stored);
     EXPECT_EQ(services.ShownView(), nullptr);
+}
+
+TEST_F(ServicesTest, CloseBoxAndEscCloseAfterTheSaveQuestionWhenChanged) {
+    const std::string query =
+        "SELECT NodeDescription FROM Node_DBN WHERE ConfigID = 1 AND PartID = 1 AND "
+        "NodeTypeID = 15 AND NodeNumber = 1";
+    const auto pressEsc = [](qt::FormView& view) {
+        QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        QApplication::sendEvent(&view, &escape);
+    };
+    // Unchanged: the close box closes at once, without a question.
+    Open(1, [&](form::GUI& form, qt::FormView& view) {
+        view.close();
+        EXPECT_FALSE(view.isVisible());
+        EXPECT_FALSE(form.IsLoaded());
+    });
+    EXPECT_TRUE(title.empty());
+    Open(1, [&](form::GUI& form, qt::FormView& view) {
+        TypeKeys(WidgetOf<QLineEdit>(view, "txtDescription"), "Escaped");
+        AnswerWith("Cancel");
+        pressEsc(view);
+        EXPECT_EQ(text, "Do you want to save changes?");
+        EXPECT_TRUE(view.isVisible() && form.IsLoaded() && form.cmdApply.Enabled());
+
+        AnswerWith("Yes");
+        pressEsc(view);
+        EXPECT_FALSE(view.isVisible());
+        EXPECT_FALSE(form.IsLoaded());
+    });
+    EXPECT_EQ(data.QueryText(query), "Escaped");
+    EXPECT_TRUE(unexpectedBoxes.empty());
 }
 
 TEST_F(ServicesTest, AChangeElsewhereIsAskedInTheWindowsOwnBox) {

@@ -5,10 +5,12 @@
 
 #include <QAbstractItemView>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QPushButton>
 #include <QScrollBar>
 
 #include <cstdlib>
+#include <tuple>
 
 namespace dbn::testing {
 namespace {
@@ -98,7 +100,7 @@ TEST_F(EditorWindowTest, EditButtonRowClicksAndHeaderPressMoveThePickers) {
         auto& edit = WidgetOf<QPushButton>(view, "cmdActionsEdit");
         auto& tree = WidgetOf<QTreeWidget>(view, "LVActions");
         edit.click();
-        EXPECT_TRUE(form.ActionsEditMode);
+        EXPECT_TRUE(form.ActionsEditMode());
         EXPECT_EQ(edit.text(), "Edit Off");
         EXPECT_FALSE(WidgetOf<QPushButton>(view, "cmdActionsDefault").isEnabled());
         EXPECT_EQ(VisiblePickers(view), 2);
@@ -116,7 +118,25 @@ TEST_F(EditorWindowTest, EditButtonRowClicksAndHeaderPressMoveThePickers) {
 
         ClickAt(*tree.header()->viewport(), QPoint(5, 5));
         EXPECT_EQ(VisiblePickers(view), 0);
-        EXPECT_TRUE(form.ActionsEditMode);
+        EXPECT_TRUE(form.ActionsEditMode());
+    });
+}
+
+TEST_F(EditorWindowTest, ArrowKeysMoveTheEditedRowAndItsPickers) {
+    Open(1, [&](form::GUI& form, qt::FormView& view) {
+        auto& tree = WidgetOf<QTreeWidget>(view, "LVActions");
+        WidgetOf<QPushButton>(view, "cmdActionsEdit").click();
+        ASSERT_TRUE(view.WidgetOf("cmbValidMatchNode")->isVisible());
+        for (const auto& [key, row, picker] : {std::tuple{Qt::Key_Down, 1, "cmbAbortNode"},
+                                               std::tuple{Qt::Key_Down, 2, "cmbStarNode"},
+                                               std::tuple{Qt::Key_Up, 1, "cmbAbortNode"}}) {
+            SCOPED_TRACE(picker);
+            QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+            QApplication::sendEvent(&tree, &press);
+            EXPECT_EQ(form.LVActions.SelectedItem(), &form.LVActions.ItemAt(row));
+            EXPECT_TRUE(view.WidgetOf(picker)->isVisible());
+            EXPECT_FALSE(view.WidgetOf("cmbValidMatchNode")->isVisible());
+        }
     });
 }
 
@@ -125,17 +145,17 @@ TEST_F(EditorWindowTest, OperatorFocusOnAnInputEndsTheListEditing) {
         auto& edit = WidgetOf<QPushButton>(view, "cmdActionsEdit");
         auto& description = WidgetOf<QLineEdit>(view, "txtDescription");
         edit.click();
-        ASSERT_TRUE(form.ActionsEditMode);
+        ASSERT_TRUE(form.ActionsEditMode());
 
         // The window getting active again is not the operator's move.
         QFocusEvent windowBack(QEvent::FocusIn, Qt::ActiveWindowFocusReason);
         QApplication::sendEvent(&description, &windowBack);
-        EXPECT_TRUE(form.ActionsEditMode);
+        EXPECT_TRUE(form.ActionsEditMode());
 
         QFocusEvent click(QEvent::FocusIn, Qt::MouseFocusReason);
         QApplication::sendEvent(&description, &click);
         EXPECT_TRUE(form.txtDescription.HasFocus());
-        EXPECT_FALSE(form.ActionsEditMode);
+        EXPECT_FALSE(form.ActionsEditMode());
         EXPECT_EQ(edit.text(), "Edit");
         EXPECT_EQ(VisiblePickers(view), 0);
     });
@@ -177,7 +197,7 @@ TEST_F(EditorWindowTest, ARowScrolledIntoViewIsEditedWhereItIs) {
             }
             EXPECT_EQ(scroll.value(), scrolled) << "edit first " << editFirst;
             EXPECT_EQ(form.LVConfirm.SelectedItem(), &form.LVConfirm.ItemAt(last));
-            if (form.ConfirmEditMode) {
+            if (form.ConfirmEditMode()) {
                 EXPECT_TRUE(view.WidgetOf("cmbConfirmNode")->isVisible());
                 EXPECT_TRUE(PickerOverRow(view, tree, last, "cmbConfirmNode"));
             } else {

@@ -3,6 +3,7 @@
 
 #include "window_support.h"
 
+#include "qt/group_frame.h"
 #include "qt/navigation_pictures.h"
 
 #include <QLabel>
@@ -173,7 +174,11 @@ TEST_F(EditorWindowTest, FontsPicturesAndButtonRoles) {
         const QFont plain = WidgetOf<QLabel>(view, "lblMatch").font();
         EXPECT_FALSE(plain.bold());
         EXPECT_DOUBLE_EQ(plain.pointSizeF(), form::GUI::kFontPoints);
-        EXPECT_TRUE(WidgetOf<QWidget>(view, "fraActions").font().bold());
+        // A frame paints its caption bold and keeps the regular font for its children.
+        const auto* actions = dynamic_cast<qt::GroupFrame*>(view.WidgetOf("fraActions"));
+        ASSERT_NE(actions, nullptr);
+        EXPECT_TRUE(actions->CaptionFont().bold());
+        EXPECT_FALSE(WidgetOf<QWidget>(view, "fraActions").font().bold());
         EXPECT_FALSE(WidgetOf<QWidget>(view, "cmbfirstMatch").font().bold());
 
         for (const char* name : {"cmdFirst", "cmdPrevious", "cmdNext", "cmdLast"}) {

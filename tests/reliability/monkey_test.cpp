@@ -190,7 +190,7 @@ private:
 
 // The one error box random input may bring up: switching the confirmation
 // list's edit mode on while the list has no selected row (an empty list) stops
-// the handler with error 91, as the original form did.
+// the handler with error 91.
 constexpr const char* kExpectedError =
     "Source: CVL_DBN_Node - cmdConfirmEdit_Click \r\nDescription: Object variable or With block "
     "variable not set";

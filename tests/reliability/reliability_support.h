@@ -49,8 +49,7 @@ protected:
                 ADD_FAILURE() << "the test's actions threw: " << error.what();
             }
             if (gui.IsLoaded()) {
-                gui.cmdApply.SetEnabled(false);
-                gui.Unload();
+                gui.DiscardChangesAndUnload();
             }
         };
         run.result = Business_Rules(services).ShowNodeEditor(

@@ -4,7 +4,7 @@
 #include "database/configuration_copy.h"
 #include "database/database_engine.h"
 #include "database/database_errors.h"
-#include "database/error_of.h"
+#include "error_of.h"
 #include "temp_database.h"
 
 #include <gtest/gtest.h>

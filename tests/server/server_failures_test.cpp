@@ -5,7 +5,7 @@
 #include "database/database.h"
 #include "database/database_errors.h"
 #include "database/database_setup.h"
-#include "database/error_of.h"
+#include "error_of.h"
 #include "test_server.h"
 
 #include <gtest/gtest.h>

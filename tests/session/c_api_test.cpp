@@ -80,6 +80,43 @@ TEST(CApi, AnEditorThatCannotOpenItsDatabaseAnswersMinusOne) {
     EXPECT_FALSE(host.boxes.empty());
 }
 
+TEST(CApi, FormFunctionsRefuseWhatTheyCannotDo) {
+    TempDataRoot root(TempDataRoot::Content::Demo);
+    Host host;
+    cvl_dbn_callbacks callbacks = Callbacks(host);
+    callbacks.run_modal = [](void* user, cvl_dbn_form* form) {
+        char buffer[4] = "xyz";
+        const std::vector<long> results = {
+            cvl_dbn_form_press(form, "cmdNothing"),
+            cvl_dbn_form_press(form, "cmbNode"),  // not a button
+            cvl_dbn_form_press(form, nullptr),
+            cvl_dbn_form_pick(form, "cmdOK", "OK"),  // not a list
+            cvl_dbn_form_pick(form, "cmbMethod", nullptr),
+            cvl_dbn_form_type(form, "lblLabel", "x"),   // a label takes no typing
+            cvl_dbn_form_type(form, "cmbMethod", "x"),  // nor does a choice list
+            cvl_dbn_form_type(form, "txtDescription", nullptr),
+            cvl_dbn_form_text(form, "cmdNothing", buffer, sizeof buffer),
+            cvl_dbn_form_text(form, "lblLabel", buffer, 0),  // the length, nothing copied
+            cvl_dbn_form_close(form),
+            cvl_dbn_form_close(form),  // already closed
+            cvl_dbn_form_press(form, "cmdOK"),
+            cvl_dbn_form_text(form, "lblLabel", buffer, sizeof buffer),
+            cvl_dbn_form_is_open(form),
+        };
+        auto& seen = static_cast<Host*>(user)->seen;
+        for (const long result : results) {
+            seen += std::to_string(result) + " ";
+        }
+        seen += buffer;
+    };
+    cvl_dbn_editor* editor = cvl_dbn_create(&callbacks);
+    ASSERT_NE(editor, nullptr);
+    cvl_dbn_show_node_editor(editor, 1, 1, 1);
+    cvl_dbn_release(editor);
+    EXPECT_EQ(host.seen, "-1 -1 -1 -1 -1 -1 -1 -1 -1 6 1 -1 -1 -1 0 xyz");
+    EXPECT_TRUE(host.boxes.empty());
+}
+
 TEST(CApi, AChangeElsewhereIsAskedThroughTheMessageBoxCallback) {
     struct Case {
         int answer;

@@ -56,18 +56,21 @@ TEST_F(LoadNode, RowsShowTargetsWithTheirDescriptionsAndStayWithTheirNode) {
     SetNode(1, 2, "Confirm = 1, MaxMatch = 2");
     Open(1, 1, [&](form::GUI& gui) {
         EXPECT_EQ(gui.txtDescription.Text(), "");
-        EXPECT_EQ(Rows(gui.LVActions, true),
-                  "1a=1|Valid Match|XFER 1|Operator transfer|XFER|4|1 2a=2|Abort|MSG 77||MSG|0|77 "
-                  "3a=3|*|NOOP||NOOP|814|0 4a=4|#|NOOP||NOOP|814|0 5a=5|0|NOOP||NOOP|814|0");
-        EXPECT_EQ(Rows(gui.LVConfirm, true),
-                  "1a=1|Before Names|MSG 77||MSG|0|77 2a=2|After Names|MSG 6|After names|MSG|0|6 "
-                  "3a=3|Name1|MSG 7|Name prompt one|MSG|0|7");
+        EXPECT_EQ(
+            AllCells(gui.LVActions),
+            (std::vector<std::string>{"1a:1|Valid Match|XFER 1|Operator transfer|XFER|4|1",
+                                      "2a:2|Abort|MSG 77||MSG|0|77", "3a:3|*|NOOP||NOOP|814|0",
+                                      "4a:4|#|NOOP||NOOP|814|0", "5a:5|0|NOOP||NOOP|814|0"}));
+        EXPECT_EQ(AllCells(gui.LVConfirm),
+                  (std::vector<std::string>{"1a:1|Before Names|MSG 77||MSG|0|77",
+                                            "2a:2|After Names|MSG 6|After names|MSG|0|6",
+                                            "3a:3|Name1|MSG 7|Name prompt one|MSG|0|7"}));
         // Rows set aside here must not come back on the next node.
         gui.cmbConfirmation.SetListIndex(0);
         services.answers = {form::kAnswerNo};
         gui.cmdNext_Click();
         EXPECT_EQ(gui.LVTemp.ItemCount(), 0);
-        EXPECT_EQ(Rows(gui.LVConfirm),
+        EXPECT_EQ(Targets(gui.LVConfirm),
                   "1a=Before Names/MSG 1 2a=After Names/MSG 1 3a=Name1/MSG 1 4a=Name2/MSG 1");
     });
 }
@@ -98,7 +101,7 @@ TEST_F(LoadNode, ConfirmationRowsFollowConfirmAndMaxMatch) {
             EXPECT_EQ(gui.cmbConfirmation.ListIndex(), confirmation) << arrange;
             EXPECT_EQ(gui.cmbMaxMatches.ListIndex(), maxMatches) << arrange;
             EXPECT_EQ(gui.cmbMaxMatches.Enabled(), confirmation == 1) << arrange;
-            EXPECT_EQ(Rows(gui.LVConfirm), names ? fixed + names : "") << arrange;
+            EXPECT_EQ(Targets(gui.LVConfirm), names ? fixed + names : "") << arrange;
         });
     }
     const std::string shownAs = "Stored settings of DBN 1 outside their range are shown as: ";

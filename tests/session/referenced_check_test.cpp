@@ -22,10 +22,10 @@ TEST_F(ReferencedCheck, GathersInOrderOnceEachAndSkipsTypesWithoutNodes) {
     Open(1, 1, [&](form::GUI& gui) {
         Set(gui,
             "cmbGreetingNode=MSG; cmbGreetingNumber=3; cmbInvalidNode=MSG; cmbInvalidNumber=4");
-        SetTarget(gui.LVActions, 1, "msg 3", "MSG", "0", "3");  // the greeting, other case
-        SetTarget(gui.LVActions, 2, "M_ON 5", "M_ON", "817", "5");
-        SetTarget(gui.LVActions, 3, "GOTO 2", "GOTO", "816", "2");
-        SetTarget(gui.LVActions, 4, "HANGUP", "HANGUP", "999", "0");
+        SetTarget(gui.LVActions.ItemAt(1), "msg 3|MSG|0|3");  // the greeting, other case
+        SetTarget(gui.LVActions.ItemAt(2), "M_ON 5|M_ON|817|5");
+        SetTarget(gui.LVActions.ItemAt(3), "GOTO 2|GOTO|816|2");
+        SetTarget(gui.LVActions.ItemAt(4), "HANGUP|HANGUP|999|0");
         Rules(gui).CheckForUnReferencedNodes();
         // Greeting, directory, actions, then the custom method's prompts,
         // error targets, confirmation rows and exit prompt.
@@ -65,9 +65,9 @@ TEST_F(ReferencedCheck, AnswersDecideWhatIsCreatedAndWhetherToAskOn) {
         std::vector<int> busyWhenAsked;
         services.onConfirm = [&] { busyWhenAsked.push_back(services.busyDepth); };
         Open(1, 2, [&](form::GUI& gui) {
-            SetTarget(gui.LVActions, 0, "XFER 21", "XFER", "4", "21");
-            SetTarget(gui.LVActions, 1, "MSG 21", "MSG", "0", "21");
-            SetTarget(gui.LVActions, 2, "CMD 5", "CMD", "1", "5");
+            SetTarget(gui.LVActions.ItemAt(0), "XFER 21|XFER|4|21");
+            SetTarget(gui.LVActions.ItemAt(1), "MSG 21|MSG|0|21");
+            SetTarget(gui.LVActions.ItemAt(2), "CMD 5|CMD|1|5");
             services.SetBusyCursor(true);
             Rules(gui).CheckForUnReferencedNodes();
             EXPECT_GT(services.busyDepth, 0) << "busy cursor not shown again after asking";
@@ -93,9 +93,9 @@ TEST_F(ReferencedCheck, NodesThatCannotBeCreatedAreReportedAndTheCheckGoesOn) {
     root.Exec("DELETE FROM Node_General_Pool" + Where(1, "NodeNumber", 0) + " AND NodeTypeID = 2");
     services.confirmAnswers = {2, 2, 2};
     Open(1, 2, [&](form::GUI& gui) {
-        SetTarget(gui.LVActions, 0, "XYZ 3", "XYZ", "5", "3");
-        SetTarget(gui.LVActions, 1, "TIME 7", "TIME", "2", "7");
-        SetTarget(gui.LVActions, 2, "M_OFF 12", "M_OFF", "818", "12");
+        SetTarget(gui.LVActions.ItemAt(0), "XYZ 3|XYZ|5|3");
+        SetTarget(gui.LVActions.ItemAt(1), "TIME 7|TIME|2|7");
+        SetTarget(gui.LVActions.ItemAt(2), "M_OFF 12|M_OFF|818|12");
         Rules(gui).CheckForUnReferencedNodes();
         EXPECT_EQ(gui.StatusBar1.PanelText(), "MSG 12 is created.");
     });
@@ -114,9 +114,9 @@ TEST_F(ReferencedCheck, TemplatesNeedTheirNodeRowsAndNumbersStayWithinTheLimits)
     root.Exec("DELETE FROM Node_DATE" + Where(2, "NodeNumber", 0));
     services.confirmAnswers = {2, form::kConfirmNo};
     Open(2, 5, [&](form::GUI& gui) {
-        SetTarget(gui.LVActions, 0, "XFER 21", "XFER", "4", "21");
-        SetTarget(gui.LVActions, 1, "DATE 4", "DATE", "3", "4");
-        SetTarget(gui.LVActions, 2, "MSG 12", "MSG", "0", "12");
+        SetTarget(gui.LVActions.ItemAt(0), "XFER 21|XFER|4|21");
+        SetTarget(gui.LVActions.ItemAt(1), "DATE 4|DATE|3|4");
+        SetTarget(gui.LVActions.ItemAt(2), "MSG 12|MSG|0|12");
         gui.cmdApply_Click();
         EXPECT_FALSE(gui.cmdApply.Enabled());
     });
@@ -141,7 +141,7 @@ TEST_F(ReferencedCheck, FailedCreationIsUndoneAndTheSaveStillHappens) {
             EXPECT_TRUE(gui.StatusBar1.Visible());
             EXPECT_EQ(services.busyDepth, 0);
         };
-        SetTarget(gui.LVActions, 1, "MSG 12", "MSG", "0", "12");
+        SetTarget(gui.LVActions.ItemAt(1), "MSG 12|MSG|0|12");
         EXPECT_TRUE(Rules(gui).SaveChanges(5));
     });
     ASSERT_EQ(services.boxes.size(), 2u);

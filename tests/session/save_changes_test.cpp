@@ -29,13 +29,13 @@ TEST_F(SaveChanges, EveryColumnOfTheRowComesFromItsOwnControl) {
             "cmbTimeoutNode=VOX; cmbTimeoutNumber=3; cmbInvalidNode=AUTO; cmbInvalidNumber=4; "
             "cmbDigitTimeOut=12; cmbSelTimeOut=33; cmbRetryLimit=4; cmbMaxMatches=6; "
             "cmbPlayName=No; cmbExitPromptNode=LIST; cmbExitPromptNumber=16");
-        SetTarget(gui.LVActions, 0, "XFER 11", "XFER", "4", "11");
-        SetTarget(gui.LVActions, 1, "CMD 12", "CMD", "1", "12");
-        SetTarget(gui.LVActions, 2, "TIME 13", "TIME", "2", "13");
-        SetTarget(gui.LVActions, 3, "DATE 14", "DATE", "3", "14");
-        SetTarget(gui.LVActions, 4, "DTMF 15", "DTMF", "6", "15");
-        SetTarget(gui.LVConfirm, 0, "TABLE 3", "TABLE", "13", "3");
-        SetTarget(gui.LVConfirm, 1, "DBN 9", "DBN", "15", "9");
+        SetTarget(gui.LVActions.ItemAt(0), "XFER 11|XFER|4|11");
+        SetTarget(gui.LVActions.ItemAt(1), "CMD 12|CMD|1|12");
+        SetTarget(gui.LVActions.ItemAt(2), "TIME 13|TIME|2|13");
+        SetTarget(gui.LVActions.ItemAt(3), "DATE 14|DATE|3|14");
+        SetTarget(gui.LVActions.ItemAt(4), "DTMF 15|DTMF|6|15");
+        SetTarget(gui.LVConfirm.ItemAt(0), "TABLE 3|TABLE|13|3");
+        SetTarget(gui.LVConfirm.ItemAt(1), "DBN 9|DBN|15|9");
         EXPECT_TRUE(Rules(gui).SaveChanges(1));
     });
     EXPECT_TRUE(services.boxes.empty() && services.confirmations.empty());
@@ -61,8 +61,8 @@ TEST_F(SaveChanges, PromptRowsFollowTheConfirmationSetting) {
             for (const std::string& number : targets) {
                 const std::string position = std::to_string(gui.LVConfirm.ItemCount() + 1);
                 gui.LVConfirm.AddItem(position + "a", position);
-                SetTarget(gui.LVConfirm, gui.LVConfirm.ItemCount() - 1, "MSG " + number, "MSG", "0",
-                          number);
+                SetTarget(gui.LVConfirm.ItemAt(gui.LVConfirm.ItemCount() - 1),
+                          "MSG " + number + "|MSG|0|" + number);
             }
             EXPECT_TRUE(Rules(gui).SaveChanges(1));
         });

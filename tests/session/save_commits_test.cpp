@@ -27,7 +27,7 @@ void ReferToThreeMissingNodes(form::GUI& gui) {
     Set(gui,
         "txtDescription=Front desk; cmbGreetingNumber=50; cmbInvalidNode=MSG; "
         "cmbInvalidNumber=51");
-    SetTarget(gui.LVActions, 1, "CMD 15", "CMD", "1", "15");
+    SetTarget(gui.LVActions.ItemAt(1), "CMD 15|CMD|1|15");
 }
 
 TEST_F(SaveCommits, CopiesWithoutAQuestionBetweenThemShareTheSavesCommit) {

@@ -5,6 +5,7 @@
 // ShowNodeEditor, readers for what a save wrote, and a bare form for loaders.
 
 #include "fake_services.h"
+#include "list_text.h"
 #include "temp_database.h"
 
 #include "form/gui.h"
@@ -38,20 +39,6 @@ public:
     }
 };
 
-// Each row as "key=name/target", or with `cells` as "key=text|cell1|...|cell6".
-inline std::string Rows(const form::ListView& list, bool cells = false) {
-    std::string text;
-    for (int i = 0; i < list.ItemCount(); ++i) {
-        const form::ListItem& row = list.ItemAt(i);
-        text += (i ? " " : "") + row.Key() + "=";
-        text += cells ? row.Text() : row.SubItem(1) + "/" + row.SubItem(2);
-        for (int cell = 1; cells && cell <= 6; ++cell) {
-            text += "|" + row.SubItem(cell);
-        }
-    }
-    return text;
-}
-
 // Each entry as "TEXT(TAG)".
 inline std::string Entries(const form::ListControl& list) {
     std::string text;
@@ -59,17 +46,6 @@ inline std::string Entries(const form::ListControl& list) {
         text += (i ? " " : "") + list.List(i) + "(" + std::to_string(list.ItemData(i)) + ")";
     }
     return text;
-}
-
-// Writes the target cells of a row: shown text, code, type ID and number.
-inline void SetTarget(form::ListView& list, int position, const std::string& shown,
-                      const std::string& code, const std::string& typeID,
-                      const std::string& number) {
-    form::ListItem& row = list.ItemAt(position);
-    row.SetSubItem(2, shown);
-    row.SetSubItem(4, code);
-    row.SetSubItem(5, typeID);
-    row.SetSubItem(6, number);
 }
 
 // Writes lists and text fields by name, in order, as code does (a list selects
@@ -109,8 +85,7 @@ protected:
                 look(gui);
             }
             if (gui.IsLoaded()) {
-                gui.cmdApply.SetEnabled(false);
-                gui.Unload();
+                gui.DiscardChangesAndUnload();
             }
         };
         EXPECT_FALSE(Business_Rules(services).ShowNodeEditor(

@@ -40,7 +40,7 @@ public:
     const std::string& Key() const noexcept { return key_; }
     const std::string& Text() const noexcept { return text_; }
     void SetText(const std::string& text);
-    // Sub-items are numbered from 1 (the second column) as the platform did.
+    // Sub-items are numbered from 1: the second column is sub-item 1.
     // Reading one that was never written gives the empty text.
     const std::string& SubItem(int index) const;
     void SetSubItem(int index, const std::string& text);
