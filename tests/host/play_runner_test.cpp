@@ -80,21 +80,34 @@ private:
 
 const std::string kNode1 = " WHERE PartID = 1 AND NodeTypeID = 15 AND NodeNumber = 1";
 
-TEST(PlayRunner, EachLineRunsBeforeTheNextIsReadAndTheStatusTellsFailures) {
+// A script whose database is changed by `between` after its second line was
+// run and before its third is read.
+struct ChangedBetweenLines {
+    std::vector<std::string> lines;
+    std::function<void(testing::TempDataRoot&)> between;
+    std::string expected;  // status|output|stored description (a prefix)
+};
+
+void ExpectRunOf(const ChangedBetweenLines& c) {
+    testing::TempDataRoot root(testing::TempDataRoot::Content::Demo);
+    DrivenScript buffer(c.lines, {{2, [&] { c.between(root); }}});
+    std::istream script(&buffer);
+    std::ostringstream out;
+    std::ostringstream err;
+    const int status = Player(out, err).Run(script);
+    const std::string seen = std::to_string(status) + "|" + out.str() + "|" +
+                             root.QueryText("SELECT NodeDescription FROM Node_DBN" + kNode1);
+    EXPECT_EQ(seen.substr(0, c.expected.size()), c.expected) << c.lines[2];
+}
+
+TEST(PlayRunner, EachLineRunsBeforeTheNextIsReadSoAChangeBetweenLinesIsAsked) {
     const std::string changed =
         "box Confirmation: DBN 1 was changed by another program after it was opened here. Save "
         "your changes over it? => ";
-    struct Case {
-        std::vector<std::string> lines;
-        std::function<void(testing::TempDataRoot&)> between;  // before the third line
-        std::string expected;                                 // status|output|description
-    };
     const auto theirs = [](testing::TempDataRoot& root) {
         root.Exec("UPDATE Node_DBN SET NodeDescription = 'Theirs'" + kNode1);
     };
-    const std::vector<std::string> apply = {"open 1 1 1", "type txtDescription Mine",
-                                            "click cmdApply"};
-    const Case cases[] = {
+    const ChangedBetweenLines cases[] = {
         {{"open 1 1 1", "type txtDescription Mine", "answer 6", "click cmdApply", "click cmdOK"},
          theirs,
          "0|" + changed + "6\nreturned false\n|Mine"},
@@ -106,11 +119,21 @@ TEST(PlayRunner, EachLineRunsBeforeTheNextIsReadAndTheStatusTellsFailures) {
          "1|" + changed +
              "2\nno answer queued for: box Confirmation: Do you want to "
              "save changes?\n|Theirs"},
-        // The node is gone: told, and the run ends with 3.
+    };
+    for (const ChangedBetweenLines& c : cases) {
+        ExpectRunOf(c);
+    }
+}
+
+TEST(PlayRunner, ASaveTheDatabaseRefusesEndsTheRunWithStatus3) {
+    const std::vector<std::string> apply = {"open 1 1 1", "type txtDescription Mine",
+                                            "click cmdApply"};
+    const ChangedBetweenLines cases[] = {
+        // The node is gone: told in an Information box.
         {apply, [](testing::TempDataRoot& root) { root.Exec("DELETE FROM Node_DBN" + kNode1); },
          "3|box Information: DBN 1 no longer exists in the configuration database. Nothing was "
          "saved. => 1\nabandoned\n|"},
-        // An error box: the save is refused by the database.
+        // An error box.
         {apply,
          [](testing::TempDataRoot& root) {
              root.Exec(
@@ -120,16 +143,8 @@ TEST(PlayRunner, EachLineRunsBeforeTheNextIsReadAndTheStatusTellsFailures) {
          "3|box Error: Source: SQLite - SaveChanges \\nDescription: refused (Update_Node_General_"
          "Pool on"},
     };
-    for (const Case& c : cases) {
-        testing::TempDataRoot root(testing::TempDataRoot::Content::Demo);
-        DrivenScript buffer(c.lines, {{2, [&] { c.between(root); }}});
-        std::istream script(&buffer);
-        std::ostringstream out;
-        std::ostringstream err;
-        const int status = Player(out, err).Run(script);
-        const std::string seen = std::to_string(status) + "|" + out.str() + "|" +
-                                 root.QueryText("SELECT NodeDescription FROM Node_DBN" + kNode1);
-        EXPECT_EQ(seen.substr(0, c.expected.size()), c.expected) << c.lines[2];
+    for (const ChangedBetweenLines& c : cases) {
+        ExpectRunOf(c);
     }
 }
 

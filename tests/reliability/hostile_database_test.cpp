@@ -34,8 +34,12 @@ void WriteFile(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
 }
 
+struct Damage;
+
 class HostileDatabase : public EditorTest {
 protected:
+    void ExpectDamageNamedAndNothingWritten(const Damage& damaged);
+
     // Every box is the standard error message; the first one carries each of `first`.
     void ExpectOnlyErrors(std::initializer_list<std::string> first) {
         ASSERT_FALSE(services.boxes.empty());
@@ -110,73 +114,92 @@ TEST_F(HostileDatabase, AFileThatIsNoUsableDatabaseIsNamedAndLeftAsItWas) {
 // every column or a number of matches below 1 with confirmation on (which
 // selects no entry) is named by the loading step, or by the save of an edit;
 // nothing is written, the edit stays, and a form that opened closes normally.
-TEST_F(HostileDatabase, DamagedSchemasAndStoredValuesAreNamedAndNothingIsWritten) {
+// Opens DBN 2/5 on a database damaged by `damage`: the damage is named in
+// error boxes (loadError in the first), the form opens or not as `shown`
+// says, a save of an edit is refused naming saveError (when given), and the
+// file is left exactly as it was.
+struct Damage {
+    std::string damage;
+    bool shown;
+    std::string loadError;
+    std::string saveError = {};  // empty: the operator cancels without editing
+};
+
+void HostileDatabase::ExpectDamageNamedAndNothingWritten(const Damage& damaged) {
+    SCOPED_TRACE(damaged.damage);
+    Arrange(damaged.damage);
+    const std::string before = SavedTables();
+    const EditorRun run = Edit(2, 5, [&](form::GUI& gui) {
+        if (damaged.loadError.empty()) {
+            EXPECT_EQ(BoxTexts("Error"), "");
+        } else {
+            ExpectOnlyErrors({damaged.loadError});
+        }
+        if (!damaged.saveError.empty()) {
+            services.boxes.clear();
+            ASSERT_TRUE(Type(gui.txtDescription, "Edited label"));
+            ASSERT_TRUE(Press(gui.cmdApply));
+            EXPECT_NE(BoxTexts("Error").find(damaged.saveError), std::string::npos)
+                << BoxTexts("Error");
+            ExpectEditKept(gui, "Edited label");
+        }
+        services.answers.push_back(form::kAnswerNo);
+        EXPECT_TRUE(Press(gui.cmdCancel));
+        EXPECT_FALSE(gui.IsLoaded());
+    });
+    EXPECT_EQ(run.shown, damaged.shown);
+    if (!damaged.shown) {
+        ExpectOnlyErrors({damaged.loadError});
+    }
+    EXPECT_TRUE(SavedTables() == before) << "the file changed";
+}
+
+const std::string kLoadData = "LoadData \r\nDescription: ";
+const std::string kAssign = "AssignCustomSettingsValues \r\nDescription: ";
+
+TEST_F(HostileDatabase, DamagedSchemasAreNamedAndNothingIsWritten) {
+    const Damage cases[] = {
+        {"DROP TABLE Detail_DBN_Prompts", true, kAssign + "no such table: Detail_DBN_Prompts",
+         "no such table: Detail_DBN_Prompts"},
+        // The column is missing from the row read; the save needs every
+        // column and refuses before writing anything.
+        {"ALTER TABLE Node_DBN DROP COLUMN MaxMatch", true, kAssign + "Item cannot be found",
+         " - SaveChanges "},
+        {"ALTER TABLE Node_General_Pool DROP COLUMN DateModified", true, "",
+         "no such column: DateModified"},
+        {"DROP TABLE Node_General_Pool", false, kLoadData + "no such table: Node_General_Pool"},
+        // Found before any form exists: one box.
+        {"DROP TABLE Node_DBN", false, "ShowNodeEditor \r\nDescription: no such table: Node_DBN"},
+        {"DROP TABLE SR_Node_Type_Names", false,
+         "LoadNodeName \r\nDescription: no such table: SR_Node_Type_Names"},
+    };
+    for (const Damage& damaged : cases) {
+        ExpectDamageNamedAndNothingWritten(damaged);
+    }
+}
+
+TEST_F(HostileDatabase, DamagedStoredValuesAreNamedAndNothingIsWritten) {
     const std::string node = " WHERE PartID = 2 AND NodeNumber = 5";
     const std::string everyColumnNull = "UPDATE Node_DBN SET " +
                                         root.QueryText(
                                             "SELECT group_concat(name || ' = NULL', ', ') FROM "
                                             "pragma_table_info('Node_DBN') WHERE pk = 0") +
                                         node;
-    const std::string loadData = "LoadData \r\nDescription: ";
-    const std::string assign = "AssignCustomSettingsValues \r\nDescription: ";
-    const struct {
-        std::string damage;
-        bool shown;
-        std::string loadError;
-        std::string saveError = {};  // empty: the operator cancels without editing
-    } cases[] = {
-        {"DROP TABLE Detail_DBN_Prompts", true, assign + "no such table: Detail_DBN_Prompts",
-         "no such table: Detail_DBN_Prompts"},
-        // The column is missing from the row read; the save needs every
-        // column and refuses before writing anything.
-        {"ALTER TABLE Node_DBN DROP COLUMN MaxMatch", true, assign + "Item cannot be found",
-         " - SaveChanges "},
-        {"ALTER TABLE Node_General_Pool DROP COLUMN DateModified", true, "",
-         "no such column: DateModified"},
+    const Damage cases[] = {
         {"UPDATE Node_DBN SET Confirm = 1, MaxMatch = 0", true, "", "MaxMatch"},
         {"UPDATE Node_DBN SET Confirm = 1, MaxMatch = -3", true, "", "MaxMatch"},
-        {"DROP TABLE Node_General_Pool", false, loadData + "no such table: Node_General_Pool"},
-        // Found before any form exists: one box.
-        {"DROP TABLE Node_DBN", false, "ShowNodeEditor \r\nDescription: no such table: Node_DBN"},
-        {"DROP TABLE SR_Node_Type_Names", false,
-         "LoadNodeName \r\nDescription: no such table: SR_Node_Type_Names"},
-        {everyColumnNull, false, loadData},
-        {"UPDATE Node_DBN SET GreetingNodeType = 'BOGUS'" + node, false, loadData},
+        {everyColumnNull, false, kLoadData},
+        {"UPDATE Node_DBN SET GreetingNodeType = 'BOGUS'" + node, false, kLoadData},
         {"UPDATE Node_DBN SET AbortNodeType = 'BOGUS', AbortNodeTypeID = 555" + node, false,
-         loadData},
-        {"UPDATE Node_DBN SET TimeoutNodeType = 'BOGUS'" + node, true, assign},
-        {"UPDATE Node_DBN SET BeforePromptNodeTypeID = 555" + node, true, assign},
+         kLoadData},
+        {"UPDATE Node_DBN SET TimeoutNodeType = 'BOGUS'" + node, true, kAssign},
+        {"UPDATE Node_DBN SET BeforePromptNodeTypeID = 555" + node, true, kAssign},
         {"UPDATE Detail_DBN_Prompts SET PromptNodeTypeID = NULL, PromptNodeType = NULL WHERE "
          "PartID = 2 AND NodeMasterID = 5",
          true, ""},
     };
-    for (const auto& damaged : cases) {
-        SCOPED_TRACE(damaged.damage);
-        Arrange(damaged.damage);
-        const std::string before = SavedTables();
-        const EditorRun run = Edit(2, 5, [&](form::GUI& gui) {
-            if (damaged.loadError.empty()) {
-                EXPECT_EQ(BoxTexts("Error"), "");
-            } else {
-                ExpectOnlyErrors({damaged.loadError});
-            }
-            if (!damaged.saveError.empty()) {
-                services.boxes.clear();
-                ASSERT_TRUE(Type(gui.txtDescription, "Edited label"));
-                ASSERT_TRUE(Press(gui.cmdApply));
-                EXPECT_NE(BoxTexts("Error").find(damaged.saveError), std::string::npos)
-                    << BoxTexts("Error");
-                ExpectEditKept(gui, "Edited label");
-            }
-            services.answers.push_back(form::kAnswerNo);
-            EXPECT_TRUE(Press(gui.cmdCancel));
-            EXPECT_FALSE(gui.IsLoaded());
-        });
-        EXPECT_EQ(run.shown, damaged.shown);
-        if (!damaged.shown) {
-            ExpectOnlyErrors({damaged.loadError});
-        }
-        EXPECT_TRUE(SavedTables() == before) << "the file changed";
+    for (const Damage& damaged : cases) {
+        ExpectDamageNamedAndNothingWritten(damaged);
     }
 }
 
