@@ -50,24 +50,13 @@ void AddNewRows(GUI& gui) {
     }
 }
 
-ListViewDisplay ScratchDisplay(const ListView& list) {
-    ListViewDisplay display = list.Display();
-    display.manualLabelEdit = true;
-    display.fullRowSelect = true;
-    display.gridLines = true;
-    display.reportView = true;
-    display.multiSelect = false;
-    display.hideColumnHeaders = false;
-    return display;
-}
-
 }  // namespace
 
 void GUI::ResetConfirmationListView() {
     RunTrapped("ResetConfirmationListView", [&] {
         confirmationList_.ResetColumns(ImageList1.Name());
         // LVTemp keeps the rows set aside, under the same headers.
-        LVTemp.SetDisplay(ScratchDisplay(LVTemp));
+        LVTemp.SetDisplay(LVTemp.Display().AsRowList(false));
         LVTemp.ClearColumns();
         for (int column = 0; column < LVConfirm.ColumnCount(); ++column) {
             ColumnHeader header;

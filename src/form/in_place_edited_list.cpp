@@ -30,13 +30,7 @@ ListItem& InPlaceEditedList::SwitchOn() {
 }
 
 void InPlaceEditedList::ResetColumns(const std::string& imageList) {
-    ListViewDisplay display = list_.Display();
-    display.manualLabelEdit = true;
-    display.fullRowSelect = true;
-    display.gridLines = true;
-    display.reportView = true;
-    display.multiSelect = true;
-    display.hideColumnHeaders = false;
+    ListViewDisplay display = list_.Display().AsRowList(true);
     list_.SetDisplay(display);
 
     list_.ClearColumns();

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
+#include <map>
 
 namespace dbn::session {
 namespace {
@@ -76,6 +77,8 @@ std::vector<PartitionKey> NodeList::Partitions() {
 
 std::vector<NodeListRow> NodeList::Nodes(PartitionKey where) {
     std::vector<NodeListRow> nodes;
+    // Each node's search as the directory check reads it from the same row.
+    std::vector<std::pair<directory::SearchSettings, std::int16_t>> searches;
     {
         db_.Execute("Get_All_DBN_Nodes",
                     {CommandArg(where.config), CommandArg(where.partition), kDbnType});
@@ -89,9 +92,14 @@ std::vector<NodeListRow> NodeList::Nodes(PartitionKey where) {
             row.directory = rows.Field("DirectoryNodeNumber").ToInt16();
             row.isTemplate = row.number == 0;
             nodes.push_back(std::move(row));
+            searches.emplace_back(StoredSearchSettings(rows), StoredDirectoryNumber(rows));
         }
     }
-    for (NodeListRow& row : nodes) {
+    // Nodes of a partition mostly share a directory: each is read once.
+    std::map<std::int16_t, std::optional<std::vector<directory::DirectoryName>>> directories;
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        NodeListRow& row = nodes[i];
+        const auto& [settings, directoryNumber] = searches[i];
         db_.Execute("Get_Description", {CommandArg(where.config), CommandArg(where.partition),
                                         kDbnType, CommandArg(row.number)});
         RowSet& pool = db_.Recordset("Get_Description");
@@ -100,15 +108,30 @@ std::vector<NodeListRow> NodeList::Nodes(PartitionKey where) {
         }
         pool.Close();
         row.missingTargets = CountMissingTargets(where, row.number);
-        try {
-            row.reachable = CountReachableNames(db_, where.config, where.partition, row.number);
-        } catch (const ComponentError& error) {
-            if (error.Number() != kErrDirectoryMissing) {
-                throw;
-            }
+        auto [names, unread] = directories.try_emplace(directoryNumber);
+        if (unread) {
+            names->second = ReadDirectoryIfAny(where, directoryNumber);
+        }
+        if (names->second) {
+            const directory::DirectoryReport report =
+                directory::MakeDirectoryReport(where.config, where.partition, row.number,
+                                               directoryNumber, settings, *names->second);
+            row.reachable = ReachableCount{report.ReachableCount(), report.Total()};
         }
     }
     return nodes;
+}
+
+std::optional<std::vector<directory::DirectoryName>> NodeList::ReadDirectoryIfAny(
+    PartitionKey where, std::int16_t directory) {
+    try {
+        return ReadDirectoryNames(db_, where.config, where.partition, directory);
+    } catch (const ComponentError& error) {
+        if (error.Number() != kErrDirectoryMissing) {
+            throw;
+        }
+    }
+    return std::nullopt;
 }
 
 int NodeList::CountMissingTargets(PartitionKey where, std::int16_t number) {

@@ -66,6 +66,9 @@ public:
 
 private:
     int CountMissingTargets(PartitionKey where, std::int16_t number);
+    // The names of a directory node, or nothing when it does not exist.
+    std::optional<std::vector<directory::DirectoryName>> ReadDirectoryIfAny(PartitionKey where,
+                                                                            std::int16_t directory);
     bool NodeRowExists(PartitionKey where, std::int16_t number);
 
     DataBase& db_;

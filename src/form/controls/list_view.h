@@ -29,6 +29,19 @@ struct ListViewDisplay {
     bool hideColumnHeaders = false;
     std::string smallIcons;  // name of the image list
 
+    // This display as the editor's row lists show: a report with headers,
+    // grid lines, whole-row selection and labels edited only from code.
+    ListViewDisplay AsRowList(bool multiSelectRows) const {
+        ListViewDisplay display = *this;
+        display.manualLabelEdit = true;
+        display.fullRowSelect = true;
+        display.gridLines = true;
+        display.reportView = true;
+        display.multiSelect = multiSelectRows;
+        display.hideColumnHeaders = false;
+        return display;
+    }
+
     bool operator==(const ListViewDisplay&) const = default;
 };
 
