@@ -124,6 +124,20 @@ void DataBase::RollbackToSavepoint() {
     Engine().Exec("ROLLBACK TO nested; RELEASE nested", "RollbackToSavepoint");
 }
 
+std::optional<std::string> DataBase::ReadOnlyNotice() {
+    const std::optional<std::string> user = Engine().ReadOnlyUser();
+    if (!user) {
+        return std::nullopt;
+    }
+    return "The configuration database \"" + DisplayName(target_) +
+           "\" is open read-only: " + *user +
+           " may read it but not change it. Changes cannot be saved.";
+}
+
+void DataBase::LockRows(const std::vector<RowLock>& locks) {
+    Engine().LockRows(locks);
+}
+
 bool DataBase::InTransaction() const noexcept {
     return engine_ && engine_->InTransaction();
 }

@@ -2,12 +2,14 @@
 
 #include "database/database_observer.h"
 #include "database/database_target.h"
+#include "database/row_lock.h"
 #include "database/row_set.h"
 
 #include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,6 +48,17 @@ public:
     void CommitTrans();
     void RollbackTrans();
     bool InTransaction() const noexcept;
+
+    // When this process may read the configuration but not change it:
+    // "The configuration database "NAME" is open read-only: USER may read it
+    // but not change it. Changes cannot be saved." Else std::nullopt.
+    std::optional<std::string> ReadOnlyNotice();
+
+    // Inside the open transaction: locks the rows matching each key against
+    // every other writer until the transaction ends (any program, not only
+    // this one's other connections). On the file the write transaction
+    // already holds the whole database.
+    void LockRows(const std::vector<RowLock>& locks);
 
     // A nested unit of work inside the open transaction: rolling it back
     // undoes its own work only; releasing it keeps that work in the

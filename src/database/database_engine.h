@@ -7,12 +7,14 @@
 #include "database/command_catalogue.h"
 #include "database/database_target.h"
 #include "database/field_value.h"
+#include "database/row_lock.h"
 #include "database/schema_model.h"
 #include "database/sql_translation.h"
 
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,12 +45,22 @@ public:
     // Runs statements without results (commit, rollback, savepoints, DDL).
     virtual void Exec(const std::string& sql, std::string_view doing) = 0;
     virtual bool InTransaction() const = 0;
+    // Inside the open write transaction: takes the row locks of the rows
+    // that match each lock's key (waiting for another transaction that holds
+    // them, up to the lock time-out), so that what is read next is the last
+    // committed state and stays so until the transaction ends.
+    virtual void LockRows(const std::vector<RowLock>& locks) = 0;
     // How long a statement waits for a lock held by another connection.
     virtual void SetLockTimeout(std::chrono::milliseconds timeout) = 0;
     // Called again and again (every few tens of milliseconds) while a
     // statement waits for a lock or for the server's answer, so that a window
     // can keep painting; it must not use this connection. Empty: just wait.
     virtual void SetWaitHandler(std::function<void()> handler) = 0;
+
+    // The user this connection works as, when it may read the configuration
+    // but not change it (a read-only file or folder, a server role without
+    // the right to change the tables, a standby server); else std::nullopt.
+    virtual std::optional<std::string> ReadOnlyUser() = 0;
 
     // Whole-table access for set-up and copy.
     virtual bool HasTable(const SchemaTable& table) = 0;

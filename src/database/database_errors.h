@@ -31,6 +31,23 @@ inline constexpr long kErrServerDatabaseMissing = 4022;
 inline constexpr long kErrSchemaMissing = 4023;
 inline constexpr long kErrServerStatement = 4024;
 inline constexpr long kErrTargetHasConfiguration = 4025;
+// The connection was lost while a commit was on its way: whether it was
+// written is not known.
+inline constexpr long kErrCommitUncertain = 4026;
+// A server connection string that libpq cannot use.
+inline constexpr long kErrConnectionString = 4027;
+// A copied value outside its column's range.
+inline constexpr long kErrValueOutOfRange = 4028;
+
+// True for the failures of the database as a whole (the server or the file
+// cannot be used at all), as against a failure of one statement.
+inline bool IsDatabaseUnavailable(long number) {
+    constexpr long kSqliteIoError = 10;
+    constexpr long kSqliteCannotOpen = 14;
+    return number == kErrServerUnreachable || number == kErrServerLogin ||
+           number == kErrCommitUncertain || number == kErrDatabaseMissing ||
+           number == kErrDatabaseLocked || number == kSqliteIoError || number == kSqliteCannotOpen;
+}
 
 // Misuse of the catalogue.
 inline constexpr long kErrUnknownCommand = 4010;

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <optional>
 #include <set>
 
 namespace dbn {
@@ -142,7 +143,13 @@ public:
                       const std::vector<std::string>& args) override;
     void BeginWrite() override;
     void Exec(const std::string& sql, std::string_view doing) override;
-    bool InTransaction() const override { return PQtransactionStatus(conn_.get()) != PQTRANS_IDLE; }
+    // A lost connection has no transaction left.
+    bool InTransaction() const override {
+        const PGTransactionStatusType status = PQtransactionStatus(conn_.get());
+        return status == PQTRANS_INTRANS || status == PQTRANS_INERROR || status == PQTRANS_ACTIVE;
+    }
+    void LockRows(const std::vector<RowLock>& locks) override;
+    std::optional<std::string> ReadOnlyUser() override;
     void SetLockTimeout(std::chrono::milliseconds timeout) override;
     void SetWaitHandler(std::function<void()> handler) override {
         waitHandler_ = std::move(handler);
@@ -166,6 +173,7 @@ public:
 private:
     // Raises the clear error for a failed result (or a lost connection).
     [[noreturn]] void RaiseFailure(const PGresult* result, std::string_view doing) const;
+    [[noreturn]] void RaiseCommitUncertain() const;
     // Checks that result is one of the good statuses.
     Result Checked(PGresult* raw, std::string_view doing) const;
     // Runs sql (one or more statements) as PQexec does; while the server has
@@ -174,6 +182,21 @@ private:
     PGresult* ExecPreparedWaiting(const std::string& name, const std::vector<const char*>& values);
     // Collects the answer of the query just sent, as PQexec would return it.
     PGresult* AwaitResult();
+    // The settings every new connection gets; forgets the prepared statements.
+    void PrepareSession();
+    bool Lost() const;
+    // Makes the connection again (once); raises the lost-connection error
+    // when the server still cannot be reached.
+    void Reconnect();
+    // Runs send (which sends one statement text and answers its result)
+    // after making a lost connection again; repeatable: it may be sent again
+    // on a new connection when the connection broke under it.
+    template <class Send>
+    Result Sent(Send send, std::string_view doing, bool repeatable);
+
+    std::chrono::milliseconds lockTimeout_{0};
+    // The answer of ReadOnlyUser on this connection, once asked.
+    std::optional<std::optional<std::string>> readOnly_;
 
     std::string conninfo_;
     std::string name_;
@@ -184,6 +207,10 @@ private:
 
 PostgresEngine::PostgresEngine(const std::string& conninfo, std::chrono::milliseconds lockTimeout)
     : conninfo_(conninfo), name_(DisplayName(DatabaseTarget::Server(conninfo))) {
+    if (const std::optional<std::string> problem = ConnectionStringProblem(conninfo_)) {
+        RaiseServerError(kErrConnectionString,
+                         "The server connection string cannot be used: " + *problem + ".");
+    }
     // Defaults that the connection string or the PG* variables override.
     std::vector<const char*> keywords;
     std::vector<const char*> values;
@@ -202,6 +229,13 @@ PostgresEngine::PostgresEngine(const std::string& conninfo, std::chrono::millise
     conn_.reset(PQconnectdbParams(keywords.data(), values.data(), 1));
     if (PQstatus(conn_.get()) != CONNECTION_OK) {
         const std::string message = conn_ ? PQerrorMessage(conn_.get()) : "out of memory";
+        // A value libpq refuses (a port, a time-out, an SSL mode) is told in
+        // its words, naming the option.
+        if (message.starts_with("invalid ")) {
+            std::string reason = WithoutPassword(message.substr(0, message.find('\n')), conninfo_);
+            RaiseServerError(kErrConnectionString, "The server connection string \"" + name_ +
+                                                       "\" cannot be used: " + reason + ".");
+        }
         if (Contains(message, "authentication failed") || Contains(message, "no password")) {
             RaiseServerError(kErrServerLogin,
                              "The database server \"" + name_ +
@@ -220,9 +254,50 @@ PostgresEngine::PostgresEngine(const std::string& conninfo, std::chrono::millise
                              "\" cannot be reached: it is not running or does not accept "
                              "connections.");
     }
+    lockTimeout_ = lockTimeout;
+    PrepareSession();
+}
+
+void PostgresEngine::PrepareSession() {
     PQsetClientEncoding(conn_.get(), "UTF8");
-    Exec("SET client_min_messages = warning", "opening");
-    SetLockTimeout(lockTimeout);
+    prepared_.clear();
+    readOnly_.reset();
+    Checked(PQexec(conn_.get(), ("SET client_min_messages = warning; SET lock_timeout = " +
+                                 std::to_string(std::max<long long>(1, lockTimeout_.count())))
+                                    .c_str()),
+            "opening");
+}
+
+bool PostgresEngine::Lost() const {
+    return PQstatus(conn_.get()) != CONNECTION_OK;
+}
+
+void PostgresEngine::Reconnect() {
+    PQreset(conn_.get());
+    if (Lost()) {
+        RaiseServerError(kErrServerUnreachable,
+                         "The database server \"" + name_ +
+                             "\" cannot be reached: the connection to it was lost.");
+    }
+    PrepareSession();
+}
+
+template <class Send>
+Result PostgresEngine::Sent(Send send, std::string_view doing, bool repeatable) {
+    // A connection found lost before anything is sent is made again; a
+    // statement sent outside a transaction that cannot have written anything
+    // is sent once more on a new connection when the old one broke under it.
+    if (Lost()) {
+        Reconnect();
+    }
+    const bool idle = !InTransaction();
+    PGresult* raw = send();
+    if (idle && repeatable && Lost()) {
+        PQclear(raw);
+        Reconnect();
+        raw = send();
+    }
+    return Checked(raw, doing);
 }
 
 void PostgresEngine::RaiseFailure(const PGresult* result, std::string_view doing) const {
@@ -270,18 +345,28 @@ Result PostgresEngine::Checked(PGresult* raw, std::string_view doing) const {
 CommandResult PostgresEngine::Run(const CatalogueCommand& command,
                                   const std::vector<std::string>& args) {
     const TranslatedStatement& statement = PostgresTextOf(command);
-    if (!prepared_.contains(command.name)) {
-        Checked(PQprepare(conn_.get(), std::string(command.name).c_str(), statement.sql.c_str(),
-                          static_cast<int>(statement.parameters.size()), nullptr),
-                command.name);
-        prepared_.emplace(command.name);
-    }
     std::vector<const char*> values;
     values.reserve(args.size());
     for (const std::string& arg : args) {
         values.push_back(arg.c_str());
     }
-    Result result = Checked(ExecPreparedWaiting(std::string(command.name), values), command.name);
+    const std::string name(command.name);
+    // Prepares the statement on this connection (a new one has none), then
+    // runs it.
+    auto send = [&]() -> PGresult* {
+        if (!prepared_.contains(name)) {
+            Result prepared(PQprepare(conn_.get(), name.c_str(), statement.sql.c_str(),
+                                      static_cast<int>(statement.parameters.size()), nullptr));
+            if (PQresultStatus(prepared.get()) != PGRES_COMMAND_OK) {
+                return prepared.release();
+            }
+            prepared_.emplace(name);
+        }
+        return ExecPreparedWaiting(name, values);
+    };
+    // A write outside a transaction may have been done when the answer was
+    // lost: it is never sent twice.
+    Result result = Sent(send, command.name, command.kind == CommandKind::RowReturning);
     CommandResult out;
     if (command.kind == CommandKind::Action) {
         const char* changed = PQcmdTuples(result.get());
@@ -306,7 +391,32 @@ CommandResult PostgresEngine::Run(const CatalogueCommand& command,
 }
 
 void PostgresEngine::Exec(const std::string& sql, std::string_view doing) {
-    Checked(ExecWaiting(sql), doing);
+    const bool ending =
+        sql.starts_with("COMMIT") || sql.starts_with("ROLLBACK") || sql.starts_with("RELEASE");
+    if (ending && Lost()) {
+        // The transaction went with the connection.
+        if (sql.starts_with("COMMIT")) {
+            RaiseCommitUncertain();
+        }
+        RaiseFailure(nullptr, doing);
+    }
+    if (sql.starts_with("COMMIT")) {
+        Result result(ExecWaiting(sql));
+        if (Lost()) {
+            RaiseCommitUncertain();
+        }
+        Checked(result.release(), doing);
+        return;
+    }
+    Sent([&] { return ExecWaiting(sql); }, doing, !ending);
+}
+
+void PostgresEngine::RaiseCommitUncertain() const {
+    RaiseServerError(kErrCommitUncertain,
+                     "The database server \"" + name_ +
+                         "\" cannot be reached: the connection to it was lost during the "
+                         "commit, so the save may or may not have been written: the node is read "
+                         "again.");
 }
 
 PGresult* PostgresEngine::ExecWaiting(const std::string& sql) {
@@ -374,8 +484,50 @@ void PostgresEngine::BeginWrite() {
     }
 }
 
+std::optional<std::string> PostgresEngine::ReadOnlyUser() {
+    // Asked once a connection.
+    if (readOnly_) {
+        return *readOnly_;
+    }
+    // A standby, a read-only default, or a role that may not write every
+    // table a save writes.
+    Result result = Sent(
+        [&] {
+            return ExecWaiting(
+                "SELECT current_user, pg_is_in_recovery() OR "
+                "current_setting('default_transaction_read_only') = 'on' OR NOT "
+                "(has_table_privilege('node_dbn', 'UPDATE') AND "
+                "has_table_privilege('detail_dbn_prompts', 'INSERT, DELETE') AND "
+                "has_table_privilege('node_general_pool', 'INSERT, UPDATE'))");
+        },
+        "ReadOnlyUser", true);
+    readOnly_.emplace();
+    if (PQntuples(result.get()) == 1 && std::string_view(PQgetvalue(result.get(), 0, 1)) == "t") {
+        *readOnly_ = std::string(PQgetvalue(result.get(), 0, 0));
+    }
+    return *readOnly_;
+}
+
+void PostgresEngine::LockRows(const std::vector<RowLock>& locks) {
+    // One round trip: a SELECT ... FOR UPDATE a table, as one text. The
+    // values are whole numbers, written as such.
+    std::string sql;
+    for (const RowLock& lock : locks) {
+        std::string where;
+        for (const auto& [column, value] : lock.key) {
+            where += (where.empty() ? " WHERE " : " AND ") + Quoted(Lowered(column)) + " = " +
+                     std::to_string(value);
+        }
+        sql += "SELECT 1 FROM " + Quoted(Lowered(lock.table)) + where + " FOR UPDATE;";
+    }
+    if (!sql.empty()) {
+        Exec(sql, "LockRows");
+    }
+}
+
 void PostgresEngine::SetLockTimeout(std::chrono::milliseconds timeout) {
     // Zero would mean "wait for ever" to the server; the shortest wait is 1 ms.
+    lockTimeout_ = timeout;
     const auto milliseconds = std::max<long long>(1, timeout.count());
     Exec("SET lock_timeout = " + std::to_string(milliseconds), "setting the lock time-out");
 }

@@ -7,6 +7,10 @@
 
 #include <sqlite3.h>
 
+#include <pwd.h>
+#include <unistd.h>
+
+#include <filesystem>
 #include <map>
 #include <thread>
 
@@ -93,6 +97,20 @@ public:
     void BeginWrite() override { Exec("BEGIN IMMEDIATE", "BeginTrans"); }
     void Exec(const std::string& sql, std::string_view doing) override;
     bool InTransaction() const override { return sqlite3_get_autocommit(db_.get()) == 0; }
+    // The write transaction (BEGIN IMMEDIATE) already keeps every other
+    // writer of the file out.
+    void LockRows(const std::vector<RowLock>&) override {}
+    std::optional<std::string> ReadOnlyUser() override {
+        // The file opened for reading only, or a folder where the journal
+        // of a write cannot be made.
+        const std::string folder = std::filesystem::path(path_).parent_path().string();
+        if (sqlite3_db_readonly(db_.get(), "main") != 1 &&
+            ::access(folder.empty() ? "." : folder.c_str(), W_OK) == 0) {
+            return std::nullopt;
+        }
+        const passwd* account = ::getpwuid(::geteuid());
+        return account != nullptr ? account->pw_name : "this user";
+    }
     void SetLockTimeout(std::chrono::milliseconds timeout) override {
         lockTimeout_ = timeout;
         sqlite3_busy_handler(db_.get(), &SqliteEngine::OnBusy, this);

@@ -23,6 +23,7 @@ void Navigate(GUI& gui, const Move& move) {
     if (gui.AskToSaveChanges() == kAnswerCancel) {
         return;
     }
+    const bool unsaved = gui.cmdApply.Enabled();
     gui.cmdApply.SetEnabled(false);
     const int index = gui.cmbNode.ListIndex();
     const int target = move(index, gui.cmbNode.ListCount());
@@ -30,6 +31,11 @@ void Navigate(GUI& gui, const Move& move) {
         return;
     }
     gui.cmbNode.SetListIndex(target);
+    if (gui.cmbNode.ListIndex() == index) {
+        // The load failed and the selector went back: the form is as it was.
+        gui.cmdApply.SetEnabled(unsaved);
+        return;
+    }
     gui.SetnodeNumber(static_cast<std::int16_t>(gui.cmbNode.ItemData(gui.cmbNode.ListIndex())));
 }
 
@@ -68,9 +74,13 @@ void GUI::cmbNode_Click() {
                 RaiseObjectNotSet();
             }
             formBusinessRules_->LoadData(selected);
-            cmdApply.SetEnabled(false);
-            SetnodeNumber(selected);
-            return;
+            if (!formBusinessRules_->LoadFailed()) {
+                cmdApply.SetEnabled(false);
+                SetnodeNumber(selected);
+                return;
+            }
+            // The database failed before the form changed: it stays on the
+            // node shown, and so does the selector (below).
         }
         // Stay on the node shown: put the selector back on it (its click then
         // finds nothing to do).

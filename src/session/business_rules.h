@@ -55,6 +55,7 @@ public:
 
     // ---- Loading a node ------------------------------------------------
     bool LoadData(std::int16_t nodeNumber) override;
+    bool LoadFailed() const noexcept override { return loadFailed_; }
     bool AssignCustomSettingsValues(RowSet& node, std::int16_t nodeNumber);
 
     // ---- Saving --------------------------------------------------------
@@ -95,6 +96,11 @@ private:
     // Set by SaveChanges while it runs the referenced-node check: the check
     // then leaves its last copies uncommitted for the save to join.
     bool keepCopiesOpen_ = false;
+    // Set when the last referenced-node check stopped on an error (shown):
+    // the save then writes nothing.
+    bool checkFailed_ = false;
+    // Set when the last LoadData stopped on a database failure.
+    bool loadFailed_ = false;
     // Per row of the last check's required-node lists: found or created.
     std::vector<bool> referenceFound_;
     // Settings the node being loaded shows through a fallback.

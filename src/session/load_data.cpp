@@ -5,6 +5,7 @@
 #include "session/business_rules.h"
 
 #include "core/component_error.h"
+#include "database/database_errors.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "session/load_helpers.h"
@@ -47,9 +48,9 @@ void SetNavigationButtons(form::GUI& form) {
 }
 
 // A language value 0..2 selects that entry, anything else "None" (false).
-bool SelectLanguage(form::ListControl& list, std::int16_t value) {
+bool SelectLanguage(form::ListControl& list, std::int64_t value) {
     const bool valid = value >= 0 && value <= 2;
-    list.SetListIndex(valid ? value : 0);
+    list.SetListIndex(valid ? static_cast<int>(value) : 0);
     return valid;
 }
 
@@ -64,6 +65,7 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
             form::GUI& form = Form();
             form.PendingWarning.clear();
             rangeNotes_.Clear();
+            loadFailed_ = false;
             const std::int16_t config = form.ConfigID();
             const std::int16_t partition = form.PartitionID();
             if (nodeNumber < 0) {
@@ -79,11 +81,16 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
             // Read first: a change made while the form is filled then shows
             // as a change at the next save rather than being overwritten. A
             // node whose rows cannot be read is shown as far as it loads; its
-            // save reads them again and stops there.
+            // save reads them again and stops there. A database that cannot
+            // be used at all stops the load here, before the form changes.
             std::optional<std::string> stored;
             try {
                 stored = session::ReadStoredState(db_, config, partition, nodeNumber);
-            } catch (const ComponentError&) {
+            } catch (const ComponentError& error) {
+                if (IsDatabaseUnavailable(error.Number())) {
+                    loadFailed_ = true;
+                    throw;
+                }
                 stored.reset();
             }
 
@@ -94,7 +101,18 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
             RowSet& node = db_.Recordset("Get_DBN_Node");
             session::RowSetCloser closer(node);
             if (!node.Eof()) {
-                form.txtDescription.SetText(node.Field("NodeDescription").ToText());
+                form.Loaded = {};
+                // Keyed in lower case: the server names its columns so.
+                for (const std::string& column : node.Columns()) {
+                    form.Loaded.values[session::LowerCase(column)] = node.Field(column).ToText();
+                }
+                // A label longer than the box is shown cut, and told.
+                const std::string label = node.Field("NodeDescription").ToText();
+                form.txtDescription.SetText(label);
+                form.Loaded.shownDescription = form.txtDescription.Text();
+                if (form.Loaded.shownDescription != label) {
+                    rangeNotes_.NoteText("NodeDescription", label, form.Loaded.shownDescription);
+                }
 
                 const std::string greeting = node.Field("GreetingNodeType").ToText();
                 if (!form.IsPromptTypeAvailable(greeting)) {
@@ -108,8 +126,9 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                     }
                 }
 
-                const std::int16_t directory = node.Field("DirectoryNodeNumber").ToInt16();
-                if (!session::SelectInRange(form.cmbDirectory, directory, 1, 99, 0)) {
+                const std::int64_t directory = node.Field("DirectoryNodeNumber").ToInt64();
+                if (!session::SelectInRange(form.cmbDirectory, session::Clamped(directory), 1, 99,
+                                            0)) {
                     rangeNotes_.Note("DirectoryNodeNumber", directory, form.cmbDirectory);
                 }
 
@@ -128,7 +147,7 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                                                   " of " +
                                                   std::to_string(form.cmbNode.ListCount()));
 
-                const std::int16_t method = node.Field("Method").ToInt16();
+                const std::int64_t method = node.Field("Method").ToInt64();
                 form.cmbMethod.SetListIndex(method == 0 ? 0 : 1);
                 if (method != 0 && method != 1) {
                     rangeNotes_.Note("Method", method, form.cmbMethod);
@@ -137,7 +156,7 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                 // lists), so that a save never writes another node's into them.
                 for (auto [column, list] : {std::pair{"FirstLanguage", &form.cmbLanguage1},
                                             std::pair{"SecondLanguage", &form.cmbLanguage2}}) {
-                    const std::int16_t language = node.Field(column).ToInt16();
+                    const std::int64_t language = node.Field(column).ToInt64();
                     if (!SelectLanguage(*list, language)) {
                         rangeNotes_.Note(column, language, *list);
                     }
@@ -147,6 +166,7 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                 form.StoredState = std::move(stored);
             } else {
                 form.StoredState.reset();
+                form.Loaded = {};
                 form.ShowInformation(
                     form.NodeNameCollection().Item(session::CommandArg(node_type::kDialByName)) +
                     " " + session::CommandArg(nodeNumber) + " doesn't exist.");

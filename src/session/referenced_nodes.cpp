@@ -148,7 +148,12 @@ bool Business_Rules::AutoCreateNode(std::string templateNumber, std::string newN
 void Business_Rules::CheckForUnReferencedNodes() {
     form::GUI& gui = Form();
     CopyGroup copies(db_);
-    form::RunTrapped(services_, "CheckForUnReferencedNodes", [&] {
+    // A failed look-up is not a missing node: it ends the check with its own
+    // message, and nothing is offered.
+    auto exists = [&](const std::string& typeID, const std::string& number) {
+        return session::NodeExists(db_, gui.ConfigID(), gui.PartitionID(), typeID, number);
+    };
+    checkFailed_ = !form::RunTrapped(services_, "CheckForUnReferencedNodes", [&] {
         const CommitOnError commitOnError(copies);
         gui.StatusBar1.SetPanelText("Checking for non-existing nodes. Please wait...");
         services_.DoEvents();
@@ -196,7 +201,7 @@ void Business_Rules::CheckForUnReferencedNodes() {
             const std::string key = gui.lstNodeTypeName.List(i);
             const std::string typeID = gui.lstNodeTypeID.List(i);
             const std::string number = gui.lstNodeNumber.List(i);
-            if (IsNodeExisted(typeID, number)) {
+            if (exists(typeID, number)) {
                 referenceFound_[static_cast<std::size_t>(i)] = true;
                 continue;
             }
@@ -221,7 +226,7 @@ void Business_Rules::CheckForUnReferencedNodes() {
                     copies.Commit();
                     gui.ShowInformation(key +
                                         " could not be created: its type cannot be created here.");
-                } else if (!IsNodeExisted(typeID, kTemplateNumber)) {
+                } else if (!exists(typeID, kTemplateNumber)) {
                     copies.Commit();
                     gui.ShowInformation(
                         key + " could not be created: there is no template node 0 of its type.");
@@ -243,7 +248,11 @@ void Business_Rules::CheckForUnReferencedNodes() {
         }
     });
     // A save goes on in the group's transaction, so that the copies and the
-    // node are written in one commit.
+    // node are written in one commit. After a failure the save stops, and
+    // what the group still holds is rolled back.
+    if (checkFailed_) {
+        return;
+    }
     if (keepCopiesOpen_) {
         copies.HandOver();
     } else {

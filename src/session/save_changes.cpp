@@ -1,7 +1,9 @@
 // Business_Rules::SaveChanges: writes the node on show back to the
 // configuration database, after the referenced-node check.
 
+#include "core/component_error.h"
 #include "core/node_types.h"
+#include "database/database_errors.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "session/business_rules.h"
@@ -14,6 +16,7 @@
 #include <exception>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace dbn {
@@ -43,6 +46,33 @@ void Append(std::vector<std::string>& args, const StoredNodeRef& ref) {
     args.push_back(ref.typeID);
 }
 
+// The stored value of a Node_DBN column as the node was loaded, if known.
+const std::string* LoadedValue(const form::GUI& gui, std::string_view column) {
+    const auto found = gui.Loaded.values.find(session::LowerCase(column));
+    return found == gui.Loaded.values.end() ? nullptr : &found->second;
+}
+
+// A list's tag for its column; a list that shows nothing (the stored value
+// lies outside it) writes back the stored value.
+std::string ListTag(const form::GUI& gui, const form::ListControl& list, std::string_view column) {
+    const std::string* stored = LoadedValue(gui, column);
+    return list.ListIndex() < 0 && stored != nullptr ? *stored : SelectedTagText(list);
+}
+
+// The same for a list whose entry text is the value.
+std::string ListText(const form::GUI& gui, const form::ListControl& list, std::string_view column) {
+    const std::string* stored = LoadedValue(gui, column);
+    return list.Text().empty() && stored != nullptr ? *stored : list.Text();
+}
+
+// The label: the stored one, whole, unless the operator changed the box
+// (which may show it cut).
+std::string Label(const form::GUI& gui) {
+    const std::string* stored = LoadedValue(gui, "NodeDescription");
+    const std::string& shown = gui.txtDescription.Text();
+    return stored != nullptr && shown == gui.Loaded.shownDescription ? *stored : shown;
+}
+
 void AppendKeys(std::vector<std::string>& args, const NodeKeyText& key) {
     args.push_back(key.config);
     args.push_back(key.partition);
@@ -52,23 +82,23 @@ void AppendKeys(std::vector<std::string>& args, const NodeKeyText& key) {
 
 std::vector<std::string> Part1Arguments(form::GUI& gui, const NodeKeyText& key) {
     std::vector<std::string> args;
-    args.push_back(gui.txtDescription.Text());
-    args.push_back(SelectedTagText(gui.cmbMethod));
-    args.push_back(gui.cmbDirectory.Text());
-    args.push_back(SelectedTagText(gui.cmbLanguage1));
-    args.push_back(SelectedTagText(gui.cmbLanguage2));
+    args.push_back(Label(gui));
+    args.push_back(ListTag(gui, gui.cmbMethod, "Method"));
+    args.push_back(ListText(gui, gui.cmbDirectory, "DirectoryNodeNumber"));
+    args.push_back(ListTag(gui, gui.cmbLanguage1, "FirstLanguage"));
+    args.push_back(ListTag(gui, gui.cmbLanguage2, "SecondLanguage"));
     Append(args, PairReference(gui.cmbGreetingNode, gui.cmbGreetingNumber));
     // Valid match, abort, star, pound, zero.
     for (int row = 0; row < 5; ++row) {
         Append(args, RowReference(gui.LVActions, row));
     }
-    args.push_back(SelectedTagText(gui.cmbfirstMatch));
-    args.push_back(gui.cmbFirstMinDigits.Text());
-    args.push_back(gui.cmbFirstMaxDigits.Text());
+    args.push_back(ListTag(gui, gui.cmbfirstMatch, "FirstMode"));
+    args.push_back(ListText(gui, gui.cmbFirstMinDigits, "FirstMinDigits"));
+    args.push_back(ListText(gui, gui.cmbFirstMaxDigits, "FirstMaxDigits"));
     Append(args, PairReference(gui.cmbFirstMatchPrompt, gui.cmbFirstMatchPromptNumber));
-    args.push_back(SelectedTagText(gui.cmbsecondMatch));
-    args.push_back(gui.cmbSecondMinDigits.Text());
-    args.push_back(gui.cmbSecondMaxDigits.Text());
+    args.push_back(ListTag(gui, gui.cmbsecondMatch, "SecondMode"));
+    args.push_back(ListText(gui, gui.cmbSecondMinDigits, "SecondMinDigits"));
+    args.push_back(ListText(gui, gui.cmbSecondMaxDigits, "SecondMaxDigits"));
     Append(args, PairReference(gui.cmbSecondMatchPrompt, gui.cmbSecondMatchPromptNumber));
     AppendKeys(args, key);
     return args;
@@ -78,12 +108,12 @@ std::vector<std::string> Part2Arguments(form::GUI& gui, const NodeKeyText& key) 
     std::vector<std::string> args;
     Append(args, PairReference(gui.cmbTimeoutNode, gui.cmbTimeoutNumber));
     Append(args, PairReference(gui.cmbInvalidNode, gui.cmbInvalidNumber));
-    args.push_back(gui.cmbDigitTimeOut.Text());
-    args.push_back(gui.cmbSelTimeOut.Text());
-    args.push_back(gui.cmbRetryLimit.Text());
-    args.push_back(SelectedTagText(gui.cmbConfirmation));
-    args.push_back(gui.cmbMaxMatches.Text());
-    args.push_back(SelectedTagText(gui.cmbPlayName));
+    args.push_back(ListText(gui, gui.cmbDigitTimeOut, "DigitTimeout"));
+    args.push_back(ListText(gui, gui.cmbSelTimeOut, "SelectionTimeout"));
+    args.push_back(ListText(gui, gui.cmbRetryLimit, "RetryLimit"));
+    args.push_back(ListTag(gui, gui.cmbConfirmation, "Confirm"));
+    args.push_back(ListText(gui, gui.cmbMaxMatches, "MaxMatch"));
+    args.push_back(ListTag(gui, gui.cmbPlayName, "PlayName"));
     // Before and after the names: the list's first two rows, when it has any.
     const bool listed = gui.LVConfirm.ItemCount() > 0;
     Append(args, listed ? RowReference(gui.LVConfirm, 0) : kDefaultPrompt);
@@ -208,6 +238,8 @@ Business_Rules::WriteResult Business_Rules::WriteShownNode(std::int16_t nodeNumb
     const NodeKeyText key{std::to_string(gui.ConfigID()), std::to_string(gui.PartitionID()),
                           std::to_string(nodeNumber)};
     TransactionScope transaction(db_);
+    // Compare before any write, under the row locks of the node's rows.
+    session::LockStoredState(db_, gui.ConfigID(), gui.PartitionID(), nodeNumber);
     const std::optional<std::string> stored =
         session::ReadStoredState(db_, gui.ConfigID(), gui.PartitionID(), nodeNumber);
     if (!stored) {
@@ -222,8 +254,8 @@ Business_Rules::WriteResult Business_Rules::WriteShownNode(std::int16_t nodeNumb
         return {WriteOutcome::Vanished, std::nullopt};
     }
     db_.Execute("Update_DBN_Node_Part2", Part2Arguments(gui, key));
-    db_.Execute("Update_Node_General_Pool", {gui.txtDescription.Text(), CurrentModificationTime(),
-                                             key.config, key.partition, kDbnTypeID, key.number});
+    db_.Execute("Update_Node_General_Pool", {Label(gui), CurrentModificationTime(), key.config,
+                                             key.partition, kDbnTypeID, key.number});
     WritePromptRows(db_, gui, key);
     // What the next save compares with: the state just written.
     std::optional<std::string> saved =
@@ -234,7 +266,22 @@ Business_Rules::WriteResult Business_Rules::WriteShownNode(std::int16_t nodeNumb
 
 bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
     form::GUI& gui = Form();
+    // A database this process may not change: refused before anything is
+    // checked, created or written, in the words it was told with.
+    // A database that cannot be asked has told its failure: nothing more.
+    bool readOnly = false;
+    const bool asked = form::RunTrapped(services_, "SaveChanges", [&] {
+        if (const std::optional<std::string> notice = db_.ReadOnlyNotice()) {
+            readOnly = true;
+            gui.ShowInformation(*notice);
+        }
+    });
+    if (readOnly || !asked) {
+        return false;
+    }
     std::optional<WriteResult> result;
+    // Set when the connection was lost during the commit.
+    bool readAgain = false;
     // Writes the node inside the transaction the check left open, so that the
     // nodes it created are committed with it (or on their own, when the node
     // is not written).
@@ -245,15 +292,34 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
             if (checkReferences) {
                 const FlagScope keepOpen(keepCopiesOpen_);
                 CheckForUnReferencedNodes();
+                if (checkFailed_) {
+                    // The check has shown its failure; nothing is written.
+                    return;
+                }
             }
-            OpenCopies copies(db_);
-            gui.StatusBar1.SetPanelText("Saving node information. Please wait...");
-            WriteResult written = WriteShownNode(nodeNumber, overwrite);
-            copies.Commit();
-            result = std::move(written);
+            try {
+                OpenCopies copies(db_);
+                gui.StatusBar1.SetPanelText("Saving node information. Please wait...");
+                WriteResult written = WriteShownNode(nodeNumber, overwrite);
+                copies.Commit();
+                result = std::move(written);
+            } catch (const ComponentError& error) {
+                readAgain = error.Number() == kErrCommitUncertain;
+                throw;
+            }
         });
     };
+    // After a commit whose outcome is unknown the form shows what is stored.
+    auto showStored = [&] {
+        if (readAgain) {
+            LoadData(nodeNumber);
+            if (!loadFailed_) {
+                gui.cmdApply.SetEnabled(false);
+            }
+        }
+    };
     write(true, false);
+    showStored();
     // "DBN 5": how the messages below name the node.
     auto nodeText = [&] {
         return gui.NodeNameCollection().Item(kDbnTypeID) + " " + std::to_string(nodeNumber);
@@ -269,6 +335,7 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
         });
         if (answer == form::kAnswerYes) {
             write(false, true);
+            showStored();
         } else {
             if (answer == form::kAnswerNo) {
                 // Drop the edits: show the node as it is stored now.

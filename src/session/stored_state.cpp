@@ -50,4 +50,26 @@ std::optional<std::string> ReadStoredState(DataBase& db, std::int16_t configID,
     return state;
 }
 
+void LockStoredState(DataBase& db, std::int16_t configID, std::int16_t partitionID,
+                     std::int16_t nodeNumber) {
+    const std::int64_t config = configID;
+    const std::int64_t partition = partitionID;
+    const std::int64_t number = nodeNumber;
+    const std::int64_t type = node_type::kDialByName;
+    db.LockRows({
+        {"Node_DBN",
+         {{"ConfigID", config},
+          {"PartID", partition},
+          {"NodeTypeID", type},
+          {"NodeNumber", number}}},
+        {"Detail_DBN_Prompts",
+         {{"ConfigID", config}, {"PartID", partition}, {"NodeMasterID", number}}},
+        {"Node_General_Pool",
+         {{"ConfigID", config},
+          {"PartID", partition},
+          {"NodeTypeID", type},
+          {"NodeNumber", number}}},
+    });
+}
+
 }  // namespace dbn::session

@@ -19,5 +19,12 @@ namespace session {
 std::optional<std::string> ReadStoredState(DataBase& db, std::int16_t configID,
                                            std::int16_t partitionID, std::int16_t nodeNumber);
 
+// Inside the save's transaction, before ReadStoredState: takes the row locks
+// of the node's rows (its Node_DBN row, its prompt rows, its pool row), so
+// that a change another program has not yet committed is waited for and
+// then seen by the comparison, and none can follow before the save commits.
+void LockStoredState(DataBase& db, std::int16_t configID, std::int16_t partitionID,
+                     std::int16_t nodeNumber);
+
 }  // namespace session
 }  // namespace dbn

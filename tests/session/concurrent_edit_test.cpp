@@ -62,6 +62,36 @@ TEST_F(ConcurrentEdit, AChangeToTheNodeRowItsPromptsOrItsPoolRowIsSeen) {
     EXPECT_EQ(NodeColumn("NodeDescription", 1, 1), "Staff directory");
 }
 
+// Another program (no editor) whose transaction is still open when the save
+// begins and commits while the save waits for it: the save sees its change
+// and asks, for each of the node's rows.
+TEST_F(ConcurrentEdit, AWriterCommittingWhileTheSaveWaitsIsSeenAndAsked) {
+    for (const std::string& change :
+         {"UPDATE Node_DBN SET RetryLimit = 4" + kNode1,
+          "DELETE FROM Detail_DBN_Prompts" + Where(1, "NodeMasterID", 1) + " AND PromptNumber = 9",
+          "UPDATE Node_General_Pool SET NodeDescription = 'Theirs'" + kNode1}) {
+        services.answers = {form::kAnswerCancel};
+        Open(1, 1, [&](form::GUI& gui) {
+            Set(gui, "txtDescription=Mine");
+            TempDataRoot::Writer other(root, change);
+            bool committed = false;
+            Rules(gui).Db().SetWaitHandler([&] {
+                if (!committed) {
+                    committed = true;
+                    other.Commit();
+                }
+            });
+            gui.cmdApply_Click();
+            EXPECT_TRUE(committed) << change;
+            EXPECT_EQ(gui.txtDescription.Text(), "Mine");
+            EXPECT_TRUE(gui.cmdApply.Enabled());
+        });
+        EXPECT_EQ(services.TakeBoxTexts(), std::vector<std::string>{kQuestion}) << change;
+        EXPECT_EQ(NodeColumn("NodeDescription", 1, 1), "Staff directory") << change;
+    }
+    EXPECT_EQ(NodeColumn("RetryLimit", 1, 1), "4");
+}
+
 TEST_F(ConcurrentEdit, OnlyACommittedSaveLetsTheFormGoAndItIsTheNewReference) {
     services.answers = {form::kAnswerNo,                        // OK: the question
                         form::kAnswerYes, form::kAnswerCancel,  // Next: save, question

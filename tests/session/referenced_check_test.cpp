@@ -3,6 +3,8 @@
 // each type's node from its template.
 #include "session_support.h"
 
+#include "form/list_rows.h"
+
 namespace dbn::testing {
 namespace {
 
@@ -132,7 +134,9 @@ TEST_F(ReferencedCheck, TemplatesNeedTheirNodeRowsAndNumbersStayWithinTheLimits)
     EXPECT_EQ(NodeColumn("ValidMatchNodeNumber || AbortNodeType", 2, 5), "21DATE");
 }
 
-TEST_F(ReferencedCheck, FailedCreationIsUndoneAndTheSaveStillHappens) {
+// A creation that fails is a failure of the save: told once, undone, and
+// nothing of the node written; the edits stay for another Apply.
+TEST_F(ReferencedCheck, AFailedCreationStopsTheSaveWithItsOneMessage) {
     root.InjectFailure("Node_General_Pool", "INSERT");
     services.confirmAnswers = {2};
     Open(2, 5, [&](form::GUI& gui) {
@@ -142,15 +146,30 @@ TEST_F(ReferencedCheck, FailedCreationIsUndoneAndTheSaveStillHappens) {
             EXPECT_EQ(services.busyDepth, 0);
         };
         SetTarget(gui.LVActions.ItemAt(1), "MSG 12|MSG|0|12");
-        EXPECT_TRUE(Rules(gui).SaveChanges(5));
+        EXPECT_FALSE(Rules(gui).SaveChanges(5));
+        EXPECT_EQ(gui.LVActions.ItemAt(1).SubItem(form::list_rows::kCommandNode), "MSG 12");
     });
-    ASSERT_EQ(services.boxes.size(), 2u);
+    ASSERT_EQ(services.boxes.size(), 1u);
     EXPECT_NE(services.boxes[0].text.find(" - CheckForUnReferencedNodes \r\n"), std::string::npos);
-    EXPECT_EQ(services.boxes[1].text,
-              "DBN 5 was saved. These references point at nodes that do not exist: MSG 12.");
+    EXPECT_NE(services.boxes[0].text.find("injected"), std::string::npos);
     EXPECT_EQ(services.confirmations.size(), 1u);
     EXPECT_EQ(Count("Node_MSG", Where(2, "NodeNumber", 12)), 0);
-    EXPECT_EQ(NodeColumn("AbortNodeNumber", 2, 5), "12");
+    EXPECT_NE(NodeColumn("AbortNodeNumber", 2, 5), "12");
+}
+
+// A look-up that fails is not a missing node: the check stops with the
+// failure's one message and offers nothing.
+TEST_F(ReferencedCheck, AFailedLookUpIsNotAMissingNode) {
+    Open(2, 5, [&](form::GUI& gui) {
+        SetTarget(gui.LVActions.ItemAt(1), "MSG 12|MSG|0|12");
+        root.Exec("ALTER TABLE Node_General_Pool RENAME TO Pool_Elsewhere");
+        EXPECT_FALSE(Rules(gui).SaveChanges(5));
+        root.Exec("ALTER TABLE Pool_Elsewhere RENAME TO Node_General_Pool");
+    });
+    ASSERT_EQ(services.boxes.size(), 1u) << ::testing::PrintToString(services.TakeBoxTexts());
+    EXPECT_NE(services.boxes[0].text.find(" - CheckForUnReferencedNodes \r\n"), std::string::npos);
+    EXPECT_TRUE(services.confirmations.empty());
+    EXPECT_NE(NodeColumn("AbortNodeNumber", 2, 5), "12");
 }
 
 // Each type's template node 0 is copied under the new number with its detail

@@ -132,6 +132,42 @@ public:
         return value;
     }
 
+    struct Closer {
+        void operator()(sqlite3* db) const { sqlite3_close_v2(db); }
+        void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+    };
+
+    // Another program writing the configuration: a connection of its own
+    // that keeps a transaction open until Commit.
+    class Writer {
+    public:
+        Writer(const TempDataRoot& root, const std::string& sql) {
+            if (root.server_) {
+                server_ = ConnectTo(root.server_->Uri());
+                PgExec(server_.get(), "BEGIN; " + sql);
+            } else {
+                file_ = root.Open();
+                Run("BEGIN IMMEDIATE; " + sql);
+            }
+        }
+        void Commit() {
+            if (server_) {
+                PgExec(server_.get(), "COMMIT");
+            } else if (file_) {
+                Run("COMMIT");
+            }
+        }
+
+    private:
+        void Run(const std::string& sql) {
+            if (sqlite3_exec(file_.get(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
+                throw std::runtime_error("SQL failed: " + std::string(sqlite3_errmsg(file_.get())));
+            }
+        }
+        PgConnection server_;
+        std::unique_ptr<sqlite3, Closer> file_;
+    };
+
 private:
     std::string ServerQuery(const std::string& sql) const {
         auto conn = ConnectTo(server_->Uri());
@@ -148,11 +184,6 @@ private:
         }
         return value;
     }
-
-    struct Closer {
-        void operator()(sqlite3* db) const { sqlite3_close_v2(db); }
-        void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-    };
 
     std::unique_ptr<sqlite3, Closer> Open() const {
         sqlite3* raw = nullptr;
