@@ -68,6 +68,10 @@ std::int16_t FieldValue::ToInt16() const {
     return Narrow<std::int16_t>(WholeNumberOf(value_));
 }
 
+std::int64_t FieldValue::ToInt64() const {
+    return WholeNumberOf(value_);
+}
+
 std::int32_t FieldValue::ToInt32() const {
     return Narrow<std::int32_t>(WholeNumberOf(value_));
 }

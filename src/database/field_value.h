@@ -23,6 +23,8 @@ public:
     std::int16_t ToInt16() const;
     // Same rules, 32-bit.
     std::int32_t ToInt32() const;
+    // Same rules, 64-bit (a text or real beyond it: error 6).
+    std::int64_t ToInt64() const;
     // Null reads as the empty text; numbers in their decimal form.
     std::string ToText() const;
 

@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -100,6 +101,15 @@ public:
     // The fingerprint of the node's stored state when it was loaded or last
     // saved; a save finding another one asks before it overwrites.
     std::optional<std::string> StoredState;
+    // The node's Node_DBN row as loaded: each column's stored value as text,
+    // and the label as the form showed it. A setting the form cannot show
+    // as stored (a list showing nothing, a label cut to the box) is written
+    // back as stored unless the operator changed it.
+    struct LoadedRow {
+        std::map<std::string, std::string, std::less<>> values;
+        std::string shownDescription;
+    };
+    LoadedRow Loaded;
 
     // ---- Load and unload ----------------------------------------------
     // Makes the form's own session object (set by the session before Load).

@@ -36,11 +36,11 @@ void ShowTarget(form::GUI& form, session::RangeNotes& notes, const RowSet& node,
 
 // The entry of cmbMaxMatches a stored MaxMatch selects: values above the
 // list's top select "9", zero or below select nothing.
-int MaxMatchIndex(std::int16_t maxMatch) {
+int MaxMatchIndex(std::int64_t maxMatch) {
     if (maxMatch <= 0) {
         return -1;
     }
-    return maxMatch > 9 ? 8 : maxMatch - 1;
+    return maxMatch > 9 ? 8 : static_cast<int>(maxMatch) - 1;
 }
 
 }  // namespace
@@ -50,16 +50,19 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeN
         form::GUI& form = Form();
         const std::int16_t config = form.ConfigID();
         const std::int16_t partition = form.PartitionID();
-        auto value = [&](const char* column) { return node.Field(column).ToInt16(); };
+        // Stored settings are read whole, whatever their size: one beyond
+        // every list's range is shown through the fallback and told.
+        auto value = [&](const char* column) { return node.Field(column).ToInt64(); };
         // Selects by a range rule and notes a value shown through its fallback.
         auto inRange = [&](form::ListControl& list, const char* column, std::int32_t low,
                            std::int32_t high, int fallback) {
-            if (!session::SelectInRange(list, value(column), low, high, fallback)) {
+            if (!session::SelectInRange(list, session::Clamped(value(column)), low, high,
+                                        fallback)) {
                 rangeNotes_.Note(column, value(column), list);
             }
         };
         auto inEntries = [&](form::ListControl& list, const char* column, int fallback) {
-            if (!session::SelectByEntryRange(list, value(column), fallback)) {
+            if (!session::SelectByEntryRange(list, session::Clamped(value(column)), fallback)) {
                 rangeNotes_.Note(column, value(column), list);
             }
         };
@@ -73,9 +76,9 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeN
 
         // Second match; its handler sets defaults that the stored values replace.
         // Its index is the mode itself ("None" is 0).
-        const std::int16_t secondMode = value("SecondMode");
+        const std::int64_t secondMode = value("SecondMode");
         const bool secondValid = secondMode >= 0 && secondMode <= 2;
-        form.cmbsecondMatch.SetListIndex(secondValid ? secondMode : 0);
+        form.cmbsecondMatch.SetListIndex(secondValid ? static_cast<int>(secondMode) : 0);
         if (!secondValid) {
             rangeNotes_.Note("SecondMode", secondMode, form.cmbsecondMatch);
         }
@@ -98,8 +101,8 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeN
         // aside for another node are dropped.
         form.ClearListItems(form.LVConfirm);
         form.ClearListItems(form.LVTemp);
-        const std::int16_t confirm = value("Confirm");
-        const std::int16_t maxMatch = value("MaxMatch");
+        const std::int64_t confirm = value("Confirm");
+        const std::int64_t maxMatch = value("MaxMatch");
         {
             form::GUI::ConfirmRowsGuard guard(form);
             if (confirm == 0) {
@@ -137,7 +140,7 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeN
             RowSet& prompts = db_.Recordset("Get_DBN_PromptsNode");
             session::RowSetCloser closer(prompts);
             // At most MaxMatch name rows; with MaxMatch 0 or below every stored row.
-            const int stopAt = maxMatch + 3;
+            const std::int64_t stopAt = std::int64_t{session::Clamped(maxMatch)} + 3;
             for (int position = 3; !prompts.Eof();) {
                 addRow(position,
                        "Name" + session::CommandArg(prompts.Field("PromptNumber").ToInt16()),

@@ -4,7 +4,9 @@
 #include "core/component_error.h"
 #include "database/database.h"
 
+#include <algorithm>
 #include <charconv>
+#include <limits>
 
 namespace dbn::session {
 
@@ -96,6 +98,21 @@ void AddEntry(form::ListControl& list, const std::string& text, std::int32_t tag
 std::string MaxNumberWarning(const std::string& code) {
     return "Please check the \"Max Number of each Node\" Section for " + code +
            " Node in Partition Settings.";
+}
+
+std::string LowerCase(std::string_view text) {
+    std::string lowered(text);
+    for (char& c : lowered) {
+        if (c >= 'A' && c <= 'Z') {
+            c = static_cast<char>(c - 'A' + 'a');
+        }
+    }
+    return lowered;
+}
+
+std::int32_t Clamped(std::int64_t value) {
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(
+        value, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
 }
 
 }  // namespace dbn::session

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace dbn {
@@ -56,6 +57,14 @@ bool SelectByEntryRange(form::ListControl& list, std::int32_t value, int fallbac
 // false when it fell back.
 bool SelectInRange(form::ListControl& list, std::int32_t value, std::int32_t low, std::int32_t high,
                    int fallback);
+
+// The text with ASCII letters in lower case (a column name as either engine
+// spells it).
+std::string LowerCase(std::string_view text);
+
+// A stored whole number brought into the 32-bit range the lists compare
+// with (values beyond it lie outside every list's range all the same).
+std::int32_t Clamped(std::int64_t value);
 
 // Adds an entry and sets its tag on the entry just added.
 void AddEntry(form::ListControl& list, const std::string& text, std::int32_t tag = 0);

@@ -156,6 +156,60 @@ TEST_F(SaveChanges, AFailedSaveWritesNothingAndLeavesTheFormAsItWas) {
 
 // A type the partition offers without numbers (HANGUP has no limit row) is
 // shown and stored as NOOP is: its code alone, number 0.
+// What the form cannot show as stored (a label longer than its box, a value
+// outside a list that then shows nothing) is written back as stored when the
+// operator changes another setting; a changed label is written as typed, and
+// a value beyond 32 bits loads through its list's fallback.
+TEST_F(SaveChanges, SettingsTheFormCannotShowAreWrittenBackAsStored) {
+    const std::string longLabel = "Reception and the whole staff directory";
+    struct Case {
+        std::string stored;  // assignments to the stored row
+        const char* edit;    // what the operator changes
+        const char* column;  // the expression read back
+        std::string kept;    // its stored value afterwards
+    };
+    std::vector<Case> cases = {
+        {"NodeDescription = '" + longLabel + "'", "cmbRetryLimit=4", "NodeDescription", longLabel},
+        {"NodeDescription = '" + longLabel + "'", "txtDescription=Front desk", "NodeDescription",
+         "Front desk"},
+        {"Confirm = 1, MaxMatch = -3", "cmbRetryLimit=4", "MaxMatch", "-3"},
+        {"Confirm = 5", "cmbRetryLimit=4", "Confirm", "1"},
+    };
+    if (!root.OnServer()) {
+        // Shown through its list's fallback (and told), no overflow; the
+        // server's 16-bit columns cannot hold it in the first place.
+        cases.push_back(
+            {"FirstMinDigits = 9223372036854775807", "cmbRetryLimit=4", "FirstMinDigits", "3"});
+    }
+    for (const Case& c : cases) {
+        root.Exec("UPDATE Node_DBN SET RetryLimit = 3, " + c.stored + Where(1, "NodeNumber", 1));
+        root.Exec(
+            "UPDATE Node_General_Pool SET NodeDescription = (SELECT NodeDescription FROM "
+            "Node_DBN" +
+            Where(1, "NodeNumber", 1) + " AND NodeTypeID = 15)" + Where(1, "NodeNumber", 1) +
+            " AND NodeTypeID = 15");
+        Open(1, 1, [&](form::GUI& gui) {
+            Set(gui, c.edit);
+            EXPECT_TRUE(Rules(gui).SaveChanges(1)) << c.stored;
+        });
+        for (const ShownBox& box : services.boxes) {
+            EXPECT_EQ(box.title, "Information") << c.stored << ": " << box.text;
+        }
+        services.boxes.clear();
+        EXPECT_EQ(NodeColumn(c.column, 1, 1), c.kept) << c.stored;
+        EXPECT_EQ(NodeColumn("RetryLimit", 1, 1),
+                  std::string(c.edit) == "cmbRetryLimit=4" ? "4" : "3");
+        EXPECT_EQ(root.QueryText("SELECT NodeDescription FROM Node_General_Pool" +
+                                 Where(1, "NodeNumber", 1) + " AND NodeTypeID = 15"),
+                  NodeColumn("NodeDescription", 1, 1))
+            << c.stored;
+        root.Exec(
+            "UPDATE Node_DBN SET NodeDescription = 'Staff directory', Confirm = 1, "
+            "MaxMatch = 5, FirstMinDigits = 2" +
+            Where(1, "NodeNumber", 1));
+    }
+}
+
 TEST_F(SaveChanges, ARowSetToATypeWithoutNumbersStoresTheCodeAlone) {
     namespace input = form::operator_input;
     root.Exec("INSERT INTO SR_Node_Type_can_contain_Node_Type VALUES (15, 999, 1), (15, 999, 2)");
