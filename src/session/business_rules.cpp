@@ -7,6 +7,10 @@
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "session/load_helpers.h"
+#include "session/node_templates.h"
+
+#include <optional>
+#include <string>
 
 namespace dbn {
 
@@ -54,6 +58,28 @@ private:
     form::GUI*& current_;
 };
 
+// Why a node number cannot be opened in the form's partition, if it cannot:
+// below 0, or above the partition's limit for dial-by-name nodes.
+std::optional<std::string> NodeNumberRefusal(form::GUI& form, std::int16_t number) {
+    const std::string typeID = session::CommandArg(node_type::kDialByName);
+    const std::string code = form.NodeNameCollection().Contains(typeID)
+                                 ? form.NodeNameCollection().Item(typeID)
+                                 : std::string(node_type::kDialByNameCode);
+    const std::string node = code + " " + std::to_string(number);
+    if (number < 0) {
+        return node + " cannot be edited: node numbers start at 1.";
+    }
+    form::KeyedCollection& limits = form.MaxNodeNumberCollection();
+    if (limits.Contains(typeID)) {
+        const std::optional<long> limit = session::WholeNumber(limits.Item(typeID));
+        if (limit && number > *limit) {
+            return node + " cannot be edited: the partition allows " + code + " nodes up to " +
+                   std::to_string(*limit) + ".";
+        }
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 bool Business_Rules::OpenDatabase(std::int16_t Config_ID, std::int16_t Partition_ID,
@@ -65,6 +91,11 @@ bool Business_Rules::OpenDatabase(std::int16_t Config_ID, std::int16_t Partition
             {session::CommandArg(Config_ID), session::CommandArg(Partition_ID),
              session::CommandArg(Node_Number), session::CommandArg(node_type::kDialByName)});
         db_.Recordset("Get_DBN_Node").Close();
+        // Told once, before the form: the operator may look but not save.
+        if (const std::optional<std::string> notice = db_.ReadOnlyNotice()) {
+            services_.MsgBox(*notice, form::MsgBoxButtons::OK, form::MsgBoxIcon::Information,
+                             "Information");
+        }
         return true;
     } catch (const ComponentError& error) {
         databaseUnavailable_ = true;
@@ -105,6 +136,14 @@ bool Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partiti
         ResetAllGUIListView();
         SetInitialControlState();
         LoadNodeName();
+        // A number that cannot be edited is refused before any node is read
+        // or shown.
+        if (const std::optional<std::string> refusal = NodeNumberRefusal(form, Node_Number)) {
+            form.ShowInformation(*refusal);
+            form.Unload();
+            form.ReleaseCollections();
+            return;
+        }
         LoadMSGLISTNOOPNode();
         LoadAllInstructionsNode();
         LoadStaticConstants();

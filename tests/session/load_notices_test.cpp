@@ -42,14 +42,40 @@ TEST_F(LoadNotices, ADatabaseThatCannotBeOpenedIsToldOnceAndNoFormOpens) {
     }
 }
 
-TEST_F(LoadNotices, ANegativeNodeNumberIsNotOpened) {
-    Business_Rules editor(services);
-    EXPECT_FALSE(editor.ShowNodeEditor(1, 1, -2));
-    EXPECT_FALSE(editor.DatabaseUnavailable());
-    EXPECT_EQ(services.modalShows, 0);
-    ASSERT_EQ(services.boxes.size(), 1u);
-    EXPECT_EQ(services.boxes[0].title, "Information");
-    EXPECT_EQ(services.boxes[0].text, "DBN -2 cannot be edited: node numbers start at 1.");
+// Refused before any node is read or shown: the first node's own notices
+// (a stored method out of range) never appear.
+TEST_F(LoadNotices, ANodeNumberThatCannotBeEditedIsNotOpened) {
+    SetNode(1, 1, "Method = 99");
+    root.Exec(
+        "INSERT INTO Node_DBN SELECT ConfigID, PartID, NodeTypeID, 25, NodeType, NodeDescription, "
+        "Method, DirectoryNodeNumber, FirstLanguage, SecondLanguage, GreetingNodeType, "
+        "GreetingNodeNumber, GreetingNodeTypeID, ValidMatchNodeType, ValidMatchNodeNumber, "
+        "ValidMatchNodeTypeID, AbortNodeType, AbortNodeNumber, AbortNodeTypeID, StarNodeType, "
+        "StarNodeNumber, StarNodeTypeID, PoundNodeType, PoundNodeNumber, PoundNodeTypeID, "
+        "ZeroNodeType, ZeroNodeNumber, ZeroNodeTypeID, FirstMode, FirstMinDigits, "
+        "FirstMaxDigits, FirstPromptNodeType, FirstPromptNodeNumber, FirstPromptNodeTypeID, "
+        "SecondMode, SecondMinDigits, SecondMaxDigits, SecondPromptNodeType, "
+        "SecondPromptNodeNumber, SecondPromptNodeTypeID, TimeoutNodeType, TimeoutNodeNumber, "
+        "TimeoutNodeTypeID, InvalidNodeType, InvalidNodeNumber, InvalidNodeTypeID, DigitTimeout, "
+        "SelectionTimeout, RetryLimit, Confirm, MaxMatch, PlayName, BeforePromptNodeType, "
+        "BeforePromptNodeNumber, BeforePromptNodeTypeID, AfterPromptNodeType, "
+        "AfterPromptNodeNumber, AfterPromptNodeTypeID, ConfirmationExitNodeType, "
+        "ConfirmationExitNodeNumber, ConfirmationExitNodeTypeID, Reserved1, Reserved2, "
+        "Reserved3, Reserved4, Reserved5, Reserved6, Reserved7, Reserved8, Reserved9, Reserved10 "
+        "FROM Node_DBN" +
+        Where(1, "NodeNumber", 1));
+    for (const auto& [node, told] :
+         {std::pair{-2, "DBN -2 cannot be edited: node numbers start at 1."},
+          std::pair{25, "DBN 25 cannot be edited: the partition allows DBN nodes up to 20."}}) {
+        Business_Rules editor(services);
+        EXPECT_FALSE(editor.ShowNodeEditor(1, 1, static_cast<std::int16_t>(node)));
+        EXPECT_FALSE(editor.DatabaseUnavailable());
+        EXPECT_EQ(services.modalShows, 0);
+        ASSERT_EQ(services.boxes.size(), 1u) << node;
+        EXPECT_EQ(services.boxes[0].title, "Information");
+        EXPECT_EQ(services.boxes[0].text, told);
+        services.boxes.clear();
+    }
     EXPECT_EQ(NodeColumn("NodeDescription", 1, 1), "Staff directory");
 }
 
@@ -66,6 +92,11 @@ TEST_F(LoadNotices, SettingsShownThroughAFallbackAreToldOnceAfterLoading) {
              Case{1, "MaxMatch = 12, RetryLimit = 9, FirstMode = 0, GreetingNodeNumber = 500",
                   "Stored settings of DBN 1 outside their range are shown as: GreetingNodeNumber "
                   "500 -> 1; FirstMode 0 -> Last Name; RetryLimit 9 -> 1; MaxMatch 12 -> 9."},
+             // A label longer than its box is told as one more item.
+             Case{1, "NodeDescription = 'Reception and the whole staff directory', Method = 7",
+                  "Stored settings of DBN 1 outside their range are shown as: NodeDescription "
+                  "\"Reception and the whole staff directory\" -> \"Reception and the whole "
+                  "staff \"; Method 7 -> Default Last Name."},
              Case{1, "MaxMatch = 0, PlayName = 3",
                   "Stored settings of DBN 1 outside their range are shown as: MaxMatch 0 -> "
                   "nothing; PlayName 3 -> Yes."},
@@ -78,7 +109,8 @@ TEST_F(LoadNotices, SettingsShownThroughAFallbackAreToldOnceAfterLoading) {
                   *c.told ? std::vector<std::string>{c.told} : std::vector<std::string>{})
             << c.stored;
         root.Exec(
-            "UPDATE Node_DBN SET Method = 1, PlayName = 1, MaxMatch = 3, RetryLimit = 1, "
+            "UPDATE Node_DBN SET NodeDescription = 'Staff directory', Method = 1, PlayName = 1, "
+            "MaxMatch = 3, RetryLimit = 1, "
             "FirstMode = 1, GreetingNodeNumber = 1, SecondLanguage = 2, "
             "DirectoryNodeNumber = 1" +
             Where(1, "NodeNumber", c.node));

@@ -9,6 +9,7 @@ namespace {
 
 TEST_F(SessionTest, OpensTheRequestedNodeWithTheSelectorOnItAndApplyDisabled) {
     root.Exec("UPDATE Node_DBN SET NodeNumber = NodeNumber * 4 - 1 WHERE NodeNumber > 0");
+    root.Exec("UPDATE Node_Type_Max SET Max_Number = 30 WHERE NodeType_ID = 15");
     bool hooked = false;
     Open(1, 3, [&](form::GUI& gui) {  // nodes 0, 3 and 7
         EXPECT_EQ(Entries(gui.cmbNode), "DBN 3(3) DBN 7(7)");
