@@ -23,6 +23,39 @@ std::vector<TableRows> ReadConfiguration(DatabaseEngine& source) {
     return tables;
 }
 
+// Refuses, before anything is written, a whole number that its column
+// cannot hold (a file made before the ranges were stated may hold one),
+// naming the table, the row's key and the column.
+void CheckRanges(const std::vector<TableRows>& rows) {
+    const auto& tables = ConfigurationSchema();
+    for (std::size_t t = 0; t < tables.size(); ++t) {
+        const SchemaTable& table = tables[t];
+        for (const auto& row : rows[t]) {
+            for (std::size_t c = 0; c < table.columns.size() && c < row.size(); ++c) {
+                const SchemaColumn& column = table.columns[c];
+                const auto* value = std::get_if<std::int64_t>(&row[c].Raw());
+                if (column.type != ColumnType::Integer || value == nullptr ||
+                    (*value >= column.low && *value <= column.high)) {
+                    continue;
+                }
+                std::string key;
+                for (std::size_t k = 0; k < table.columns.size() && k < row.size(); ++k) {
+                    if (table.columns[k].inPrimaryKey) {
+                        key += (key.empty() ? "" : ", ") + table.columns[k].name + " " +
+                               row[k].ToText();
+                    }
+                }
+                RaiseDatabaseError(kErrValueOutOfRange,
+                                   "Nothing was copied: the row (" + key + ") of " + table.name +
+                                       " holds " + std::to_string(*value) + " in " + column.name +
+                                       ", which takes whole numbers from " +
+                                       std::to_string(column.low) + " to " +
+                                       std::to_string(column.high) + ".");
+            }
+        }
+    }
+}
+
 bool HoldsConfigurationRows(DatabaseEngine& target) {
     const auto& tables = ConfigurationSchema();
     return std::any_of(tables.begin(), tables.end(), [&target](const SchemaTable& table) {
@@ -78,6 +111,7 @@ std::vector<CopiedTable> CopyConfiguration(const DatabaseTarget& from, const Dat
         auto source = ConnectEngine(from, kLockWait);
         rows = ReadConfiguration(*source);
     }
+    CheckRanges(rows);
     if (to.IsServer()) {
         CopyToServer(to.location, rows, existing);
     } else {

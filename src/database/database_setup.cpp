@@ -7,7 +7,10 @@
 #include "database/schema_sql.h"
 #include "database/sqlite_file_replacement.h"
 
+#include "database/data_location.h"
+
 #include <algorithm>
+#include <ctime>
 
 namespace dbn {
 namespace {
@@ -31,7 +34,42 @@ std::vector<TableRows> DemoContentRows() {
                        "The configuration database \"" + name + "\" already exists.");
 }
 
-void CreateOnServer(const std::string& conninfo, bool withDemoContent, ExistingDatabase existing) {
+// "NewDB-YYYYMMDD-HHMMSS.bak.mdb" in the database folder, for now.
+std::string DefaultServerBackup() {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    ::localtime_r(&now, &local);
+    char stamp[32];
+    std::strftime(stamp, sizeof stamp, "%Y%m%d-%H%M%S", &local);
+    return GetDatabaseFolder() + "NewDB-" + stamp + ".bak.mdb";
+}
+
+// Copies every configuration table the server has into a new SQLite file at
+// path (inside the server's open transaction, so that it is the state about
+// to be replaced).
+void WriteServerBackup(DatabaseEngine& server, const std::string& path) {
+    if (detail::IsExistingRegularFile(path)) {
+        RaiseExists(path);
+    }
+    std::vector<TableRows> rows;
+    for (const SchemaTable& table : ConfigurationSchema()) {
+        rows.push_back(server.HasTable(table) ? server.ReadTable(table) : TableRows{});
+    }
+    detail::SqliteFileReplacement backup(path);
+    backup.WriteNew([&rows](DatabaseEngine& file) {
+        file.BeginWrite();
+        file.CreateSchema();
+        const auto& tables = ConfigurationSchema();
+        for (std::size_t i = 0; i < tables.size(); ++i) {
+            file.AppendRows(tables[i], rows[i]);
+        }
+        file.Exec("COMMIT", "writing the backup");
+    });
+}
+
+std::optional<std::string> CreateOnServer(const std::string& conninfo, bool withDemoContent,
+                                          ExistingDatabase existing,
+                                          const std::optional<std::string>& backupPath) {
     auto server = ConnectPostgres(conninfo, kNoWait);
     try {
         server->BeginWrite();
@@ -49,6 +87,11 @@ void CreateOnServer(const std::string& conninfo, bool withDemoContent, ExistingD
     if (hasTables && existing == ExistingDatabase::Refuse) {
         RaiseExists(server->Name());
     }
+    std::optional<std::string> backup;
+    if (hasTables) {
+        backup = backupPath.value_or(DefaultServerBackup());
+        WriteServerBackup(*server, *backup);
+    }
     server->CreateSchema();
     if (withDemoContent) {
         const std::vector<TableRows> rows = DemoContentRows();
@@ -57,16 +100,16 @@ void CreateOnServer(const std::string& conninfo, bool withDemoContent, ExistingD
         }
     }
     server->Exec("COMMIT", "creating the configuration");
+    return backup;
 }
 
 }  // namespace
 
-std::optional<std::string> CreateConfigurationDatabase(const DatabaseTarget& target,
-                                                       bool withDemoContent,
-                                                       ExistingDatabase existing) {
+std::optional<std::string> CreateConfigurationDatabase(
+    const DatabaseTarget& target, bool withDemoContent, ExistingDatabase existing,
+    const std::optional<std::string>& serverBackup) {
     if (target.IsServer()) {
-        CreateOnServer(target.location, withDemoContent, existing);
-        return std::nullopt;
+        return CreateOnServer(target.location, withDemoContent, existing, serverBackup);
     }
     return CreateConfigurationDatabase(target.location, withDemoContent, existing);
 }

@@ -20,9 +20,14 @@ enum class ExistingDatabase { Refuse, Replace };
 // so a failure leaves no half-made database; a replaced file is kept as
 // PATH.bak, whose path is answered. A server database gets its tables in one
 // transaction.
-std::optional<std::string> CreateConfigurationDatabase(const DatabaseTarget& target,
-                                                       bool withDemoContent,
-                                                       ExistingDatabase existing);
+//
+// A server's configuration that is replaced is first copied whole into an
+// SQLite file, serverBackup or else NewDB-YYYYMMDD-HHMMSS.bak.mdb in the
+// data root's database folder, whose path is answered; a backup that cannot
+// be written replaces nothing.
+std::optional<std::string> CreateConfigurationDatabase(
+    const DatabaseTarget& target, bool withDemoContent, ExistingDatabase existing,
+    const std::optional<std::string>& serverBackup = std::nullopt);
 
 // The same for an SQLite file.
 std::optional<std::string> CreateConfigurationDatabase(const std::string& filePath,

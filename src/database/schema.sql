@@ -3,37 +3,41 @@
 -- and storage; type codes, descriptions, names and times are TEXT. The tables are
 -- STRICT: a value that does not convert to its column's type (an empty text for a
 -- number) fails the statement instead of being stored as it came.
+-- Value ranges, the same on both engines (the server's tables are made from
+-- this schema): key columns that are configuration, partition, node-type or
+-- node numbers are 16-bit, sequence numbers 32-bit, each stated by its CHECK;
+-- every other whole number is 64-bit.
 
 -- Node-type catalogue: the type code of every node type.
 CREATE TABLE SR_Node_Type_Names (
-    ID           INTEGER NOT NULL,
+    ID           INTEGER NOT NULL CHECK (ID BETWEEN -32768 AND 32767),
     English_Name TEXT,
     PRIMARY KEY (ID)
 ) STRICT;
 
 -- Which node types a node type may refer to, per rule set.
 CREATE TABLE SR_Node_Type_can_contain_Node_Type (
-    Parent_Node_Type_ID INTEGER NOT NULL,
-    Child_Node_Type_ID  INTEGER NOT NULL,
-    Set_ID              INTEGER NOT NULL,
+    Parent_Node_Type_ID INTEGER NOT NULL CHECK (Parent_Node_Type_ID BETWEEN -32768 AND 32767),
+    Child_Node_Type_ID  INTEGER NOT NULL CHECK (Child_Node_Type_ID BETWEEN -32768 AND 32767),
+    Set_ID              INTEGER NOT NULL CHECK (Set_ID BETWEEN -32768 AND 32767),
     PRIMARY KEY (Parent_Node_Type_ID, Child_Node_Type_ID, Set_ID)
 ) STRICT;
 
 -- Highest node number allowed per node type and partition.
 CREATE TABLE Node_Type_Max (
-    Config_ID   INTEGER NOT NULL,
-    PartitionID INTEGER NOT NULL,
-    NodeType_ID INTEGER NOT NULL,
+    Config_ID   INTEGER NOT NULL CHECK (Config_ID BETWEEN -32768 AND 32767),
+    PartitionID INTEGER NOT NULL CHECK (PartitionID BETWEEN -32768 AND 32767),
+    NodeType_ID INTEGER NOT NULL CHECK (NodeType_ID BETWEEN -32768 AND 32767),
     Max_Number  INTEGER,
     PRIMARY KEY (Config_ID, PartitionID, NodeType_ID)
 ) STRICT;
 
 -- One row per node of every type.
 CREATE TABLE Node_General_Pool (
-    ConfigID        INTEGER NOT NULL,
-    PartID          INTEGER NOT NULL,
-    NodeTypeID      INTEGER NOT NULL,
-    NodeNumber      INTEGER NOT NULL,
+    ConfigID        INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID          INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    NodeTypeID      INTEGER NOT NULL CHECK (NodeTypeID BETWEEN -32768 AND 32767),
+    NodeNumber      INTEGER NOT NULL CHECK (NodeNumber BETWEEN -32768 AND 32767),
     NodeType        TEXT,
     NodeDescription TEXT,
     DateModified    TEXT,
@@ -42,10 +46,10 @@ CREATE TABLE Node_General_Pool (
 
 -- Dial-by-name nodes.
 CREATE TABLE Node_DBN (
-    ConfigID                   INTEGER NOT NULL,
-    PartID                     INTEGER NOT NULL,
-    NodeTypeID                 INTEGER NOT NULL,
-    NodeNumber                 INTEGER NOT NULL,
+    ConfigID                   INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID                     INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    NodeTypeID                 INTEGER NOT NULL CHECK (NodeTypeID BETWEEN -32768 AND 32767),
+    NodeNumber                 INTEGER NOT NULL CHECK (NodeNumber BETWEEN -32768 AND 32767),
     NodeType                   TEXT,
     NodeDescription            TEXT,
     Method                     INTEGER,
@@ -118,24 +122,24 @@ CREATE TABLE Node_DBN (
 
 -- Numbered prompt rows of a dial-by-name node (NodeMasterID = its number).
 CREATE TABLE Detail_DBN_Prompts (
-    ConfigID         INTEGER NOT NULL,
-    PartID           INTEGER NOT NULL,
-    PromptNumber     INTEGER NOT NULL,
+    ConfigID         INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID           INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    PromptNumber     INTEGER NOT NULL CHECK (PromptNumber BETWEEN -32768 AND 32767),
     PromptNodeTypeID INTEGER,
     PromptNodeNumber INTEGER,
-    NodeMasterID     INTEGER NOT NULL,
+    NodeMasterID     INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     PromptNodeType   TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, PromptNumber)
 ) STRICT;
 
 -- Action rows of a dial-by-name node; the editor keeps actions in Node_DBN.
 CREATE TABLE Detail_DBN_Action (
-    ConfigID     INTEGER NOT NULL,
-    PartID       INTEGER NOT NULL,
-    SequenceNo   INTEGER NOT NULL,
+    ConfigID     INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID       INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    SequenceNo   INTEGER NOT NULL CHECK (SequenceNo BETWEEN -2147483648 AND 2147483647),
     NodeTypeID   INTEGER,
     NodeNumber   INTEGER,
-    NodeMasterID INTEGER NOT NULL,
+    NodeMasterID INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
 ) STRICT;
@@ -143,10 +147,10 @@ CREATE TABLE Detail_DBN_Action (
 -- Tables whose rows the editor copies when it creates a node from its template.
 
 CREATE TABLE Node_MSG (
-    ConfigID        INTEGER NOT NULL,
-    PartID          INTEGER NOT NULL,
-    NodeTypeID      INTEGER NOT NULL,
-    NodeNumber      INTEGER NOT NULL,
+    ConfigID        INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID          INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    NodeTypeID      INTEGER NOT NULL CHECK (NodeTypeID BETWEEN -32768 AND 32767),
+    NodeNumber      INTEGER NOT NULL CHECK (NodeNumber BETWEEN -32768 AND 32767),
     MaxLength       INTEGER,
     OnOff           INTEGER,
     DTMF            INTEGER,
@@ -165,31 +169,31 @@ CREATE TABLE Node_MSG (
 ) STRICT;
 
 CREATE TABLE Node_CMD (
-    ConfigID        INTEGER NOT NULL,
-    PartID          INTEGER NOT NULL,
-    NodeTypeID      INTEGER NOT NULL,
-    NodeNumber      INTEGER NOT NULL,
+    ConfigID        INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID          INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    NodeTypeID      INTEGER NOT NULL CHECK (NodeTypeID BETWEEN -32768 AND 32767),
+    NodeNumber      INTEGER NOT NULL CHECK (NodeNumber BETWEEN -32768 AND 32767),
     NodeType        TEXT,
     NodeDescription TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeTypeID, NodeNumber)
 ) STRICT;
 
 CREATE TABLE Detail_CMD (
-    ConfigID     INTEGER NOT NULL,
-    PartID       INTEGER NOT NULL,
-    SequenceNo   INTEGER NOT NULL,
+    ConfigID     INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID       INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    SequenceNo   INTEGER NOT NULL CHECK (SequenceNo BETWEEN -2147483648 AND 2147483647),
     NodeTypeID   INTEGER,
     NodeNumber   INTEGER,
-    NodeMasterID INTEGER NOT NULL,
+    NodeMasterID INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
 ) STRICT;
 
 CREATE TABLE Node_TIME (
-    ConfigID        INTEGER NOT NULL,
-    PartID          INTEGER NOT NULL,
-    NodeTypeID      INTEGER NOT NULL,
-    NodeNumber      INTEGER NOT NULL,
+    ConfigID        INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID          INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    NodeTypeID      INTEGER NOT NULL CHECK (NodeTypeID BETWEEN -32768 AND 32767),
+    NodeNumber      INTEGER NOT NULL CHECK (NodeNumber BETWEEN -32768 AND 32767),
     StartTime       TEXT,
     StopTime        TEXT,
     NodeType        TEXT,
@@ -198,21 +202,21 @@ CREATE TABLE Node_TIME (
 ) STRICT;
 
 CREATE TABLE Detail_TIME (
-    ConfigID     INTEGER NOT NULL,
-    PartID       INTEGER NOT NULL,
-    SequenceNo   INTEGER NOT NULL,
+    ConfigID     INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID       INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    SequenceNo   INTEGER NOT NULL CHECK (SequenceNo BETWEEN -2147483648 AND 2147483647),
     NodeTypeID   INTEGER,
     NodeNumber   INTEGER,
-    NodeMasterID INTEGER NOT NULL,
+    NodeMasterID INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
 ) STRICT;
 
 CREATE TABLE Node_DATE (
-    ConfigID        INTEGER NOT NULL,
-    PartID          INTEGER NOT NULL,
-    NodeTypeID      INTEGER NOT NULL,
-    NodeNumber      INTEGER NOT NULL,
+    ConfigID        INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID          INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    NodeTypeID      INTEGER NOT NULL CHECK (NodeTypeID BETWEEN -32768 AND 32767),
+    NodeNumber      INTEGER NOT NULL CHECK (NodeNumber BETWEEN -32768 AND 32767),
     Mode            INTEGER,
     StartDay        INTEGER,
     StopDay         INTEGER,
@@ -224,21 +228,21 @@ CREATE TABLE Node_DATE (
 ) STRICT;
 
 CREATE TABLE Detail_DATE (
-    ConfigID     INTEGER NOT NULL,
-    PartID       INTEGER NOT NULL,
-    SequenceNo   INTEGER NOT NULL,
+    ConfigID     INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID       INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    SequenceNo   INTEGER NOT NULL CHECK (SequenceNo BETWEEN -2147483648 AND 2147483647),
     NodeTypeID   INTEGER,
     NodeNumber   INTEGER,
-    NodeMasterID INTEGER NOT NULL,
+    NodeMasterID INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
 ) STRICT;
 
 CREATE TABLE Node_XFER (
-    ConfigID           INTEGER NOT NULL,
-    PartID             INTEGER NOT NULL,
-    NodeTypeID         INTEGER NOT NULL,
-    NodeNumber         INTEGER NOT NULL,
+    ConfigID           INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID             INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    NodeTypeID         INTEGER NOT NULL CHECK (NodeTypeID BETWEEN -32768 AND 32767),
+    NodeNumber         INTEGER NOT NULL CHECK (NodeNumber BETWEEN -32768 AND 32767),
     StyleNodeNumber    INTEGER,
     HoldNodeType       TEXT,
     HoldNodeNumber     INTEGER,
@@ -259,10 +263,10 @@ CREATE TABLE Node_XFER (
 ) STRICT;
 
 CREATE TABLE Node_DTMF (
-    ConfigID          INTEGER NOT NULL,
-    PartID            INTEGER NOT NULL,
-    NodeTypeID        INTEGER NOT NULL,
-    NodeNumber        INTEGER NOT NULL,
+    ConfigID          INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID            INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    NodeTypeID        INTEGER NOT NULL CHECK (NodeTypeID BETWEEN -32768 AND 32767),
+    NodeNumber        INTEGER NOT NULL CHECK (NodeNumber BETWEEN -32768 AND 32767),
     DTMFClear         INTEGER,
     NumberOfDigits    INTEGER,
     TerminatingDigit  TEXT,
@@ -284,33 +288,33 @@ CREATE TABLE Node_DTMF (
 ) STRICT;
 
 CREATE TABLE Detail_DTMF_Prompts (
-    ConfigID     INTEGER NOT NULL,
-    PartID       INTEGER NOT NULL,
-    SequenceNo   INTEGER NOT NULL,
+    ConfigID     INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID       INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    SequenceNo   INTEGER NOT NULL CHECK (SequenceNo BETWEEN -2147483648 AND 2147483647),
     NodeTypeID   INTEGER,
     NodeNumber   INTEGER,
-    NodeMasterID INTEGER NOT NULL,
+    NodeMasterID INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
 ) STRICT;
 
 CREATE TABLE Detail_DTMF_Action (
-    ConfigID           INTEGER NOT NULL,
-    PartID             INTEGER NOT NULL,
-    SequenceNo         INTEGER NOT NULL,
+    ConfigID           INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID             INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    SequenceNo         INTEGER NOT NULL CHECK (SequenceNo BETWEEN -2147483648 AND 2147483647),
     NodeTypeID         INTEGER,
     NodeNumber         INTEGER,
-    NodeMasterID       INTEGER NOT NULL,
+    NodeMasterID       INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     DTMFDigitCollected TEXT,
     NodeType           TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
 ) STRICT;
 
 CREATE TABLE Node_VOX (
-    ConfigID          INTEGER NOT NULL,
-    PartID            INTEGER NOT NULL,
-    NodeTypeID        INTEGER NOT NULL,
-    NodeNumber        INTEGER NOT NULL,
+    ConfigID          INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID            INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    NodeTypeID        INTEGER NOT NULL CHECK (NodeTypeID BETWEEN -32768 AND 32767),
+    NodeNumber        INTEGER NOT NULL CHECK (NodeNumber BETWEEN -32768 AND 32767),
     Beep              INTEGER,
     Threshold         INTEGER,
     Wait              INTEGER,
@@ -330,23 +334,23 @@ CREATE TABLE Node_VOX (
 ) STRICT;
 
 CREATE TABLE Detail_VOX_Prompts (
-    ConfigID     INTEGER NOT NULL,
-    PartID       INTEGER NOT NULL,
-    SequenceNo   INTEGER NOT NULL,
+    ConfigID     INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID       INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    SequenceNo   INTEGER NOT NULL CHECK (SequenceNo BETWEEN -2147483648 AND 2147483647),
     NodeTypeID   INTEGER,
     NodeNumber   INTEGER,
-    NodeMasterID INTEGER NOT NULL,
+    NodeMasterID INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
 ) STRICT;
 
 CREATE TABLE Detail_VOX_Action (
-    ConfigID         INTEGER NOT NULL,
-    PartID           INTEGER NOT NULL,
-    SequenceNo       INTEGER NOT NULL,
+    ConfigID         INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID           INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    SequenceNo       INTEGER NOT NULL CHECK (SequenceNo BETWEEN -2147483648 AND 2147483647),
     NodeTypeID       INTEGER,
     NodeNumber       INTEGER,
-    NodeMasterID     INTEGER NOT NULL,
+    NodeMasterID     INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     PromptNodeType   TEXT,
     PromptNodeNumber INTEGER,
     NodeType         TEXT,
@@ -355,10 +359,10 @@ CREATE TABLE Detail_VOX_Action (
 ) STRICT;
 
 CREATE TABLE Node_LIST (
-    ConfigID        INTEGER NOT NULL,
-    PartID          INTEGER NOT NULL,
-    NodeTypeID      INTEGER NOT NULL,
-    NodeNumber      INTEGER NOT NULL,
+    ConfigID        INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID          INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    NodeTypeID      INTEGER NOT NULL CHECK (NodeTypeID BETWEEN -32768 AND 32767),
+    NodeNumber      INTEGER NOT NULL CHECK (NodeNumber BETWEEN -32768 AND 32767),
     ListMode        INTEGER,
     NodeType        TEXT,
     NodeDescription TEXT,
@@ -366,21 +370,21 @@ CREATE TABLE Node_LIST (
 ) STRICT;
 
 CREATE TABLE Detail_LIST (
-    ConfigID     INTEGER NOT NULL,
-    PartID       INTEGER NOT NULL,
-    SequenceNo   INTEGER NOT NULL,
+    ConfigID     INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID       INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    SequenceNo   INTEGER NOT NULL CHECK (SequenceNo BETWEEN -2147483648 AND 2147483647),
     NodeTypeID   INTEGER,
     NodeNumber   INTEGER,
-    NodeMasterID INTEGER NOT NULL,
+    NodeMasterID INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
 ) STRICT;
 
 CREATE TABLE Node_AUTO (
-    ConfigID          INTEGER NOT NULL,
-    PartID            INTEGER NOT NULL,
-    NodeTypeID        INTEGER NOT NULL,
-    NodeNumber        INTEGER NOT NULL,
+    ConfigID          INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID            INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    NodeTypeID        INTEGER NOT NULL CHECK (NodeTypeID BETWEEN -32768 AND 32767),
+    NodeNumber        INTEGER NOT NULL CHECK (NodeNumber BETWEEN -32768 AND 32767),
     NumberOfDigits    INTEGER,
     TerminatingDigit  TEXT,
     SelectionTimeout  INTEGER,
@@ -407,23 +411,23 @@ CREATE TABLE Node_AUTO (
 ) STRICT;
 
 CREATE TABLE Detail_AUTO_Prompts (
-    ConfigID     INTEGER NOT NULL,
-    PartID       INTEGER NOT NULL,
-    SequenceNo   INTEGER NOT NULL,
+    ConfigID     INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID       INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    SequenceNo   INTEGER NOT NULL CHECK (SequenceNo BETWEEN -2147483648 AND 2147483647),
     NodeTypeID   INTEGER,
     NodeNumber   INTEGER,
-    NodeMasterID INTEGER NOT NULL,
+    NodeMasterID INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
 ) STRICT;
 
 CREATE TABLE Detail_AUTO_Action (
-    ConfigID      INTEGER NOT NULL,
-    PartID        INTEGER NOT NULL,
-    SequenceNo    INTEGER NOT NULL,
+    ConfigID      INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID        INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    SequenceNo    INTEGER NOT NULL CHECK (SequenceNo BETWEEN -2147483648 AND 2147483647),
     NodeTypeID    INTEGER,
     NodeNumber    INTEGER,
-    NodeMasterID  INTEGER NOT NULL,
+    NodeMasterID  INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     DTMFRangeLow  INTEGER,
     DTMFRangeHigh INTEGER,
     NodeType      TEXT,
@@ -431,10 +435,10 @@ CREATE TABLE Detail_AUTO_Action (
 ) STRICT;
 
 CREATE TABLE Node_PAAS (
-    ConfigID        INTEGER NOT NULL,
-    PartID          INTEGER NOT NULL,
-    NodeTypeID      INTEGER NOT NULL,
-    NodeNumber      INTEGER NOT NULL,
+    ConfigID        INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID          INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    NodeTypeID      INTEGER NOT NULL CHECK (NodeTypeID BETWEEN -32768 AND 32767),
+    NodeNumber      INTEGER NOT NULL CHECK (NodeNumber BETWEEN -32768 AND 32767),
     Card            INTEGER,
     Line            INTEGER,
     Priority        INTEGER,
@@ -445,21 +449,21 @@ CREATE TABLE Node_PAAS (
 ) STRICT;
 
 CREATE TABLE Detail_PAAS (
-    ConfigID     INTEGER NOT NULL,
-    PartID       INTEGER NOT NULL,
-    SequenceNo   INTEGER NOT NULL,
+    ConfigID     INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID       INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    SequenceNo   INTEGER NOT NULL CHECK (SequenceNo BETWEEN -2147483648 AND 2147483647),
     NodeTypeID   INTEGER,
     NodeNumber   INTEGER,
-    NodeMasterID INTEGER NOT NULL,
+    NodeMasterID INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     NodeType     TEXT,
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
 ) STRICT;
 
 CREATE TABLE Node_TABLE (
-    ConfigID           INTEGER NOT NULL,
-    PartID             INTEGER NOT NULL,
-    NodeTypeID         INTEGER NOT NULL,
-    NodeNumber         INTEGER NOT NULL,
+    ConfigID           INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID             INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    NodeTypeID         INTEGER NOT NULL CHECK (NodeTypeID BETWEEN -32768 AND 32767),
+    NodeNumber         INTEGER NOT NULL CHECK (NodeNumber BETWEEN -32768 AND 32767),
     Mode               INTEGER,
     Reference          TEXT,
     InvalidNodeType    TEXT,
@@ -474,23 +478,23 @@ CREATE TABLE Node_TABLE (
 ) STRICT;
 
 CREATE TABLE Detail_TABLE_Action (
-    ConfigID     INTEGER NOT NULL,
-    PartID       INTEGER NOT NULL,
-    SequenceNo   INTEGER NOT NULL,
+    ConfigID     INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID       INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    SequenceNo   INTEGER NOT NULL CHECK (SequenceNo BETWEEN -2147483648 AND 2147483647),
     NodeType     TEXT,
     NodeNumber   INTEGER,
     NodeTypeID   INTEGER,
     StartRange   INTEGER,
     EndRange     INTEGER,
-    NodeMasterID INTEGER NOT NULL,
+    NodeMasterID INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
 ) STRICT;
 
 CREATE TABLE Node_DIR (
-    ConfigID             INTEGER NOT NULL,
-    PartID               INTEGER NOT NULL,
-    NodeTypeID           INTEGER NOT NULL,
-    NodeNumber           INTEGER NOT NULL,
+    ConfigID             INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID               INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    NodeTypeID           INTEGER NOT NULL CHECK (NodeTypeID BETWEEN -32768 AND 32767),
+    NodeNumber           INTEGER NOT NULL CHECK (NodeNumber BETWEEN -32768 AND 32767),
     AccessCode           TEXT,
     UsePasswords         INTEGER,
     NodeType             TEXT,
@@ -500,14 +504,14 @@ CREATE TABLE Node_DIR (
 ) STRICT;
 
 CREATE TABLE Detail_DIR (
-    ConfigID     INTEGER NOT NULL,
-    PartID       INTEGER NOT NULL,
-    SequenceNo   INTEGER NOT NULL,
+    ConfigID     INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID       INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    SequenceNo   INTEGER NOT NULL CHECK (SequenceNo BETWEEN -2147483648 AND 2147483647),
     LastName     TEXT,
     FirstName    TEXT,
     Extension    TEXT,
     NamePrompt   TEXT,
     "Password"     TEXT,
-    NodeMasterID INTEGER NOT NULL,
+    NodeMasterID INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
 ) STRICT;

@@ -66,6 +66,12 @@ std::vector<SchemaTable> ParseSchema(const std::string& sql) {
                           : type.starts_with("REAL")  ? ColumnType::Real
                                                       : ColumnType::Text;
             column.notNull = line.find("NOT NULL") != std::string::npos;
+            // "CHECK (name BETWEEN low AND high)": the column's range.
+            if (const auto between = line.find(" BETWEEN "); between != std::string::npos) {
+                std::stringstream range(line.substr(between + 9));
+                std::string andWord;
+                range >> column.low >> andWord >> column.high;
+            }
             tables.back().columns.push_back(std::move(column));
         }
     }
@@ -108,7 +114,15 @@ const SchemaTable* FindSchemaTable(const std::string& tableName) {
 std::string PostgresColumnType(const SchemaColumn& column) {
     switch (column.type) {
         case ColumnType::Integer:
-            return column.inPrimaryKey ? "smallint" : "bigint";
+            if (column.low >= std::numeric_limits<std::int16_t>::min() &&
+                column.high <= std::numeric_limits<std::int16_t>::max()) {
+                return "smallint";
+            }
+            if (column.low >= std::numeric_limits<std::int32_t>::min() &&
+                column.high <= std::numeric_limits<std::int32_t>::max()) {
+                return "integer";
+            }
+            return "bigint";
         case ColumnType::Real:
             return "double precision";
         case ColumnType::Text:

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -12,6 +14,10 @@ struct SchemaColumn {
     ColumnType type = ColumnType::Text;
     bool notNull = false;
     bool inPrimaryKey = false;
+    // The whole numbers a column of type Integer accepts (its CHECK, else
+    // 64-bit).
+    std::int64_t low = std::numeric_limits<std::int64_t>::min();
+    std::int64_t high = std::numeric_limits<std::int64_t>::max();
 };
 
 struct SchemaTable {
@@ -30,8 +36,8 @@ const std::vector<SchemaTable>& ConfigurationSchema();
 // The table of that name (compared without regard to case), or nullptr.
 const SchemaTable* FindSchemaTable(const std::string& tableName);
 
-// The PostgreSQL type of a column: key columns are 16-bit (smallint), other
-// whole numbers 64-bit like SQLite's INTEGER (bigint).
+// The PostgreSQL type of a column: whole numbers by their range, 16-bit
+// (smallint), 32-bit (integer) or 64-bit like SQLite's INTEGER (bigint).
 std::string PostgresColumnType(const SchemaColumn& column);
 
 // CREATE TABLE statements of every configuration table for PostgreSQL, with

@@ -2,8 +2,10 @@
 // value exactly, and the server's tables the same as the file's schema.
 
 #include "database/configuration_copy.h"
+#include "database/data_location.h"
 #include "database/database_engine.h"
 #include "database/database_errors.h"
+#include "database/database_setup.h"
 #include "error_of.h"
 #include "temp_database.h"
 
@@ -101,8 +103,46 @@ TEST_F(Copy, FileToServerAndBackLeavesIdenticalContentWithEveryKindOfValue) {
     }
 }
 
+// init --force on a server first keeps the configuration it replaces in an
+// SQLite file (named, or in the database folder), from which copy puts it
+// back.
+TEST_F(Copy, ReplacingAServersConfigurationKeepsItInAFileThatCopyPutsBack) {
+    TempDataRoot root;
+    ScratchServerDatabase scratch;
+    const DatabaseTarget server = DatabaseTarget::Server(scratch.Uri());
+    CreateConfigurationDatabase(server, true, ExistingDatabase::Refuse);
+    testing::PgExec(testing::ConnectTo(scratch.Uri()).get(),
+                    "UPDATE Node_DBN SET NodeDescription = 'Kept' WHERE NodeNumber = 1");
+    const std::vector<TableRows> before = Dump(server);
+
+    const std::string named = root.Root() + "/before-init.mdb";
+    EXPECT_EQ(CreateConfigurationDatabase(server, false, ExistingDatabase::Replace, named), named);
+    ExpectSameContent(before, Dump(DatabaseTarget::SqliteFile(named)));
+    EXPECT_TRUE(Dump(server)[0].empty());
+
+    // Without a name: a time-stamped file in the database folder.
+    const std::optional<std::string> stamped =
+        CreateConfigurationDatabase(server, true, ExistingDatabase::Replace);
+    ASSERT_TRUE(stamped.has_value());
+    const std::string name = std::filesystem::path(*stamped).filename().string();
+    EXPECT_EQ(std::filesystem::path(*stamped).parent_path().string() + "/", GetDatabaseFolder());
+    EXPECT_TRUE(name.starts_with("NewDB-") && name.ends_with(".bak.mdb") && name.size() == 29)
+        << name;
+    EXPECT_TRUE(std::filesystem::exists(*stamped));
+
+    CopyConfiguration(DatabaseTarget::SqliteFile(named), server, ExistingDatabase::Replace);
+    ExpectSameContent(before, Dump(server));
+    // A backup that cannot be written replaces nothing.
+    EXPECT_EQ(ErrorOf([&] {
+                  CreateConfigurationDatabase(server, false, ExistingDatabase::Replace, named);
+              }).Number(),
+              kErrDatabaseExists);
+    ExpectSameContent(before, Dump(server));
+}
+
 // The server's tables are made from the file's schema: same tables, columns
-// in the same order, the same keys and NOT NULL rules; 16-bit keys.
+// in the same order, the same keys and NOT NULL rules, the same ranges:
+// 16-bit keys, 32-bit sequence numbers.
 TEST_F(Copy, TheServersTablesMatchTheSchemaOfTheFile) {
     ScratchServerDatabase server;
     CopyConfiguration(DatabaseTarget::SqliteFile(TempDataRoot().DatabasePath()),
@@ -130,8 +170,10 @@ TEST_F(Copy, TheServersTablesMatchTheSchemaOfTheFile) {
             for (char& c : name) {
                 c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
             }
+            // The range the file's CHECK states, as the server's type.
             const char* type = column.type == ColumnType::Text ? "text"
-                               : column.inPrimaryKey           ? "smallint"
+                               : column.high == 32767          ? "smallint"
+                               : column.high == 2147483647     ? "integer"
                                                                : "bigint";
             expected += name + " " + type + " " + (column.notNull ? "NO" : "YES") + " " +
                         (column.inPrimaryKey ? "t" : "f") + " ";
