@@ -40,4 +40,14 @@ DatabaseTarget ResolveDatabaseTarget();
 // connection string without any password.
 std::string DisplayName(const DatabaseTarget& target);
 
+// Why libpq cannot read a server connection string (its own words, any
+// password in it hidden), or std::nullopt when it reads it.
+std::optional<std::string> ConnectionStringProblem(const std::string& conninfo);
+
+// The text with any password that conninfo holds replaced by "****".
+std::string WithoutPassword(std::string text, const std::string& conninfo);
+
+// True when a server target carries its password in the connection string.
+bool HasPassword(const DatabaseTarget& target);
+
 }  // namespace dbn

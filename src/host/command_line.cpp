@@ -2,6 +2,7 @@
 // arguments with QCommandLineParser, --help, --version and the exit codes.
 #include "database/data_location.h"
 #include "database/database_target.h"
+#include "database/temporary_files.h"
 #include "host/host_command.h"
 
 #include <QCommandLineParser>
@@ -191,6 +192,12 @@ void ApplyCommonOptions(const CommandArgs& args) {
             throw UsageError("--database TARGET must name a server or an SQLite file");
         }
         SetDatabaseOverride(*target);
+        // The command line is visible to every user of the machine.
+        if (HasPassword(ParseDatabaseTarget(*target))) {
+            std::cerr << "dbn-node-editor: warning: the password given in --database can be read "
+                         "by other users of this machine in the process list; keep it in "
+                         "~/.pgpass or PGPASSWORD instead.\n";
+        }
     }
 }
 
@@ -272,6 +279,8 @@ int RunProgram(const std::vector<std::string>& args) {
             return kExitOk;
         }
         ApplyCommonOptions(parsed);
+        SetDatabaseNoticeHandler(
+            [](const std::string& text) { std::cerr << kProgram << ": " << text << "\n"; });
         return command->run(parsed);
     } catch (const UsageError& error) {
         std::cerr << kProgram << ": " << error.what() << "\n";

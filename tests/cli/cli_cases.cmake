@@ -39,6 +39,19 @@ expect(STATUS 0 OUT "usage: dbn-node-editor play \\[--data-root DIR\\] \\[--data
 expect(STATUS 0 OUT "--screenshot FILE  write a picture" ARGS edit --help)
 expect(STATUS 0 OUT "^[^\n]*/Corvell/Sonavis\\+/Database/NewDB.mdb\n$" ARGS init --data-root ${root})
 expect(STATUS 0 OUT "^${root}/Corvell/Sonavis\\+/Database/NewDB.mdb\n$" ARGS where --data-root ${root})
+# A pipe as the database is refused at once by every command, never opened
+# (a read of it would wait for ever).
+execute_process(COMMAND mkfifo ${WORK}/pipe.mdb)
+set(pipe_refused "^dbn-node-editor: The configuration database ${WORK}/pipe.mdb is a pipe, not a regular file.\n$")
+expect(STATUS 1 ERR "${pipe_refused}" ARGS check --database ${WORK}/pipe.mdb 1 1 1)
+expect(STATUS 1 ERR "${pipe_refused}" ARGS copy ${WORK}/pipe.mdb ${WORK}/copied.mdb)
+expect(STATUS 1 ERR "${pipe_refused}" ARGS copy ${root}/Corvell/Sonavis+/Database/NewDB.mdb ${WORK}/pipe.mdb)
+expect(STATUS 1 ERR "${pipe_refused}" ARGS init --force --database ${WORK}/pipe.mdb)
+
+# A password inside --database works, is warned about once, and never shown.
+expect(STATUS 0 OUT "^user=u dbname=db host=/nonexistent\n$"
+  ERR "^dbn-node-editor: warning: the password given in --database can be read by other users of this machine in the process list; keep it in ~/.pgpass or PGPASSWORD instead.\n$"
+  ARGS where --database "postgresql://u:Sesame@/db?host=/nonexistent")
 expect(STATUS 2
   ERR "^dbn-node-editor: NODE must be a whole number from -32768 to 32767, not \"70000\"\n$"
   ARGS edit --data-root ${root} 1 2 70000)
