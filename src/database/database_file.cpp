@@ -2,6 +2,7 @@
 
 #include "core/component_error.h"
 #include "database/database_errors.h"
+#include "database/sqlite_file_replacement.h"
 
 #include <sqlite3.h>
 
@@ -50,6 +51,12 @@ void CheckDatabaseFile(const std::string& path) {
     if (status.type() == fs::file_type::directory) {
         RaiseDatabaseError(kErrDatabaseIsDirectory, "The configuration database " + Quoted(path) +
                                                         " is a folder, not a database file.");
+    }
+
+    // A pipe, socket or device is refused before it is opened: reading one
+    // would wait for ever.
+    if (status.type() != fs::file_type::regular) {
+        detail::IsExistingRegularFile(path);
     }
 
     std::array<char, 100> header{};

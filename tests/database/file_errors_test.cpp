@@ -7,6 +7,10 @@
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
@@ -71,6 +75,26 @@ TEST(DatabaseFile, FilesThatAreNoConfigurationDatabaseSaySoAndNothingIsCreated) 
     fs::remove(path);
     fs::create_directory(path);
     ExpectError(FirstCommandError(path), kErrDatabaseIsDirectory, path, "is a folder");
+}
+
+// A pipe, a socket or a device is refused at once, never opened (reading a
+// pipe would wait for ever).
+TEST(DatabaseFile, APipeASocketOrADeviceIsRefusedAtOnce) {
+    TempDataRoot root;
+    const std::string pipe = root.Root() + "/pipe.mdb";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const std::string socketPath = root.Root() + "/socket.mdb";
+    const int listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    socketPath.copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(::bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    for (const auto& [path, kind] : {std::pair{pipe, "a pipe"}, std::pair{socketPath, "a socket"},
+                                     std::pair{std::string("/dev/null"), "a device"}}) {
+        ExpectError(FirstCommandError(path), kErrDatabaseNotRegularFile, path,
+                    std::string(kind) + ", not a regular file");
+    }
+    ::close(listener);
 }
 
 TEST(DatabaseFile, LockedByAnotherProgramAfterTheTimeOut) {
