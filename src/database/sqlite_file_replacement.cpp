@@ -2,6 +2,7 @@
 
 #include "core/component_error.h"
 #include "database/database_errors.h"
+#include "database/temporary_files.h"
 
 #include <unistd.h>
 
@@ -117,8 +118,12 @@ void SqliteFileReplacement::WriteNew(const std::function<void(DatabaseEngine&)>&
     const fs::path target(path_);
     CreateFolders(target.parent_path(), path_);
     const std::string temporary = path_ + ".new-" + std::to_string(::getpid());
+    for (const std::string& removed : RemoveStaleTemporaries(path_)) {
+        DatabaseNotice(removed);
+    }
     std::error_code error;
     fs::remove(temporary, error);
+    const TemporaryFileGuard guard(temporary);
     try {
         {
             std::unique_ptr<DatabaseEngine> fresh;
