@@ -1,6 +1,7 @@
 #include "qt/node_list_window.h"
 
 #include "core/component_error.h"
+#include "database/database.h"
 #include "qt/directory_check_window.h"
 #include "session/directory_check.h"
 
@@ -16,6 +17,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QTableWidget>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <set>
@@ -94,6 +96,18 @@ NodeListWindow::NodeListWindow(DataBase& db, std::string databasePath, OpenNode 
     connect(filter_, &QLineEdit::returnPressed, this, [this] { OpenSelected(); });
     resize(760, 420);
     Refresh();
+    // A database this process may not change: told once the list shows, and
+    // in the title for as long as it does.
+    try {
+        if (const std::optional<std::string> notice = db.ReadOnlyNotice()) {
+            setWindowTitle(windowTitle() + QStringLiteral(" (read-only)"));
+            QTimer::singleShot(0, this, [this, text = Text(*notice)] {
+                QMessageBox::information(this, QStringLiteral("Information"), text);
+            });
+        }
+    } catch (const ComponentError&) {
+        // The list has told the database's failure already.
+    }
 }
 
 NodeListWindow::~NodeListWindow() = default;
