@@ -186,8 +186,6 @@ TEST_F(HostileDatabase, DamagedStoredValuesAreNamedAndNothingIsWritten) {
                                             "pragma_table_info('Node_DBN') WHERE pk = 0") +
                                         node;
     const Damage cases[] = {
-        {"UPDATE Node_DBN SET Confirm = 1, MaxMatch = 0", true, "", "MaxMatch"},
-        {"UPDATE Node_DBN SET Confirm = 1, MaxMatch = -3", true, "", "MaxMatch"},
         {everyColumnNull, false, kLoadData},
         {"UPDATE Node_DBN SET GreetingNodeType = 'BOGUS'" + node, false, kLoadData},
         {"UPDATE Node_DBN SET AbortNodeType = 'BOGUS', AbortNodeTypeID = 555" + node, false,
@@ -204,7 +202,8 @@ TEST_F(HostileDatabase, DamagedStoredValuesAreNamedAndNothingIsWritten) {
 }
 
 // Stored values beyond every range load with their fallbacks, and a save
-// writes only values the editor reads back the same way.
+// writes only values the editor reads back the same way; a label longer than
+// the box is kept whole.
 TEST_F(HostileDatabase, OutOfRangeValuesLoadWithFallbacksAndSaveInRange) {
     const std::string node = " FROM Node_DBN WHERE PartID = 2 AND NodeNumber = 5";
     root.Exec(
@@ -217,13 +216,15 @@ TEST_F(HostileDatabase, OutOfRangeValuesLoadWithFallbacksAndSaveInRange) {
     Edit(2, 5, [&](form::GUI& gui) {
         // Told once which stored settings are shown otherwise.
         EXPECT_EQ(BoxTexts("Information"),
-                  "Stored settings of DBN 5 outside their range are shown as: Method -1 -> "
-                  "Default Last Name; DirectoryNodeNumber -1 -> 1; FirstLanguage -1 -> None; "
-                  "SecondLanguage 7 -> None; GreetingNodeNumber -5 -> 1; FirstMode -1 -> Last "
-                  "Name; FirstMinDigits -3 -> 3; FirstMaxDigits 10 -> 5; SecondMode 9 -> None; "
-                  "SecondMinDigits -1 -> 1; TimeoutNodeNumber 32767 -> 1; DigitTimeout -1 -> "
-                  "10; SelectionTimeout -61 -> 5; RetryLimit 99 -> 1; MaxMatch 50 -> 9; "
-                  "PlayName -1 -> Yes.");
+                  "Stored settings of DBN 5 outside their range are shown as: NodeDescription \"" +
+                      std::string(200, 'd') + "\" -> \"" + std::string(30, 'd') +
+                      "\"; Method -1 -> "
+                      "Default Last Name; DirectoryNodeNumber -1 -> 1; FirstLanguage -1 -> None; "
+                      "SecondLanguage 7 -> None; GreetingNodeNumber -5 -> 1; FirstMode -1 -> Last "
+                      "Name; FirstMinDigits -3 -> 3; FirstMaxDigits 10 -> 5; SecondMode 9 -> None; "
+                      "SecondMinDigits -1 -> 1; TimeoutNodeNumber 32767 -> 1; DigitTimeout -1 -> "
+                      "10; SelectionTimeout -61 -> 5; RetryLimit 99 -> 1; MaxMatch 50 -> 9; "
+                      "PlayName -1 -> Yes.");
         services.boxes.clear();
         const std::pair<form::ListControl*, const char*> shown[] = {
             {&gui.cmbMaxMatches, "9"},         {&gui.cmbDigitTimeOut, "10"},
@@ -253,10 +254,11 @@ TEST_F(HostileDatabase, OutOfRangeValuesLoadWithFallbacksAndSaveInRange) {
                              "DirectoryNodeNumber || ' ' || Method || ' ' || length("
                              "NodeDescription)" +
                              node),
-              "9 10 5 1 3 1 1 30");
+              "9 10 5 1 3 1 1 200");
+    // The label the operator did not touch is written back whole.
     EXPECT_EQ(root.QueryText("SELECT NodeDescription FROM Node_General_Pool WHERE PartID = 2 AND "
                              "NodeTypeID = 15 AND NodeNumber = 5"),
-              std::string(30, 'd'));
+              std::string(200, 'd'));
 }
 
 // Runs the editor as a user who may not write the file: in a child process,
