@@ -166,8 +166,9 @@ TEST_F(ReferencedCheck, AFailedLookUpIsNotAMissingNode) {
         EXPECT_FALSE(Rules(gui).SaveChanges(5));
         root.Exec("ALTER TABLE Pool_Elsewhere RENAME TO Node_General_Pool");
     });
+    // (On the server the save's first look at the tables finds it.)
     ASSERT_EQ(services.boxes.size(), 1u) << ::testing::PrintToString(services.TakeBoxTexts());
-    EXPECT_NE(services.boxes[0].text.find(" - CheckForUnReferencedNodes \r\n"), std::string::npos);
+    EXPECT_EQ(services.boxes[0].title, "Error");
     EXPECT_TRUE(services.confirmations.empty());
     EXPECT_NE(NodeColumn("AbortNodeNumber", 2, 5), "12");
 }
