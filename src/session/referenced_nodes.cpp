@@ -4,6 +4,7 @@
 
 #include "core/component_error.h"
 #include "core/node_types.h"
+#include "database/database_errors.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "form/list_rows.h"
@@ -153,7 +154,7 @@ void Business_Rules::CheckForUnReferencedNodes() {
     auto exists = [&](const std::string& typeID, const std::string& number) {
         return session::NodeExists(db_, gui.ConfigID(), gui.PartitionID(), typeID, number);
     };
-    checkFailed_ = !form::RunTrapped(services_, "CheckForUnReferencedNodes", [&] {
+    auto check = [&] {
         const CommitOnError commitOnError(copies);
         gui.StatusBar1.SetPanelText("Checking for non-existing nodes. Please wait...");
         services_.DoEvents();
@@ -245,6 +246,17 @@ void Business_Rules::CheckForUnReferencedNodes() {
             } else if (answer == form::kConfirmCancel || answer == 0) {
                 break;
             }
+        }
+    };
+    // A failure of the database (not of the form's own state) stops the save
+    // that runs the check.
+    checkFailed_ = false;
+    form::RunTrapped(services_, "CheckForUnReferencedNodes", [&] {
+        try {
+            check();
+        } catch (const ComponentError& error) {
+            checkFailed_ = error.Source() == kDatabaseSource || error.Source() == kServerSource;
+            throw;
         }
     });
     // A save goes on in the group's transaction, so that the copies and the

@@ -288,14 +288,17 @@ TEST_F(HostileDatabase, AReadOnlyFileOpensAndRefusesTheSaveKeepingTheEdit) {
             Press(gui.cmdApply);
             applyStays = gui.cmdApply.Enabled() && gui.txtDescription.Text() == "Edited label";
         });
-        std::fprintf(stderr, "shown=%d applyStays=%d boxes=%zu %s\n", run.shown, applyStays,
-                     services.boxes.size(), BoxTexts("Error").c_str());
+        std::fprintf(stderr, "shown=%d applyStays=%d boxes=%zu %s%s\n", run.shown, applyStays,
+                     services.boxes.size(), BoxTexts("Error").c_str(),
+                     BoxTexts("Information").c_str());
         std::_Exit(0);
     };
     EXPECT_EXIT(operate(), ::testing::ExitedWithCode(0),
-                "shown=1 applyStays=1 boxes=1 Source: SQLite - SaveChanges \r\nDescription: The "
-                "configuration database \".*NewDB.mdb\" cannot be written: the file or its "
-                "folder is read-only.");
+                // Told when the editor opens, and Apply refuses in the same words.
+                "shown=1 applyStays=1 boxes=2 The configuration database \".*NewDB.mdb\" is open "
+                "read-only: nobody may read it but not change it. Changes cannot be saved. \\| "
+                "The configuration database \".*NewDB.mdb\" is open read-only: nobody may read "
+                "it but not change it. Changes cannot be saved.");
     fs::permissions(folder, perms::owner_all);
     EXPECT_TRUE(SavedTables() == before) << "the file changed";
 }
