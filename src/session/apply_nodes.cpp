@@ -22,7 +22,6 @@ namespace {
 using nodetext::FieldChange;
 using nodetext::FieldKind;
 using nodetext::FieldSpec;
-using nodetext::StoredRef;
 using nodetext::TextNode;
 using nodetext::Value;
 
@@ -41,13 +40,13 @@ std::string Prefix(std::size_t index) {
     return "nodes[" + std::to_string(index) + "]";
 }
 
-bool SameTarget(const StoredRef& a, const StoredRef& b) {
+bool SameTarget(const nodetext::StoredRef& a, const nodetext::StoredRef& b) {
     return a.type == b.type && a.number == b.number;
 }
 
 // The file's references take the stored type ID when they name the same
 // target as before, else the catalogue's ID of their code.
-StoredRef Resolved(StoredRef ref, const StoredRef& before, const PartitionTargets& targets) {
+nodetext::StoredRef Resolved(nodetext::StoredRef ref, const nodetext::StoredRef& before, const PartitionTargets& targets) {
     if (SameTarget(ref, before)) {
         ref.typeID = before.typeID;
     } else if (auto id = targets.TypeID(nodetext::ValueText(ref.type))) {
@@ -70,7 +69,7 @@ TextNode Merged(const TextNode& base, const TextNode& file, const PartitionTarge
             merged.prompts.clear();
             for (std::size_t i = 0; i < file.prompts.size(); ++i) {
                 merged.prompts.push_back(Resolved(
-                    file.prompts[i], i < base.prompts.size() ? base.prompts[i] : StoredRef{},
+                    file.prompts[i], i < base.prompts.size() ? base.prompts[i] : nodetext::StoredRef{},
                     targets));
             }
         } else {
@@ -197,7 +196,7 @@ public:
     }
 
 private:
-    void CheckTarget(const std::string& path, nodetext::TargetRole role, const StoredRef& ref) {
+    void CheckTarget(const std::string& path, nodetext::TargetRole role, const nodetext::StoredRef& ref) {
         if (auto refusal = targets_.Refusal(role, ref)) {
             Fail(path + refusal->first, refusal->second);
         }
@@ -217,7 +216,7 @@ std::string Lower(std::string text) {
 }
 
 void Gather(std::vector<RequiredNode>& required, std::set<std::string>& keys,
-            const StoredRef& ref) {
+            const nodetext::StoredRef& ref) {
     if (std::holds_alternative<std::monostate>(ref.type)) {
         return;
     }

@@ -5,14 +5,15 @@
 #include "database/database.h"
 #include "session/load_helpers.h"
 #include "session/modification_time.h"
+#include "nodetext/text_form.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace dbn::session {
 
 namespace {
 
-using nodetext::StoredRef;
 using nodetext::TextNode;
 using nodetext::Value;
 
@@ -32,6 +33,25 @@ Value StoredValue(const FieldValue& field) {
         return *text;
     }
     return Value{};
+}
+
+// The Node_DBN columns the text form shows and a write needs, by the names
+// the text form uses (a server answers with its own letter case).
+const std::vector<std::string>& StoredColumns() {
+    static const std::vector<std::string> columns = [] {
+        std::vector<std::string> names;
+        for (const nodetext::FieldSpec& spec : nodetext::Fields()) {
+            if (spec.kind == nodetext::FieldKind::Target) {
+                for (const char* suffix : {"NodeType", "NodeNumber", "NodeTypeID"}) {
+                    names.push_back(spec.column + suffix);
+                }
+            } else if (spec.kind != nodetext::FieldKind::Prompts) {
+                names.push_back(spec.column);
+            }
+        }
+        return names;
+    }();
+    return columns;
 }
 
 void ReadPrompts(DataBase& db, const std::string& config, const std::string& partition,
@@ -89,7 +109,7 @@ std::map<std::int64_t, TextNode> ReadStoredNodes(
             if (only && std::find(only->begin(), only->end(), node.number) == only->end()) {
                 continue;
             }
-            for (const std::string& column : rows.Columns()) {
+            for (const std::string& column : StoredColumns()) {
                 node.columns[column] = StoredValue(rows.Field(column));
             }
             nodes.emplace(node.number, std::move(node));
@@ -178,7 +198,7 @@ void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition, const 
                                            std::to_string(++promptNumber), typeID, typeNumber,
                                            number, type});
     };
-    for (const StoredRef& prompt : node.prompts) {
+    for (const nodetext::StoredRef& prompt : node.prompts) {
         add(nodetext::ValueText(prompt.type), std::to_string(nodetext::WholeOr(prompt.number, 0)),
             std::to_string(nodetext::WholeOr(prompt.typeID, 0)));
     }

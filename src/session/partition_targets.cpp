@@ -119,7 +119,7 @@ std::optional<std::pair<std::string, std::string>> PartitionTargets::Refusal(
     if (*id == node_type::kNoNumber || Upper(code) == "NOOP") {
         if (number != 0) {
             return std::pair<std::string, std::string>{
-                ".number", std::to_string(number) + ": a " + code + " target has no number; it is 0"};
+                ".number", code + " takes no number; it must be 0, not " + std::to_string(number)};
         }
         return std::nullopt;
     }

@@ -66,8 +66,8 @@ std::vector<std::string> ProblemsOf(const std::string& text) {
 TEST(TextFormTest, WritesFixedKeyOrderTwoSpaceIndentationAndReadsItBack) {
     const std::string text = DocumentText(SampleDocument());
     EXPECT_EQ(text, DocumentText(SampleDocument()));
-    EXPECT_EQ(text.substr(0, 62),
-              "{\n  \"format\": \"dbn-nodes\",\n  \"version\": 1,\n  \"configuration\": 1");
+    EXPECT_EQ(text.rfind("{\n  \"format\": \"dbn-nodes\",\n  \"version\": 1,\n  \"configuration\": 1,\n", 0),
+              0u);
     const std::vector<std::string> order = {
         "\"number\"",       "\"template\"",    "\"label\"",          "\"method\"",
         "\"directory\"",    "\"languages\"",   "\"greeting\"",       "\"actions\"",
@@ -166,7 +166,8 @@ TEST(TextFormTest, RefusesEveryBadPartWithItsPath) {
         }
         const ReadResult read = ReadDocument(json.dump());
         EXPECT_FALSE(read.document) << bad.what;
-        EXPECT_EQ(ProblemsOf(json.dump()), std::vector<std::string>{bad.problem}) << bad.what;
+        ASSERT_EQ(read.problems.size(), 1u) << bad.what;
+        EXPECT_EQ(ProblemText(read.problems[0]), bad.problem) << bad.what;
     }
 }
 

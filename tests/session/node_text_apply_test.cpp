@@ -216,7 +216,7 @@ TEST_F(NodeTextTest, EachRefusalIsListedAndNothingIsWritten) {
         {"number over the limit", {{"/greeting", {{"type", "MSG"}, {"number", 100}}}},
          "nodes[1].greeting.number: 100 is outside 1 to 99"},
         {"numbered NOOP", {{"/actions/Star", {{"type", "NOOP"}, {"number", 3}}}},
-         "nodes[1].actions.Star.number: 3: a NOOP target has no number; it is 0"},
+         "nodes[1].actions.Star.number: NOOP takes no number; it must be 0, not 3"},
         {"same match twice", {{"/stages/1/mode", "Last Name"}},
          "nodes[1].stages[1].mode: Second Match must be different from the First Match.  Please "
          "select another option in Second Match."},
