@@ -286,21 +286,30 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
         const TextNode* base = nullptr;
         if (found != stored.end()) {
             base = &found->second;
+            // A node changed since the export matters only when the file
+            // would write it: one that already matches the file is unchanged.
+            const std::vector<FieldChange> differences = nodetext::Changes(*base, file);
             if (!file.stored.empty() && file.stored != nodetext::Fingerprint(*base) &&
-                !options.force) {
+                !differences.empty() && !options.force) {
                 std::string fields;
-                for (const FieldChange& change : nodetext::Changes(*base, file)) {
+                for (const FieldChange& change : differences) {
                     fields += (fields.empty() ? "" : ", ") + change.path;
                 }
                 result.problems.push_back(
                     {prefix, "DBN " + std::to_string(file.number) +
-                                 " was changed in the database since the export" +
-                                 (fields.empty() ? "" : " (it now differs from the file in: " +
-                                                            fields + ")") +
-                                 "; --force writes the file over it"});
+                                 " was changed in the database since the export (it now "
+                                 "differs from the file in: " +
+                                 fields + "); --force writes the file over it"});
                 continue;
             }
         } else {
+            if (!file.stored.empty() && !options.force) {
+                result.problems.push_back(
+                    {prefix, "DBN " + std::to_string(file.number) +
+                                 " was deleted from the database since the export; --force "
+                                 "creates it again from the template"});
+                continue;
+            }
             if (file.number < 1 || file.number > targets.DialByNameLimit()) {
                 checker.Fail("number", std::to_string(file.number) + " is outside 1 to " +
                                            std::to_string(targets.DialByNameLimit()));
@@ -361,6 +370,12 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
                     .push_back(node.key);
             }
         }
+        return result;
+    }
+    const bool writes = std::any_of(planned.begin(), planned.end(), [](const PlannedNode& plan) {
+        return plan.outcome != NodeOutcome::Unchanged;
+    });
+    if (!writes) {
         return result;
     }
     TransactionScope transaction(db);

@@ -81,17 +81,35 @@ TEST_F(NodeTextTest, ExportIsStableInNumberOrderAndNamesOnlyWhatItIsAsked) {
     EXPECT_THROW(session::ExportNodes(db, 1, 1, {2, 7}), ComponentError);
 }
 
+// In the server pass the demo file is made too: both engines must give the
+// same bytes, fingerprints included.
+TEST_F(NodeTextTest, BothEnginesExportTheSameText) {
+    if (!root.OnServer()) {
+        GTEST_SKIP() << "compares the server's export with the file's";
+    }
+    const std::string server = Export();
+    const std::string uri = ::getenv("DBN_DATABASE");
+    ::unsetenv("DBN_DATABASE");
+    std::string file;
+    {
+        DataBase fileDb;
+        file = nodetext::DocumentText(session::ExportNodes(fileDb, 1, 1));
+    }
+    ::setenv("DBN_DATABASE", uri.c_str(), 1);
+    EXPECT_EQ(server, file);
+}
+
 TEST_F(NodeTextTest, UnchangedExportAppliesWithoutWriting) {
-    const json document = Exported();
+    const std::string text = Export();
     const std::string before = FileBytes();
-    const ApplyResult result = Apply(document);
+    const ApplyResult result = Apply(json::parse(text));
     EXPECT_TRUE(result.problems.empty());
     ASSERT_EQ(result.nodes.size(), 3u);
     for (const session::AppliedNode& node : result.nodes) {
         EXPECT_EQ(node.outcome, NodeOutcome::Unchanged);
     }
     EXPECT_FALSE(result.written);
-    EXPECT_EQ(Export(), document.dump(2) + "\n");
+    EXPECT_EQ(Export(), text);
     if (!root.OnServer()) {
         EXPECT_EQ(FileBytes(), before);
     }
@@ -192,7 +210,9 @@ TEST_F(NodeTextTest, OneChangedFieldLeavesEverythingElseAlone) {
               "ber\":7},{\"type\":\"LIST\",\"number\":2},{\"type\":\"MSG\",\"number\":9},{\"type\":"
               "\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1}"
               ",{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\""
-              "number\":1}]\nDBN 2: unchanged\n3 nodes: 0 created, 1 changed, 2 unchanged; written\n");
+              "number\":1}]\nDBN 2: unchanged\n"
+              "These references point at nodes that do not exist: LIST 2.\n"
+              "3 nodes: 0 created, 1 changed, 2 unchanged; written\n");
 }
 
 struct Refusal {
@@ -203,8 +223,8 @@ struct Refusal {
 
 TEST_F(NodeTextTest, EachRefusalIsListedAndNothingIsWritten) {
     const std::vector<Refusal> cases = {
-        {"digits out of range", {{"/stages/0/minDigits", 12}},
-         "nodes[1].stages[0].minDigits: 12 is outside 1 to 9"},
+        {"digits out of range", {{"/stages/0/minDigits", 0}},
+         "nodes[1].stages[0].minDigits: 0 is outside 1 to 9"},
         {"label with a double quote", {{"/label", "Say \"hi\""}},
          "nodes[1].label: Double quotes and continuous single quotes are not allowed in the Label "
          "field"},
@@ -268,6 +288,15 @@ TEST_F(NodeTextTest, NodeChangedSinceTheExportIsRefusedUnlessForced) {
                   "nodes[1]: DBN 1 was changed in the database since the export (it now differs "
                   "from the file in: label, retryLimit); --force writes the file over it"});
     EXPECT_EQ(Stored("RetryLimit"), "3");
+
+    json gone = Exported();
+    root.Exec(
+        "DELETE FROM Node_DBN WHERE PartID = 1 AND NodeNumber = 2;"
+        "DELETE FROM Detail_DBN_Prompts WHERE PartID = 1 AND NodeMasterID = 2;"
+        "DELETE FROM Node_General_Pool WHERE PartID = 1 AND NodeTypeID = 15 AND NodeNumber = 2");
+    EXPECT_EQ(Texts(Apply(gone).problems),
+              std::vector<std::string>{"nodes[2]: DBN 2 was deleted from the database since the "
+                                       "export; --force creates it again from the template"});
 
     ApplyOptions force;
     force.force = true;
