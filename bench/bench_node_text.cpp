@@ -38,8 +38,8 @@ void Export(benchmark::State& state) {
         std::size_t bytes = 0;
         for (auto _ : state) {
             const Clock::time_point start = Clock::now();
-            const std::string text = nodetext::DocumentText(
-                session::ExportNodes(db, kLargeConfig, kLargePartition));
+            const std::string text =
+                nodetext::DocumentText(session::ExportNodes(db, kLargeConfig, kLargePartition));
             state.SetIterationTime(Seconds(Clock::now() - start));
             bytes = text.size();
         }
@@ -97,8 +97,7 @@ void ApplyFloor(benchmark::State& state) {
             const nodetext::NodeDocument document = EveryLabelChanged(db, ++iteration);
             auto stored = session::ReadStoredNodes(db, kLargeConfig, kLargePartition);
             for (const nodetext::TextNode& node : document.nodes) {
-                stored[node.number].columns["NodeDescription"] =
-                    node.columns.at("NodeDescription");
+                stored[node.number].columns["NodeDescription"] = node.columns.at("NodeDescription");
             }
             const Clock::time_point start = Clock::now();
             db.BeginTrans();

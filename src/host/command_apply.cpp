@@ -25,8 +25,7 @@ std::optional<nodetext::NodeDocument> ReadFile(const std::string& path) {
     text << file.rdbuf();
     nodetext::ReadResult read = nodetext::ReadDocument(text.str());
     for (const nodetext::Problem& problem : read.problems) {
-        std::cerr << "dbn-node-editor: " << path << ": " << nodetext::ProblemText(problem)
-                  << "\n";
+        std::cerr << "dbn-node-editor: " << path << ": " << nodetext::ProblemText(problem) << "\n";
     }
     return std::move(read.document);
 }
@@ -58,8 +57,7 @@ int Run(const CommandArgs& args, bool diff) {
 
 const std::vector<CommandOption> kSharedOptions = {
     {"force", "", "write nodes that were changed in the database since the export"},
-    {"create-missing", "",
-     "create referenced nodes that do not exist from their type's template"}};
+    {"create-missing", "", "create referenced nodes that do not exist from their type's template"}};
 const std::vector<CommandArgument> kFile = {
     {"FILE", "a JSON document of dial-by-name nodes, as export writes it"}};
 const std::vector<std::pair<int, std::string>> kExitCodes = {

@@ -51,8 +51,9 @@ HostCommand ExportCommand() {
     command.arguments = {{"CONFIG", "configuration ID, a whole number from -32768 to 32767"},
                          {"PARTITION", "partition ID, a whole number from -32768 to 32767"}};
     command.moreArguments = "NODE...";
-    command.exitCodes = {{kExitFailed, "failed: no database, a named node that does not exist, "
-                                       "or a file that cannot be written"}};
+    command.exitCodes = {{kExitFailed,
+                          "failed: no database, a named node that does not exist, "
+                          "or a file that cannot be written"}};
     command.run = RunExport;
     return command;
 }

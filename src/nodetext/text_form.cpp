@@ -23,8 +23,7 @@ constexpr std::size_t kLongestTypeCode = 16;
 constexpr std::size_t kMostPrompts = 99;
 constexpr std::size_t kShownValue = 40;
 
-const std::vector<std::pair<int, std::string>> kMethods = {{0, "Custom"},
-                                                           {1, "Default Last Name"}};
+const std::vector<std::pair<int, std::string>> kMethods = {{0, "Custom"}, {1, "Default Last Name"}};
 const std::vector<std::pair<int, std::string>> kLanguages = {
     {0, "None"}, {1, "English"}, {2, "French"}};
 const std::vector<std::pair<int, std::string>> kFirstModes = {
@@ -92,7 +91,8 @@ std::vector<FieldSpec> MakeFields() {
     for (int stage = 0; stage < 2; ++stage) {
         const std::string at = "/stages/" + std::to_string(stage) + "/";
         const std::string name = stages[stage];
-        fields.push_back(Named(at + "mode", name + "Mode", stage == 0 ? kFirstModes : kSecondModes));
+        fields.push_back(
+            Named(at + "mode", name + "Mode", stage == 0 ? kFirstModes : kSecondModes));
         fields.push_back(Whole(at + "minDigits", name + "MinDigits", 1, 9));
         fields.push_back(Whole(at + "maxDigits", name + "MaxDigits", 1, 9));
         fields.push_back(Target(at + "prompt", name + "Prompt", TargetRole::Prompt));
@@ -216,10 +216,9 @@ public:
 
     std::optional<std::int64_t> Whole(const Json& json, const std::string& path) {
         if (json.is_number_integer()) {
-            const bool fits = json.is_number_unsigned()
-                                  ? json.get<std::uint64_t>() <= 32767
-                                  : json.get<std::int64_t>() >= -32768 &&
-                                        json.get<std::int64_t>() <= 32767;
+            const bool fits = json.is_number_unsigned() ? json.get<std::uint64_t>() <= 32767
+                                                        : json.get<std::int64_t>() >= -32768 &&
+                                                              json.get<std::int64_t>() <= 32767;
             if (fits) {
                 return json.get<std::int64_t>();
             }
@@ -517,8 +516,7 @@ ReadResult ReadDocument(std::string_view text) {
             reason = reason.substr(colon + 2);
         }
         result.problems.push_back({"", "line " + std::to_string(line) + ", column " +
-                                           std::to_string(column) + ": malformed JSON: " +
-                                           reason});
+                                           std::to_string(column) + ": malformed JSON: " + reason});
         return result;
     }
     std::vector<Problem>& problems = result.problems;
@@ -527,8 +525,8 @@ ReadResult ReadDocument(std::string_view text) {
         return result;
     }
     for (const auto& [key, value] : json.items()) {
-        if (key != "format" && key != "version" && key != "configuration" &&
-            key != "partition" && key != "nodes") {
+        if (key != "format" && key != "version" && key != "configuration" && key != "partition" &&
+            key != "nodes") {
             problems.push_back({key, "unknown field"});
         }
     }

@@ -43,9 +43,8 @@ void ShowProblems(QWidget* parent, const QString& file,
 }  // namespace
 
 void ExportPartitionToFile(QWidget* parent, DataBase& db, session::PartitionKey partition) {
-    const QString suggested = QStringLiteral("dbn-nodes-%1-%2.json")
-                                  .arg(partition.config)
-                                  .arg(partition.partition);
+    const QString suggested =
+        QStringLiteral("dbn-nodes-%1-%2.json").arg(partition.config).arg(partition.partition);
     const QString path =
         QFileDialog::getSaveFileName(parent, QStringLiteral("Export"), suggested, kFilter);
     if (path.isEmpty()) {
@@ -58,8 +57,9 @@ void ExportPartitionToFile(QWidget* parent, DataBase& db, session::PartitionKey 
         if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) ||
             file.write(text.data(), static_cast<qint64>(text.size())) !=
                 static_cast<qint64>(text.size())) {
-            QMessageBox::warning(parent, QStringLiteral("Error"),
-                                 path + QStringLiteral(" cannot be written: ") + file.errorString());
+            QMessageBox::warning(
+                parent, QStringLiteral("Error"),
+                path + QStringLiteral(" cannot be written: ") + file.errorString());
         }
     } catch (const std::exception& error) {
         QMessageBox::warning(parent, QStringLiteral("Error"), ErrorText(error));
@@ -118,8 +118,9 @@ bool ApplyFromFile(QWidget* parent, DataBase& db) {
             ShowProblems(parent, path, applied.problems);
             return false;
         }
-        QMessageBox::information(parent, QStringLiteral("Information"),
-                                 QString::fromStdString(session::ApplyReportText(applied, false, false)));
+        QMessageBox::information(
+            parent, QStringLiteral("Information"),
+            QString::fromStdString(session::ApplyReportText(applied, false, false)));
         return applied.written;
     } catch (const std::exception& error) {
         QMessageBox::warning(parent, QStringLiteral("Error"), ErrorText(error));

@@ -46,7 +46,8 @@ bool SameTarget(const nodetext::StoredRef& a, const nodetext::StoredRef& b) {
 
 // The file's references take the stored type ID when they name the same
 // target as before, else the catalogue's ID of their code.
-nodetext::StoredRef Resolved(nodetext::StoredRef ref, const nodetext::StoredRef& before, const PartitionTargets& targets) {
+nodetext::StoredRef Resolved(nodetext::StoredRef ref, const nodetext::StoredRef& before,
+                             const PartitionTargets& targets) {
     if (SameTarget(ref, before)) {
         ref.typeID = before.typeID;
     } else if (auto id = targets.TypeID(nodetext::ValueText(ref.type))) {
@@ -69,8 +70,8 @@ TextNode Merged(const TextNode& base, const TextNode& file, const PartitionTarge
             merged.prompts.clear();
             for (std::size_t i = 0; i < file.prompts.size(); ++i) {
                 merged.prompts.push_back(Resolved(
-                    file.prompts[i], i < base.prompts.size() ? base.prompts[i] : nodetext::StoredRef{},
-                    targets));
+                    file.prompts[i],
+                    i < base.prompts.size() ? base.prompts[i] : nodetext::StoredRef{}, targets));
             }
         } else {
             auto found = file.columns.find(spec.column);
@@ -196,7 +197,8 @@ public:
     }
 
 private:
-    void CheckTarget(const std::string& path, nodetext::TargetRole role, const nodetext::StoredRef& ref) {
+    void CheckTarget(const std::string& path, nodetext::TargetRole role,
+                     const nodetext::StoredRef& ref) {
         if (auto refusal = targets_.Refusal(role, ref)) {
             Fail(path + refusal->first, refusal->second);
         }
@@ -250,7 +252,8 @@ void GatherReferences(const TextNode& node, std::vector<RequiredNode>& required,
     if (Column(node, "Confirm") == 1) {
         Gather(required, keys, nodetext::RefColumns(node, "BeforePrompt"));
         Gather(required, keys, nodetext::RefColumns(node, "AfterPrompt"));
-        const auto shown = static_cast<std::size_t>(std::max<std::int64_t>(Column(node, "MaxMatch"), 0));
+        const auto shown =
+            static_cast<std::size_t>(std::max<std::int64_t>(Column(node, "MaxMatch"), 0));
         for (std::size_t i = 0; i < node.prompts.size() && i < shown; ++i) {
             Gather(required, keys, node.prompts[i]);
         }

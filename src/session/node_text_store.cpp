@@ -3,9 +3,9 @@
 #include "core/component_error.h"
 #include "core/node_types.h"
 #include "database/database.h"
+#include "nodetext/text_form.h"
 #include "session/load_helpers.h"
 #include "session/modification_time.h"
-#include "nodetext/text_form.h"
 
 #include <algorithm>
 #include <cmath>
@@ -151,8 +151,8 @@ void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition, const 
     const std::vector<std::string> keys{configText, partitionText, kDbnType, number};
 
     std::vector<std::string> part1;
-    for (const char* column : {"NodeDescription", "Method", "DirectoryNodeNumber", "FirstLanguage",
-                               "SecondLanguage"}) {
+    for (const char* column :
+         {"NodeDescription", "Method", "DirectoryNodeNumber", "FirstLanguage", "SecondLanguage"}) {
         part1.push_back(Argument(node, column));
     }
     for (const char* role : {"Greeting", "ValidMatch", "Abort", "Star", "Pound", "Zero"}) {
@@ -184,9 +184,9 @@ void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition, const 
 
     db.Execute("Update_DBN_Node_Part1", part1);
     db.Execute("Update_DBN_Node_Part2", part2);
-    db.Execute("Update_Node_General_Pool", {Argument(node, "NodeDescription"),
-                                            CurrentModificationTime(), configText, partitionText,
-                                            kDbnType, number});
+    db.Execute("Update_Node_General_Pool",
+               {Argument(node, "NodeDescription"), CurrentModificationTime(), configText,
+                partitionText, kDbnType, number});
     if (!promptsChanged) {
         return;
     }
@@ -194,9 +194,9 @@ void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition, const 
     int promptNumber = 0;
     auto add = [&](const std::string& type, const std::string& typeNumber,
                    const std::string& typeID) {
-        db.Execute("Add_DBN_PromptsNode", {configText, partitionText,
-                                           std::to_string(++promptNumber), typeID, typeNumber,
-                                           number, type});
+        db.Execute("Add_DBN_PromptsNode",
+                   {configText, partitionText, std::to_string(++promptNumber), typeID, typeNumber,
+                    number, type});
     };
     for (const nodetext::StoredRef& prompt : node.prompts) {
         add(nodetext::ValueText(prompt.type), std::to_string(nodetext::WholeOr(prompt.number, 0)),

@@ -44,7 +44,8 @@ PartitionTargets::PartitionTargets(DataBase& db, std::int16_t config, std::int16
         }
     }
     for (const std::int16_t id : typeIDs) {
-        db.Execute("Get_Max_NodeNumber", {CommandArg(config), CommandArg(partition), CommandArg(id)});
+        db.Execute("Get_Max_NodeNumber",
+                   {CommandArg(config), CommandArg(partition), CommandArg(id)});
         RowSet& limit = db.Recordset("Get_Max_NodeNumber");
         RowSetCloser closer(limit);
         if (!limit.Eof()) {

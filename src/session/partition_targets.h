@@ -27,8 +27,8 @@ public:
 
     // Why the reference may not be stored in a field of this role, as
     // (JSON path suffix, reason): ".type" or ".number"; nothing when it may.
-    std::optional<std::pair<std::string, std::string>> Refusal(nodetext::TargetRole role,
-                                                               const nodetext::StoredRef& ref) const;
+    std::optional<std::pair<std::string, std::string>> Refusal(
+        nodetext::TargetRole role, const nodetext::StoredRef& ref) const;
 
     // The highest dial-by-name node number the partition allows.
     std::int32_t DialByNameLimit() const;

@@ -32,9 +32,9 @@ TextNode SampleNode(std::int64_t number) {
                     {"Confirm", std::int64_t{1}},
                     {"MaxMatch", std::int64_t{3}},
                     {"PlayName", std::int64_t{1}}};
-    for (const char* role : {"Greeting", "ValidMatch", "Abort", "Star", "Pound", "Zero",
-                             "FirstPrompt", "SecondPrompt", "Timeout", "Invalid", "BeforePrompt",
-                             "AfterPrompt", "ConfirmationExit"}) {
+    for (const char* role :
+         {"Greeting", "ValidMatch", "Abort", "Star", "Pound", "Zero", "FirstPrompt", "SecondPrompt",
+          "Timeout", "Invalid", "BeforePrompt", "AfterPrompt", "ConfirmationExit"}) {
         SetRefColumns(node, role, {std::string("MSG"), std::int64_t{4}, std::int64_t{0}});
     }
     node.prompts = {{std::string("MSG"), std::int64_t{7}, std::int64_t{0}},
@@ -66,15 +66,17 @@ std::vector<std::string> ProblemsOf(const std::string& text) {
 TEST(TextFormTest, WritesFixedKeyOrderTwoSpaceIndentationAndReadsItBack) {
     const std::string text = DocumentText(SampleDocument());
     EXPECT_EQ(text, DocumentText(SampleDocument()));
-    EXPECT_EQ(text.rfind("{\n  \"format\": \"dbn-nodes\",\n  \"version\": 1,\n  \"configuration\": 1,\n", 0),
-              0u);
+    EXPECT_EQ(
+        text.rfind("{\n  \"format\": \"dbn-nodes\",\n  \"version\": 1,\n  \"configuration\": 1,\n",
+                   0),
+        0u);
     const std::vector<std::string> order = {
-        "\"number\"",       "\"template\"",    "\"label\"",          "\"method\"",
-        "\"directory\"",    "\"languages\"",   "\"greeting\"",       "\"actions\"",
-        "\"Valid Match\"",  "\"Zero\"",        "\"stages\"",         "\"minDigits\"",
-        "\"timeout\"",      "\"invalid\"",     "\"digitTimeout\"",   "\"selectionTimeout\"",
-        "\"retryLimit\"",   "\"confirmation\"", "\"beforeNames\"",   "\"prompts\"",
-        "\"exitPrompt\"",   "\"playName\"",    "\"modified\"",       "\"stored\""};
+        "\"number\"",      "\"template\"",     "\"label\"",        "\"method\"",
+        "\"directory\"",   "\"languages\"",    "\"greeting\"",     "\"actions\"",
+        "\"Valid Match\"", "\"Zero\"",         "\"stages\"",       "\"minDigits\"",
+        "\"timeout\"",     "\"invalid\"",      "\"digitTimeout\"", "\"selectionTimeout\"",
+        "\"retryLimit\"",  "\"confirmation\"", "\"beforeNames\"",  "\"prompts\"",
+        "\"exitPrompt\"",  "\"playName\"",     "\"modified\"",     "\"stored\""};
     std::size_t at = 0;
     for (const std::string& key : order) {
         const std::size_t found = text.find(key, at);
@@ -107,8 +109,8 @@ TEST(TextFormTest, KeepsStoredValuesTheEditorWouldReplace) {
     NodeDocument document;
     document.nodes = {odd};
     const std::string text = DocumentText(document);
-    for (const char* shown : {"\"method\": 5", "\"first\": 7", "\"enabled\": 2",
-                              "\"directory\": 0", "\"retryLimit\": null", "\"Star\": null"}) {
+    for (const char* shown : {"\"method\": 5", "\"first\": 7", "\"enabled\": 2", "\"directory\": 0",
+                              "\"retryLimit\": null", "\"Star\": null"}) {
         EXPECT_NE(text.find(shown), std::string::npos) << shown;
     }
     const ReadResult read = ReadDocument(text);
@@ -146,7 +148,9 @@ TEST(TextFormTest, RefusesEveryBadPartWithItsPath) {
         {"huge text", "/label", std::string(10 * 1024 * 1024, 'x'),
          "nodes[1].label: is 10485760 characters long; at most 1000 are allowed"},
         {"missing field", "/retryLimit", nullptr, "nodes[1].retryLimit: is missing"},
-        {"target without number", "/timeout", {{"type", "MSG"}},
+        {"target without number",
+         "/timeout",
+         {{"type", "MSG"}},
          "nodes[1].timeout: must have both \"type\" and \"number\""},
         {"one stage", "/stages", nlohmann::json::array({nlohmann::json::object()}),
          "nodes[1].stages: must be a list of 2 objects"},

@@ -34,9 +34,8 @@ protected:
 
     ApplyResult Apply(const json& document, ApplyOptions options = {}) {
         nodetext::ReadResult read = nodetext::ReadDocument(document.dump());
-        EXPECT_TRUE(read.problems.empty())
-            << nodetext::ProblemText(read.problems.empty() ? nodetext::Problem{}
-                                                           : read.problems[0]);
+        EXPECT_TRUE(read.problems.empty()) << nodetext::ProblemText(
+            read.problems.empty() ? nodetext::Problem{} : read.problems[0]);
         return read.document ? session::ApplyNodes(db, *read.document, options) : ApplyResult{};
     }
 
@@ -70,7 +69,8 @@ TEST_F(NodeTextTest, ExportIsStableInNumberOrderAndNamesOnlyWhatItIsAsked) {
     EXPECT_EQ(document["nodes"][0]["number"], 0);
     EXPECT_EQ(document["nodes"][0]["template"], true);
     EXPECT_EQ(document["nodes"][1]["label"], "Staff directory");
-    EXPECT_EQ(document["nodes"][1]["actions"]["Valid Match"], json({{"type", "XFER"}, {"number", 1}}));
+    EXPECT_EQ(document["nodes"][1]["actions"]["Valid Match"],
+              json({{"type", "XFER"}, {"number", 1}}));
     EXPECT_EQ(document["nodes"][1]["confirmation"]["prompts"][0],
               json({{"type", "MSG"}, {"number", 7}}));
     EXPECT_EQ(document["nodes"][2]["method"], "Default Last Name");
@@ -135,14 +135,26 @@ TEST_F(NodeTextTest, EveryFieldChangedAloneWritesItsColumn) {
         {"/directory", 2, "directory", "DirectoryNodeNumber", "2"},
         {"/languages/first", "French", "languages.first", "FirstLanguage", "2"},
         {"/languages/second", "English", "languages.second", "SecondLanguage", "1"},
-        {"/greeting", {{"type", "LIST"}, {"number", 3}}, "greeting",
-         "GreetingNodeType || GreetingNodeNumber || GreetingNodeTypeID", "LIST38"},
-        {"/actions/Valid Match", {{"type", "XFER"}, {"number", 2}}, "actions.Valid Match",
-         "ValidMatchNodeNumber", "2"},
-        {"/actions/Abort", {{"type", "CMD"}, {"number", 3}}, "actions.Abort", "AbortNodeTypeID",
+        {"/greeting",
+         {{"type", "LIST"}, {"number", 3}},
+         "greeting",
+         "GreetingNodeType || GreetingNodeNumber || GreetingNodeTypeID",
+         "LIST38"},
+        {"/actions/Valid Match",
+         {{"type", "XFER"}, {"number", 2}},
+         "actions.Valid Match",
+         "ValidMatchNodeNumber",
+         "2"},
+        {"/actions/Abort",
+         {{"type", "CMD"}, {"number", 3}},
+         "actions.Abort",
+         "AbortNodeTypeID",
          "1"},
         {"/actions/Star", {{"type", "MSG"}, {"number", 9}}, "actions.Star", "StarNodeType", "MSG"},
-        {"/actions/Pound", {{"type", "M_ON"}, {"number", 5}}, "actions.Pound", "PoundNodeTypeID",
+        {"/actions/Pound",
+         {{"type", "M_ON"}, {"number", 5}},
+         "actions.Pound",
+         "PoundNodeTypeID",
          "817"},
         {"/actions/Zero", {{"type", "DBN"}, {"number", 2}}, "actions.Zero", "ZeroNodeTypeID", "15"},
         {"/stages/0/mode", "Both Names", "stages[0].mode", "FirstMode", "3"},
@@ -162,10 +174,16 @@ TEST_F(NodeTextTest, EveryFieldChangedAloneWritesItsColumn) {
         {"/confirmation/maxMatches", 4, "confirmation.maxMatches", "MaxMatch", "4"},
         {"/confirmation/beforeNames", msg, "confirmation.beforeNames", "BeforePromptNodeNumber",
          "20"},
-        {"/confirmation/afterNames", {{"type", "LIST"}, {"number", 1}}, "confirmation.afterNames",
-         "AfterPromptNodeType", "LIST"},
-        {"/confirmation/exitPrompt", {{"type", "NOOP"}, {"number", 0}},
-         "confirmation.exitPrompt", "ConfirmationExitNodeTypeID", "814"},
+        {"/confirmation/afterNames",
+         {{"type", "LIST"}, {"number", 1}},
+         "confirmation.afterNames",
+         "AfterPromptNodeType",
+         "LIST"},
+        {"/confirmation/exitPrompt",
+         {{"type", "NOOP"}, {"number", 0}},
+         "confirmation.exitPrompt",
+         "ConfirmationExitNodeTypeID",
+         "814"},
         {"/playName", false, "playName", "PlayName", "0"},
         {"/method", "Default Last Name", "method", "Method", "1"},
     };
@@ -201,18 +219,19 @@ TEST_F(NodeTextTest, OneChangedFieldLeavesEverythingElseAlone) {
     EXPECT_EQ(after[1].prompts[1].type, nodetext::Value{std::string("LIST")});
     EXPECT_EQ(after[1].prompts[1].typeID, nodetext::Value{std::int64_t{8}});
     EXPECT_EQ(after[1].prompts[2].number, before[1].prompts[2].number);
-    EXPECT_EQ(session::ApplyReportText(result, false, true),
-              "DBN 0: unchanged\nDBN 1: changed: confirmation.prompts\n"
-              "  confirmation.prompts: [{\"type\":\"MSG\",\"number\":7},{\"type\":\"MSG\",\"number\":8}"
-              ",{\"type\":\"MSG\",\"number\":9},{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\","
-              "\"number\":1},{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1},{\"type"
-              "\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1}] -> [{\"type\":\"MSG\",\"num"
-              "ber\":7},{\"type\":\"LIST\",\"number\":2},{\"type\":\"MSG\",\"number\":9},{\"type\":"
-              "\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1}"
-              ",{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\""
-              "number\":1}]\nDBN 2: unchanged\n"
-              "These references point at nodes that do not exist: LIST 2.\n"
-              "3 nodes: 0 created, 1 changed, 2 unchanged; written\n");
+    EXPECT_EQ(
+        session::ApplyReportText(result, false, true),
+        "DBN 0: unchanged\nDBN 1: changed: confirmation.prompts\n"
+        "  confirmation.prompts: [{\"type\":\"MSG\",\"number\":7},{\"type\":\"MSG\",\"number\":8}"
+        ",{\"type\":\"MSG\",\"number\":9},{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\","
+        "\"number\":1},{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1},{\"type"
+        "\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1}] -> [{\"type\":\"MSG\",\"num"
+        "ber\":7},{\"type\":\"LIST\",\"number\":2},{\"type\":\"MSG\",\"number\":9},{\"type\":"
+        "\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1}"
+        ",{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\""
+        "number\":1}]\nDBN 2: unchanged\n"
+        "These references point at nodes that do not exist: LIST 2.\n"
+        "3 nodes: 0 created, 1 changed, 2 unchanged; written\n");
 }
 
 struct Refusal {
@@ -223,32 +242,45 @@ struct Refusal {
 
 TEST_F(NodeTextTest, EachRefusalIsListedAndNothingIsWritten) {
     const std::vector<Refusal> cases = {
-        {"digits out of range", {{"/stages/0/minDigits", 0}},
+        {"digits out of range",
+         {{"/stages/0/minDigits", 0}},
          "nodes[1].stages[0].minDigits: 0 is outside 1 to 9"},
-        {"label with a double quote", {{"/label", "Say \"hi\""}},
+        {"label with a double quote",
+         {{"/label", "Say \"hi\""}},
          "nodes[1].label: Double quotes and continuous single quotes are not allowed in the Label "
          "field"},
-        {"type not offered", {{"/actions/Abort", {{"type", "DIR"}, {"number", 1}}}},
+        {"type not offered",
+         {{"/actions/Abort", {{"type", "DIR"}, {"number", 1}}}},
          "nodes[1].actions.Abort.type: \"DIR\" is not offered for an action, timeout or invalid "
          "target in this partition"},
-        {"unknown type", {{"/greeting", {{"type", "FOO"}, {"number", 1}}}},
+        {"unknown type",
+         {{"/greeting", {{"type", "FOO"}, {"number", 1}}}},
          "nodes[1].greeting.type: \"FOO\" is not a node type"},
-        {"number over the limit", {{"/greeting", {{"type", "MSG"}, {"number", 100}}}},
+        {"number over the limit",
+         {{"/greeting", {{"type", "MSG"}, {"number", 100}}}},
          "nodes[1].greeting.number: 100 is outside 1 to 99"},
-        {"numbered NOOP", {{"/actions/Star", {{"type", "NOOP"}, {"number", 3}}}},
+        {"numbered NOOP",
+         {{"/actions/Star", {{"type", "NOOP"}, {"number", 3}}}},
          "nodes[1].actions.Star.number: NOOP takes no number; it must be 0, not 3"},
-        {"same match twice", {{"/stages/1/mode", "Last Name"}},
+        {"same match twice",
+         {{"/stages/1/mode", "Last Name"}},
          "nodes[1].stages[1].mode: Second Match must be different from the First Match.  Please "
          "select another option in Second Match."},
-        {"min above max", {{"/stages/0/minDigits", 6}},
+        {"min above max",
+         {{"/stages/0/minDigits", 6}},
          "nodes[1].stages[0].minDigits: Min Digits value must be less than or equal to Max Digits "
          "value."},
-        {"no language", {{"/method", "Default Last Name"}, {"/languages/first", "None"}},
+        {"no language",
+         {{"/method", "Default Last Name"}, {"/languages/first", "None"}},
          "nodes[1].languages.first: Please select a language in Language 1"},
-        {"odd flag", {{"/confirmation/enabled", 2}}, "nodes[1].confirmation.enabled: must be true or false"},
-        {"unnamed method", {{"/method", 4}},
+        {"odd flag",
+         {{"/confirmation/enabled", 2}},
+         "nodes[1].confirmation.enabled: must be true or false"},
+        {"unnamed method",
+         {{"/method", 4}},
          "nodes[1].method: must be one of \"Custom\", \"Default Last Name\""},
-        {"new node over the limit", {{"/number", 21}, {"/stored", ""}},
+        {"new node over the limit",
+         {{"/number", 21}, {"/stored", ""}},
          "nodes[1].number: 21 is outside 1 to 20"},
     };
     const std::string text = Export();
@@ -280,8 +312,9 @@ TEST_F(NodeTextTest, EachRefusalIsListedAndNothingIsWritten) {
 TEST_F(NodeTextTest, NodeChangedSinceTheExportIsRefusedUnlessForced) {
     json document = Exported();
     document["nodes"][1]["retryLimit"] = 4;
-    root.Exec("UPDATE Node_DBN SET NodeDescription = 'Changed meanwhile' WHERE PartID = 1 AND "
-              "NodeNumber = 1");
+    root.Exec(
+        "UPDATE Node_DBN SET NodeDescription = 'Changed meanwhile' WHERE PartID = 1 AND "
+        "NodeNumber = 1");
     ApplyResult refused = Apply(document);
     EXPECT_EQ(Texts(refused.problems),
               std::vector<std::string>{
@@ -322,7 +355,8 @@ TEST_F(NodeTextTest, NewNumbersAreCreatedFromTheTemplateAndMissingTargetsOnReque
     EXPECT_EQ(planned.nodes[3].outcome, NodeOutcome::Created);
     EXPECT_EQ(planned.missingReferences, std::vector<std::string>{"MSG 50"});
     EXPECT_FALSE(planned.written);
-    EXPECT_EQ(root.QueryInt("SELECT COUNT(*) FROM Node_DBN WHERE PartID = 1 AND NodeNumber = 7"), 0);
+    EXPECT_EQ(root.QueryInt("SELECT COUNT(*) FROM Node_DBN WHERE PartID = 1 AND NodeNumber = 7"),
+              0);
 
     const ApplyResult plain = Apply(document);
     ASSERT_TRUE(plain.written);
@@ -342,8 +376,9 @@ TEST_F(NodeTextTest, NewNumbersAreCreatedFromTheTemplateAndMissingTargetsOnReque
     const ApplyResult created = Apply(again, create);
     EXPECT_EQ(created.createdReferences, (std::vector<std::string>{"MSG 50", "MSG 51"}));
     EXPECT_TRUE(created.missingReferences.empty());
-    EXPECT_EQ(root.QueryText("SELECT OrvFilename FROM Node_MSG WHERE PartID = 1 AND NodeNumber = 51"),
-              "P01M051.wav");
+    EXPECT_EQ(
+        root.QueryText("SELECT OrvFilename FROM Node_MSG WHERE PartID = 1 AND NodeNumber = 51"),
+        "P01M051.wav");
 }
 
 }  // namespace
