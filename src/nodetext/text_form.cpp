@@ -472,16 +472,25 @@ const std::vector<FieldSpec>& Fields() {
     return fields;
 }
 
-std::string Fingerprint(const TextNode& node) {
-    // FNV-1a, 64 bits: stable across runs, machines and engines.
+namespace {
+
+// FNV-1a, 64 bits, over the node's compact JSON: stable across runs,
+// machines and engines.
+std::string FingerprintOf(const Json& nodeJson) {
     std::uint64_t hash = 14695981039346656037ull;
-    for (const unsigned char c : Dump(NodeJson(node))) {
+    for (const unsigned char c : Dump(nodeJson)) {
         hash ^= c;
         hash *= 1099511628211ull;
     }
     char text[17];
     std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(hash));
     return text;
+}
+
+}  // namespace
+
+std::string Fingerprint(const TextNode& node) {
+    return FingerprintOf(NodeJson(node));
 }
 
 std::string DocumentText(const NodeDocument& document) {
@@ -493,7 +502,7 @@ std::string DocumentText(const NodeDocument& document) {
     json["nodes"] = Json::array();
     for (const TextNode& node : document.nodes) {
         Json entry = NodeJson(node);
-        entry["stored"] = Fingerprint(node);
+        entry["stored"] = FingerprintOf(entry);
         json["nodes"].push_back(std::move(entry));
     }
     return Dump(json, 2) + "\n";
