@@ -40,6 +40,9 @@ public:
     // True when the last ShowNodeEditor could not open the database (it then
     // showed one box and no form).
     bool DatabaseUnavailable() const noexcept { return databaseUnavailable_; }
+    // True when the last ShowNodeEditor showed the form: the node existed and
+    // loaded.
+    bool NodeShown() const noexcept { return nodeShown_; }
     DataBase& Db() noexcept { return db_; }
     form::GUI& Form();
     form::FormServices& Services() noexcept { return services_; }
@@ -88,6 +91,7 @@ private:
     DataBase db_;
     bool editingNodeZero_ = false;
     bool databaseUnavailable_ = false;
+    bool nodeShown_ = false;
     // The form this object works on: owned when this object showed it,
     // borrowed when this is the form's own object.
     std::unique_ptr<form::GUI> ownedForm_;
