@@ -62,6 +62,8 @@ public:
 
     // ---- Saving --------------------------------------------------------
     bool SaveChanges(std::int16_t nodeNumber) override;
+    std::optional<std::string> NodeDescription(std::int32_t typeID,
+                                               std::int16_t number) override;
     void CheckForUnReferencedNodes();
     void AddNodeTolstRequired(std::string key, std::string typeID, std::string number);
     bool IsNodeExisted(std::string typeID, std::string number);
@@ -99,6 +101,8 @@ private:
     // Set by SaveChanges while it runs the referenced-node check: the check
     // then leaves its last copies uncommitted for the save to join.
     bool keepCopiesOpen_ = false;
+    // Set when the operator cancelled the last check: the save does not go on.
+    bool checkCancelled_ = false;
     // Per row of the last check's required-node lists: found or created.
     std::vector<bool> referenceFound_;
     // Settings the node being loaded shows through a fallback.

@@ -41,8 +41,9 @@ enum {
 /* Answers of the question whether to create a missing node. */
 enum {
     CVL_DBN_CONFIRM_YES = 2,
+    CVL_DBN_CONFIRM_CANCEL = 3,    /* create nothing more; the node is not saved */
     CVL_DBN_CONFIRM_YES_TO_ALL = 4,
-    CVL_DBN_CONFIRM_CANCEL = 5,
+    CVL_DBN_CONFIRM_NO_TO_ALL = 5, /* create nothing more; the save goes on */
     CVL_DBN_CONFIRM_NO = 7
 };
 

@@ -4,6 +4,7 @@
 // references, describing targets, filling list-view rows and picking list
 // entries by stored values. Internal to the session layer.
 
+#include "form/list_rows.h"
 #include "database/row_set.h"
 #include "form/controls/list_control.h"
 #include "form/controls/list_view.h"
@@ -41,6 +42,10 @@ std::string LookUpDescription(DataBase& db, std::int16_t configID, std::int16_t 
 
 // Adds row `position` (key "<position>a", text "<position>") with its six
 // cells: name, target, description, type name, type ID, number.
+// The cells of such a row, kept apart from any list.
+form::list_rows::RowCells TargetCells(const std::string& name, const StoredRef& ref,
+                                      const std::string& description,
+                                      const form::KeyedCollection& nodeNames);
 void AddTargetRow(form::ListView& list, int position, const std::string& name, const StoredRef& ref,
                   const std::string& description, const form::KeyedCollection& nodeNames);
 
