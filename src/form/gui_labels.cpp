@@ -20,8 +20,8 @@ const std::string* ShownLabel(const ListView& list, const std::string& typeKey,
                               const std::string& number, const ListItem* except) {
     for (int position = 0; position < list.ItemCount(); ++position) {
         const ListItem& row = list.ItemAt(position);
-        if (&row != except && row.SubItem(rows::kNodeTypeID) == typeKey && row.SubItem(rows::kNodeNumber) == number &&
-            !row.SubItem(rows::kLabel).empty()) {
+        if (&row != except && row.SubItem(rows::kNodeTypeID) == typeKey &&
+            row.SubItem(rows::kNodeNumber) == number && !row.SubItem(rows::kLabel).empty()) {
             return &row.SubItem(rows::kLabel);
         }
     }
@@ -46,9 +46,9 @@ std::string GUI::TargetDescription(const std::string& typeKey, const std::string
     } else if (const std::string* listed = ShownLabel(LVConfirm, typeKey, number, except)) {
         description = *listed;
     } else if (formBusinessRules_ != nullptr) {
-        description = formBusinessRules_->NodeDescription(rows::ToInt16(typeKey),
-                                                          rows::ToInt16(number))
-                          .value_or("");
+        description =
+            formBusinessRules_->NodeDescription(rows::ToInt16(typeKey), rows::ToInt16(number))
+                .value_or("");
     }
     descriptions_[key] = description;
     return description;

@@ -62,6 +62,7 @@ FormView::FormView(form::GUI& form, QWidget* parent)
     scroll_ = new QScrollArea(this);
     scroll_->setFrameShape(QFrame::NoFrame);
     scroll_->setWidgetResizable(false);
+    scroll_->setFocusPolicy(Qt::NoFocus);
     content_ = new QWidget;
     scroll_->setWidget(content_);
     layout->addWidget(scroll_);
@@ -192,10 +193,10 @@ void FormView::KeepCommitButtonsInView() {
         return;
     }
     const QPoint origin = buttons.front().first->parentWidget()->mapTo(content_, QPoint(0, 0));
-    const QRect shown(QPoint(scroll_->horizontalScrollBar()->value(),
-                             scroll_->verticalScrollBar()->value()) -
-                          origin,
-                      scroll_->viewport()->size());
+    const QRect shown(
+        QPoint(scroll_->horizontalScrollBar()->value(), scroll_->verticalScrollBar()->value()) -
+            origin,
+        scroll_->viewport()->size());
     const int dx = ShiftInto(group.left(), group.width(), shown.left(), shown.width());
     const int dy = ShiftInto(group.top(), group.height(), shown.top(), shown.height());
     for (auto& [widget, natural] : buttons) {

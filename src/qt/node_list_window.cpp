@@ -320,8 +320,7 @@ void NodeListWindow::NewNode() {
     const std::optional<session::PartitionKey> shown = ShownPartition();
     if (!shown) {
         // No partition has a template to copy: say so rather than do nothing.
-        QMessageBox::information(this, QStringLiteral("Information"),
-                                 WhyNoNodes());
+        QMessageBox::information(this, QStringLiteral("Information"), WhyNoNodes());
         return;
     }
     std::int16_t highest = 0;

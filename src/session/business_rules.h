@@ -62,8 +62,7 @@ public:
 
     // ---- Saving --------------------------------------------------------
     bool SaveChanges(std::int16_t nodeNumber) override;
-    std::optional<std::string> NodeDescription(std::int32_t typeID,
-                                               std::int16_t number) override;
+    std::optional<std::string> NodeDescription(std::int32_t typeID, std::int16_t number) override;
     void CheckForUnReferencedNodes();
     void AddNodeTolstRequired(std::string key, std::string typeID, std::string number);
     bool IsNodeExisted(std::string typeID, std::string number);

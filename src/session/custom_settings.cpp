@@ -132,9 +132,9 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeN
             auto addRow = [&](int position, const std::string& name,
                               const session::StoredRef& ref) {
                 const std::string description =
-                    shown ? session::LookUpDescription(db_, config, partition, ref.typeID,
-                                                       ref.number)
-                          : std::string();
+                    shown
+                        ? session::LookUpDescription(db_, config, partition, ref.typeID, ref.number)
+                        : std::string();
                 session::AddTargetRow(list, position, name, ref, description, names);
             };
             addRow(1, "Before Names", session::ReadRef(node, "BeforePrompt"));
@@ -148,9 +148,9 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeN
             // At most Max Matches name rows (every stored row for a stored
             // MaxMatch of 0 or below); the rest are set aside, unlooked-up.
             const int listed =
-                shown ? maxMatch
-                      : static_cast<int>(
-                            session::WholeNumber(form.cmbMaxMatches.Text()).value_or(0));
+                shown
+                    ? maxMatch
+                    : static_cast<int>(session::WholeNumber(form.cmbMaxMatches.Text()).value_or(0));
             const int stopAt = listed + 3;
             for (int position = 3; !prompts.Eof(); ++position, prompts.MoveNext()) {
                 const std::string name =

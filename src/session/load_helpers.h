@@ -4,12 +4,12 @@
 // references, describing targets, filling list-view rows and picking list
 // entries by stored values. Internal to the session layer.
 
-#include "form/list_rows.h"
 #include "database/row_set.h"
 #include "form/controls/list_control.h"
 #include "form/controls/list_view.h"
 #include "form/form_services.h"
 #include "form/keyed_collection.h"
+#include "form/list_rows.h"
 
 #include <cstdint>
 #include <functional>

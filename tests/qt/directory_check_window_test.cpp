@@ -78,8 +78,7 @@ TEST_F(EditorWindowTest, TheReportWindowClosesFromTheKeyboardAndFitsItsColumns) 
         ASSERT_GT(table.rowCount(), 0);
         for (int column = 0; column + 1 < table.columnCount(); ++column) {
             EXPECT_GE(table.columnWidth(column), table.sizeHintForColumn(column)) << column;
-            EXPECT_GE(table.columnWidth(column),
-                      table.horizontalHeader()->sectionSizeHint(column))
+            EXPECT_GE(table.columnWidth(column), table.horizontalHeader()->sectionSizeHint(column))
                 << column;
         }
         EXPECT_LT(window.minimumWidth(), window.width());  // resizable

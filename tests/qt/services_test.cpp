@@ -103,12 +103,10 @@ TEST_F(ServicesTest, MessageBoxesShowTheModelsBoxAndAnswerItsCodes) {
 }
 
 TEST_F(ServicesTest, TheQuestionDialogAnswersEachButtonsCode) {
-    const std::pair<const char*, long> expected[] = {{"Yes", form::kConfirmYes},
-                                                     {"Yes to All", form::kConfirmYesToAll},
-                                                     {"No", form::kConfirmNo},
-                                                     {"No to All", form::kConfirmNoToAll},
-                                                     {"Cancel", form::kConfirmCancel},
-                                                     {"", form::kConfirmCancel}};
+    const std::pair<const char*, long> expected[] = {
+        {"Yes", form::kConfirmYes},       {"Yes to All", form::kConfirmYesToAll},
+        {"No", form::kConfirmNo},         {"No to All", form::kConfirmNoToAll},
+        {"Cancel", form::kConfirmCancel}, {"", form::kConfirmCancel}};
     for (const auto& [caption, code] : expected) {
         AnswerWith(caption);
         EXPECT_EQ(services.Confirm("Create MSG 12?", "Missing node"), code) << caption;
