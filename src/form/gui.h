@@ -61,8 +61,9 @@ public:
     // The window title: the node on show as stored ("DBN 5 Sales directory"),
     // then its configuration and partition; the caption before any node.
     std::string Title() const;
-    // Names the node on show by its stored label, after a load or a save.
-    void NameShownNode(const std::string& label);
+    // Names the node on show by its number and stored label, after a load or
+    // a save.
+    void NameShownNode(std::int16_t number, const std::string& label);
 
     // Every control in creation order (containers before their children).
     const std::vector<Control*>& Controls() const noexcept { return controls_; }
@@ -253,6 +254,7 @@ private:
     std::int16_t partitionID_ = 0;
     std::int16_t nodeNumber_ = 0;
     std::optional<std::string> shownLabel_;
+    std::int16_t shownNumber_ = 0;
     // Descriptions looked up since the node was loaded or saved, by type ID
     // and number.
     std::map<std::pair<std::string, std::string>, std::string> descriptions_;

@@ -104,7 +104,7 @@ std::string GUI::Title() const {
     if (!shownLabel_) {
         return kCaption;
     }
-    std::string title = "DBN " + std::to_string(nodeNumber_);
+    std::string title = "DBN " + std::to_string(shownNumber_);
     if (!shownLabel_->empty()) {
         title += " " + *shownLabel_;
     }
@@ -112,7 +112,8 @@ std::string GUI::Title() const {
            std::to_string(partitionID_);
 }
 
-void GUI::NameShownNode(const std::string& label) {
+void GUI::NameShownNode(std::int16_t number, const std::string& label) {
+    shownNumber_ = number;
     shownLabel_ = label;
     // A load or a save may have changed which nodes exist.
     descriptions_.clear();

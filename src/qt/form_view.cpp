@@ -69,6 +69,11 @@ FormView::FormView(form::GUI& form, QWidget* parent)
     for (QScrollBar* bar : {scroll_->horizontalScrollBar(), scroll_->verticalScrollBar()}) {
         connect(bar, &QScrollBar::valueChanged, this, [this] { KeepCommitButtonsInView(); });
     }
+    viewportResize_ =
+        std::make_unique<EventHook>(*scroll_->viewport(), QEvent::Resize, [this](QEvent&) {
+            KeepCommitButtonsInView();
+            return false;
+        });
     Build();
     NameControls(bindings_);
     StackBySize();
@@ -160,11 +165,15 @@ void FormView::FollowWidth() {
             binding->SetCutOff(OnForm(control).left >= form_.Width());
         }
     }
-    // The window grows no larger than the form, nor than the screen.
-    const QSize available = AvailableClientSize(*this);
-    setMaximumSize(full.boundedTo(available));
-    resize(full.boundedTo(available));
+    FitToScreen();
     KeepCommitButtonsInView();
+}
+
+// The window grows no larger than the form, nor than the screen.
+void FormView::FitToScreen() {
+    const QSize fitting = content_->size().boundedTo(AvailableClientSize(*this));
+    setMaximumSize(fitting);
+    resize(fitting);
 }
 
 // A save disables Frame1; the language frame, the DIR box and the custom
@@ -222,7 +231,7 @@ void FormView::ApplyShortcut() {
 void FormView::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     // Now that the frame is known, the window keeps within the screen.
-    KeepOnScreen(*this);
+    FitToScreen();
     // The editor opens at the node's label.
     if (QWidget* label = WidgetOf(form_.txtDescription.Name());
         label != nullptr && label->isEnabled()) {

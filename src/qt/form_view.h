@@ -2,6 +2,7 @@
 
 #include "form/gui.h"
 #include "qt/control_binding.h"
+#include "qt/event_hook.h"
 #include "qt/twips.h"
 
 #include <QDialog>
@@ -49,6 +50,7 @@ private:
     void SetTabOrder();
     void FollowWidth();
     void FollowFrame1();
+    void FitToScreen();
     void KeepCommitButtonsInView();
     void ApplyShortcut();
 
@@ -60,6 +62,7 @@ private:
     int frame1Observer_ = 0;
     QScrollArea* scroll_ = nullptr;
     QWidget* content_ = nullptr;  // the form's client area, in the scroll area
+    std::unique_ptr<EventHook> viewportResize_;
 };
 
 }  // namespace dbn::qt

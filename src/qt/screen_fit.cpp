@@ -21,6 +21,11 @@ QSize AvailableClientSize(const QWidget& window) {
     if (screen == nullptr) {
         return {QWIDGETSIZE_MAX, QWIDGETSIZE_MAX};
     }
+    // Platforms without a window manager draw no frame at all.
+    const QString platform = QGuiApplication::platformName();
+    if (platform == QStringLiteral("offscreen") || platform == QStringLiteral("minimal")) {
+        return screen->availableGeometry().size();
+    }
     QSize frame = window.frameGeometry().size() - window.size();
     if (!window.isVisible() || frame.isEmpty()) {
         frame = frame.expandedTo(kEstimatedFrame);

@@ -104,7 +104,7 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
             session::RowSetCloser closer(node);
             if (!node.Eof()) {
                 form.txtDescription.SetText(node.Field("NodeDescription").ToText());
-                form.NameShownNode(form.txtDescription.Text());
+                form.NameShownNode(nodeNumber, form.txtDescription.Text());
 
                 const std::string greeting = node.Field("GreetingNodeType").ToText();
                 if (!form.IsPromptTypeAvailable(greeting)) {

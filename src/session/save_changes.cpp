@@ -153,6 +153,18 @@ private:
     form::FormServices& services_;
 };
 
+// Enables Frame1 again when the scope ends, however it ends.
+class FrameEnabledAfter {
+public:
+    explicit FrameEnabledAfter(form::GUI& gui) : gui_(gui) {}
+    ~FrameEnabledAfter() { gui_.Frame1.SetEnabled(true); }
+    FrameEnabledAfter(const FrameEnabledAfter&) = delete;
+    FrameEnabledAfter& operator=(const FrameEnabledAfter&) = delete;
+
+private:
+    form::GUI& gui_;
+};
+
 // Ends the transaction that the referenced-node check left open with its
 // last copies: committed together with the save, and on their own when the
 // save fails or finds its node gone, so that the nodes the operator agreed to
@@ -278,6 +290,9 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
     if (result && result->outcome == WriteOutcome::Changed) {
         int answer = form::kAnswerCancel;
         form::RunTrapped(services_, "SaveChanges", [&] {
+            // The form stays disabled while the save's question waits.
+            gui.Frame1.SetEnabled(false);
+            const FrameEnabledAfter enableAfter(gui);
             answer = services_.MsgBox(nodeText() +
                                           " was changed by another program after it was opened "
                                           "here. Save your changes over it?",
@@ -311,7 +326,7 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
         return false;
     }
     gui.StoredState = std::move(result->savedState);
-    gui.NameShownNode(gui.txtDescription.Text());
+    gui.NameShownNode(nodeNumber, gui.txtDescription.Text());
     form::RunTrapped(services_, "SaveChanges", [&] { ReportMissingReferences(nodeText()); });
     return true;
 }
