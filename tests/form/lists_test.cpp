@@ -224,6 +224,26 @@ TEST_F(ListsTest, NumberOfMatchesGrowsAndShrinksKeepingTargets) {
     EXPECT_EQ(rows[5], NewRow(6, "Name4"));
     EXPECT_EQ(rows[7], NewRow(8, "Name6"));
 
+    // Lowering sets the name rows beyond aside; raising brings them back, in
+    // order and renamed for their place, before any new row.
+    SetTarget(Confirm(6), "LIST 2|LIST|8|2", "Brown");
+    input::Pick(gui.cmbMaxMatches, 1);  // 2 matches
+    ASSERT_EQ(gui.LVConfirm.ItemCount(), 4);
+    EXPECT_EQ(gui.AsideNameRows().size(), 4u);
+    input::Pick(gui.cmbMaxMatches, 6);  // 7 matches
+    const auto back = AllCells(gui.LVConfirm);
+    ASSERT_EQ(back.size(), 9u);
+    EXPECT_EQ(back[3], "4a:4|Name2|LIST 4|Jones|LIST|8|4");
+    EXPECT_EQ(back[4], NewRow(5, "Name3"));
+    EXPECT_EQ(back[6], "7a:7|Name5|LIST 2|Brown|LIST|8|2");
+    EXPECT_EQ(back[8], NewRow(9, "Name7"));
+    EXPECT_TRUE(gui.AsideNameRows().empty());
+    // Default drops the rows set aside with the rest.
+    input::Pick(gui.cmbMaxMatches, 0);
+    ASSERT_FALSE(gui.AsideNameRows().empty());
+    input::Press(gui.cmdConfirmDefault);
+    EXPECT_TRUE(gui.AsideNameRows().empty());
+
     // With the section off the list stays empty and nothing is marked.
     input::Pick(gui.cmbConfirmation, 0);
     gui.cmdApply.SetEnabled(false);
