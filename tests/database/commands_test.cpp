@@ -67,7 +67,7 @@ TEST(Catalogue, EveryStatementPreparesAndRunsWithItsDeclaredParameterCount) {
         }
     }
     EXPECT_EQ(names.size(), 44u);
-    EXPECT_EQ(rowReturning, 10);
+    EXPECT_EQ(rowReturning, 11);
     EXPECT_EQ(db.ExecutedCount(), 44);
     EXPECT_EQ(FindCatalogueCommand("Update_DBN_Node"), nullptr);  // never executed: left out
 }

@@ -147,14 +147,19 @@ TEST_F(ListsTest, ActionsEditModeOpensPickersOverTheSelectedRowAndClosesThem) {
     EXPECT_EQ(VisibleActionPickers(), 1);
     EXPECT_TRUE(gui.cmbPoundNode.HasFocus() && services.boxes.empty());
 
-    // A picked number, or a typed one, goes into the row; its label stays.
+    // A picked number, or a typed one, goes into the row with the description
+    // of its node: one look-up for a target not known yet, none after.
+    link.descriptions[{0, 7}] = "Reception";
     input::ClickRow(gui.LVActions, Action(0));
     gui.cmbValidMatchNode.SetText("MSG");
-    Action(0).SetSubItem(3, "Reception");
     input::Pick(gui.cmbValidMatchNumber, 6);
     EXPECT_EQ(Cells(Action(0)), "1a:1|Valid Match|MSG 7|Reception|MSG|0|7");
     input::Type(gui.cmbValidMatchNumber, "17");
-    EXPECT_EQ(Cells(Action(0)), "1a:1|Valid Match|MSG 17|Reception|MSG|0|17");
+    EXPECT_EQ(Cells(Action(0)), "1a:1|Valid Match|MSG 17||MSG|0|17");
+    const int lookups = link.lookups;
+    input::Pick(gui.cmbValidMatchNumber, 6);
+    EXPECT_EQ(Cells(Action(0)), "1a:1|Valid Match|MSG 7|Reception|MSG|0|7");
+    EXPECT_EQ(link.lookups, lookups);
 
     gui.cmdApply.SetEnabled(false);
     input::Press(gui.cmdActionsEdit);
