@@ -36,6 +36,10 @@ std::string GUI::TargetDescription(const std::string& typeKey, const std::string
         rows::ToInt16(typeKey) == node_type::kNoNumber) {
         return {};
     }
+    // Before a node is loaded the rows are placeholders the load replaces.
+    if (!shownLabel_) {
+        return {};
+    }
     const auto key = std::make_pair(typeKey, number);
     if (const auto known = descriptions_.find(key); known != descriptions_.end()) {
         return known->second;

@@ -149,6 +149,7 @@ TEST_F(ListsTest, ActionsEditModeOpensPickersOverTheSelectedRowAndClosesThem) {
 
     // A picked number, or a typed one, goes into the row with the description
     // of its node: one look-up for a target not known yet, none after.
+    gui.NameShownNode(1, "Front desk");  // a node on show: look-ups are worth making
     link.descriptions[{0, 7}] = "Reception";
     input::ClickRow(gui.LVActions, Action(0));
     gui.cmbValidMatchNode.SetText("MSG");
