@@ -108,11 +108,17 @@ std::vector<BatchAnswer> DataBase::ExecuteBatch(const std::vector<BatchStep>& st
         }
     }
     DatabaseEngine& engine = Engine();
-    for (const BatchStep& step : steps) {
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        const BatchStep& step = steps[i];
         if (step.kind == BatchStep::Kind::Command) {
             ++executed_;
             if (observer_) {
                 observer_({DataBaseStep::Execute, step.command, &step.args, {}});
+                // A batch's rows are read from its answers, never from the
+                // command's row set, which is left closed.
+                if (engineSteps[i].command->kind == CommandKind::RowReturning) {
+                    observer_({DataBaseStep::Close, step.command, nullptr, {}});
+                }
             }
         } else {
             Notify(step.kind == BatchStep::Kind::BeginTrans ? DataBaseStep::BeginTrans
