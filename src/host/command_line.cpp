@@ -165,7 +165,10 @@ CommandArgs Parse(const HostCommand& command, const std::vector<std::string>& ar
     for (const QString& positional : parser.positionalArguments()) {
         positionals.push_back(Shown(positional));
     }
-    if (!helpWanted && positionals.size() != command.arguments.size()) {
+    const bool countFits = command.moreArguments.empty()
+                               ? positionals.size() == command.arguments.size()
+                               : positionals.size() >= command.arguments.size();
+    if (!helpWanted && !countFits) {
         std::string names;
         for (const CommandArgument& argument : command.arguments) {
             names += (names.empty() ? "" : " ") + argument.name;
@@ -239,6 +242,9 @@ std::string UsageLine(const HostCommand& command) {
     }
     for (const CommandArgument& argument : command.arguments) {
         line += " " + argument.name;
+    }
+    if (!command.moreArguments.empty()) {
+        line += " [" + command.moreArguments + "]";
     }
     return line;
 }

@@ -2,6 +2,7 @@
 
 #include "core/component_error.h"
 #include "qt/directory_check_window.h"
+#include "qt/node_text_actions.h"
 #include "session/directory_check.h"
 
 #include <QAction>
@@ -106,6 +107,16 @@ void NodeListWindow::BuildMenus() {
     QAction* check =
         file->addAction(QStringLiteral("&Directory Check"), this, [this] { CheckSelected(); });
     check->setShortcut(Qt::Key_F7);
+    file->addAction(QStringLiteral("&Export\u2026"), this, [this] {
+        if (auto shown = ShownPartition()) {
+            ExportPartitionToFile(this, list_.Database(), *shown);
+        }
+    });
+    file->addAction(QStringLiteral("A&pply From File\u2026"), this, [this] {
+        if (ApplyFromFile(this, list_.Database())) {
+            Refresh();
+        }
+    });
     QAction* refresh = file->addAction(QStringLiteral("&Refresh"), this, [this] { Refresh(); });
     refresh->setShortcut(QKeySequence::Refresh);
     file->addSeparator();
