@@ -33,6 +33,15 @@ constexpr CatalogueCommand kCommands[] = {
     // The configurations and partitions that hold nodes of a type (the node list).
     {"Get_Partitions_With_Nodes", CommandKind::RowReturning, 1,
      R"sql(SELECT DISTINCT ConfigID, PartID FROM Node_DBN WHERE NodeTypeID = `Given_NodeTypeID` ORDER BY ConfigID, PartID)sql"},
+    // The configurations and partitions that have node limits at all.
+    {"Get_Configured_Partitions", CommandKind::RowReturning, 0,
+     R"sql(SELECT DISTINCT Config_ID, PartitionID FROM Node_Type_Max ORDER BY Config_ID, PartitionID)sql"},
+    // A whole partition at once (the node list): every pool row, and every
+    // prompt row of its dial-by-name nodes.
+    {"Get_Partition_Pool", CommandKind::RowReturning, 2,
+     R"sql(SELECT * FROM Node_General_Pool WHERE ConfigID = `Given_ConfigID` AND PartID = `Given_PartID` ORDER BY NodeTypeID, NodeNumber)sql"},
+    {"Get_Partition_DBN_Prompts", CommandKind::RowReturning, 2,
+     R"sql(SELECT Detail_DBN_Prompts.* FROM Detail_DBN_Prompts WHERE ConfigID = `Given_ConfigID` AND PartID = `Given_PartID` ORDER BY NodeMasterID, PromptNumber)sql"},
     // Action commands of the save.
     {"Update_DBN_Node_Part1", CommandKind::Action, 39,
      R"sql(UPDATE Node_DBN SET NodeDescription = `GIVEN_NodeDescription`, Method = `Given_Method`, DirectoryNodeNumber = `GIVEN_DirectoryNodeNumber`, FirstLanguage = `GIVEN_FirstLanguage`, SecondLanguage = `GIVEN_SecondLanguage`, GreetingNodeType = `GIVEN_GreetingNodeType`, GreetingNodeNumber = `GIVEN_GreetingNodeNumber`, GreetingNodeTypeID = `GIVEN_GreetingNodeTypeID`, ValidMatchNodeType = `GIVEN_ValidMatchNodeType`, ValidMatchNodeNumber = `GIVEN_ValidMatchNodeNumber`, ValidMatchNodeTypeID = `GIVEN_ValidMatchNodeTypeID`, AbortNodeType = `GIVEN_AbortNodeType`, AbortNodeNumber = `GIVEN_AbortNodeNumber`, AbortNodeTypeID = `GIVEN_AbortNodeTypeID`, StarNodeType = `GIVEN_StarNodeType`, StarNodeNumber = `GIVEN_StarNodeNumber`, StarNodeTypeID = `GIVEN_StarNodeTypeID`, PoundNodeType = `GIVEN_PoundNodeType`, PoundNodeNumber = `GIVEN_PoundNodeNumber`, PoundNodeTypeID = `GIVEN_PoundNodeTypeID`, ZeroNodeType = `GIVEN_ZeroNodeType`, ZeroNodeNumber = `GIVEN_ZeroNodeNumber`, ZeroNodeTypeID = `GIVEN_ZeroNodeTypeID`, FirstMode = `GIVEN_FirstMode`, FirstMinDigits = `GIVEN_FirstMinDigits`, FirstMaxDigits = `GIVEN_FirstMaxDigits`, FirstPromptNodeType = `GIVEN_FirstPromptNodeType`, FirstPromptNodeNumber = `GIVEN_FirstPromptNodeNumber`, FirstPromptNodeTypeID = `GIVEN_FirstPromptNodeTypeID`, SecondMode = `GIVEN_SecondMode`, SecondMinDigits = `GIVEN_SecondMinDigits `, SecondMaxDigits = `GIVEN_SecondMaxDigits`, SecondPromptNodeType = `GIVEN_SecondPromptNodeType`, SecondPromptNodeNumber = `GIVEN_SecondPromptNodeNumber`, SecondPromptNodeTypeID = `GIVEN_SecondPromptNodeTypeID` WHERE (ConfigID = Given_ConfigID) AND (PartID = Given_PartID) AND (NodeTypeID = Given_NodeTypeID) AND (NodeNumber = Given_NodeNumber))sql"},

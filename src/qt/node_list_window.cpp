@@ -3,7 +3,9 @@
 #include "core/component_error.h"
 #include "database/database.h"
 #include "qt/directory_check_window.h"
+#include "qt/event_hook.h"
 #include "qt/node_text_actions.h"
+#include "qt/screen_fit.h"
 #include "session/directory_check.h"
 
 #include <QAction>
@@ -84,14 +86,36 @@ NodeListWindow::NodeListWindow(DataBase& db, std::string databasePath, OpenNode 
     table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table_->verticalHeader()->hide();
     table_->setTabKeyNavigation(false);
+    // A label stays on one line; its column is as wide as the longest.
+    table_->setWordWrap(false);
+    table_->horizontalHeader()->setStretchLastSection(true);
     layout->addWidget(table_);
+    empty_ = new QLabel(central);
+    empty_->setObjectName(QStringLiteral("emptyDatabase"));
+    empty_->setWordWrap(true);
+    empty_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    empty_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+    empty_->hide();
+    layout->addWidget(empty_, 1);
     setCentralWidget(central);
     BuildMenus();
 
     connect(configurations_, &QComboBox::currentIndexChanged, this,
             [this] { FillPartitions(std::nullopt); });
     connect(partitionChooser_, &QComboBox::currentIndexChanged, this, [this] { ReadNodes(); });
-    connect(filter_, &QLineEdit::textChanged, this, [this] { FillTable(); });
+    connect(filter_, &QLineEdit::textChanged, this, [this] { FillTable(true); });
+    // Up and Down in the filter move the selection in the table.
+    filterKeys_ = std::make_unique<EventHook>(*filter_, QEvent::KeyPress, [this](QEvent& event) {
+        const int key = static_cast<QKeyEvent&>(event).key();
+        if (key != Qt::Key_Up && key != Qt::Key_Down) {
+            return false;
+        }
+        const int row = table_->currentRow() + (key == Qt::Key_Up ? -1 : 1);
+        if (row >= 0 && row < table_->rowCount()) {
+            table_->selectRow(row);
+        }
+        return true;
+    });
     // Enter on a row and a double-click both activate it.
     connect(table_, &QTableWidget::activated, this, [this] { OpenSelected(); });
     connect(filter_, &QLineEdit::returnPressed, this, [this] { OpenSelected(); });
@@ -109,6 +133,8 @@ NodeListWindow::NodeListWindow(DataBase& db, std::string databasePath, OpenNode 
     } catch (const ComponentError&) {
         // The list has told the database's failure already.
     }
+    KeepOnScreen(*this);
+    table_->setFocus();
 }
 
 NodeListWindow::~NodeListWindow() = default;
@@ -198,10 +224,28 @@ void NodeListWindow::ReadNodes() {
     if (const std::optional<session::PartitionKey> shown = ShownPartition()) {
         Guarded([&] { rows_ = list_.Nodes(*shown); });
     }
-    FillTable();
+    FillTable(false);
+    ExplainEmptyDatabase();
 }
 
-void NodeListWindow::FillTable() {
+void NodeListWindow::ExplainEmptyDatabase() {
+    const bool empty = partitions_.empty();
+    table_->setVisible(!empty);
+    empty_->setVisible(empty);
+    if (empty) {
+        empty_->setText(WhyNoNodes());
+    }
+}
+
+QString NodeListWindow::WhyNoNodes() {
+    std::string why;
+    Guarded([&] { why = list_.WhyNoNodes(); });
+    return Text(why);
+}
+
+void NodeListWindow::FillTable(bool keepSelection) {
+    const std::optional<std::int16_t> previous =
+        keepSelection ? SelectedNumber() : std::optional<std::int16_t>();
     const std::vector<session::NodeListRow> shown =
         session::FilterNodeRows(rows_, filter_->text().toStdString());
     table_->setRowCount(static_cast<int>(shown.size()));
@@ -212,7 +256,9 @@ void NodeListWindow::FillTable() {
                  Qt::AlignRight);
         number->setData(Qt::UserRole, row.number);
         table_->setItem(i, 0, number);
-        table_->setItem(i, 1, Cell(Text(row.label)));
+        QTableWidgetItem* label = Cell(Text(row.label));
+        label->setToolTip(Text(row.label));
+        table_->setItem(i, 1, label);
         table_->setItem(i, 2, Cell(Text(row.method)));
         table_->setItem(i, 3, Cell(QString::number(row.directory), Qt::AlignRight));
         table_->setItem(i, 4, Cell(Text(row.modified)));
@@ -225,19 +271,28 @@ void NodeListWindow::FillTable() {
                              Qt::AlignRight));
     }
     table_->resizeColumnsToContents();
-    table_->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
-    if (table_->rowCount() > 0 && table_->currentRow() < 0) {
-        table_->selectRow(0);
+    // The node selected before stays selected while it is shown; otherwise
+    // the first row, or at the start the first node after the template.
+    if (previous && SelectNumber(*previous)) {
+        return;
+    }
+    int first = 0;
+    if (!keepSelection && !shown.empty() && shown.front().isTemplate && shown.size() > 1) {
+        first = 1;
+    }
+    if (table_->rowCount() > 0) {
+        table_->selectRow(first);
     }
 }
 
-void NodeListWindow::SelectNumber(std::int16_t number) {
+bool NodeListWindow::SelectNumber(std::int16_t number) {
     for (int row = 0; row < table_->rowCount(); ++row) {
         if (table_->item(row, 0)->data(Qt::UserRole).toInt() == number) {
             table_->selectRow(row);
-            return;
+            return true;
         }
     }
+    return false;
 }
 
 std::vector<std::int16_t> NodeListWindow::ShownNumbers() const {
@@ -289,6 +344,8 @@ void NodeListWindow::CheckSelected() {
 void NodeListWindow::NewNode() {
     const std::optional<session::PartitionKey> shown = ShownPartition();
     if (!shown) {
+        // No partition has a template to copy: say so rather than do nothing.
+        QMessageBox::information(this, QStringLiteral("Information"), WhyNoNodes());
         return;
     }
     std::int16_t highest = 0;

@@ -11,6 +11,7 @@
 #include <vector>
 
 class QComboBox;
+class QLabel;
 class QLineEdit;
 class QTableWidget;
 
@@ -21,6 +22,7 @@ class DataBase;
 namespace dbn::qt {
 
 class DirectoryCheckWindow;
+class EventHook;
 
 // The program's main window: the dial-by-name nodes of one partition of the
 // configuration database, with a configuration and a partition chooser and
@@ -57,8 +59,13 @@ private:
     // `preferred` when it is there, and reads that partition's nodes.
     void FillPartitions(std::optional<std::int16_t> preferred);
     void ReadNodes();
-    void FillTable();
-    void SelectNumber(std::int16_t number);
+    // Fills the table from the rows that pass the filter. keepSelection keeps
+    // the selected node selected while it is shown.
+    void FillTable(bool keepSelection);
+    // A database without dial-by-name nodes shows why in place of the table.
+    void ExplainEmptyDatabase();
+    QString WhyNoNodes();
+    bool SelectNumber(std::int16_t number);
     std::optional<std::int16_t> SelectedNumber() const;
     std::optional<session::PartitionKey> ShownPartition() const;
     // Runs a database step; an error is shown in one box and answers false.
@@ -74,6 +81,8 @@ private:
     QLineEdit* filter_ = nullptr;
     QTableWidget* table_ = nullptr;
     DirectoryCheckWindow* report_ = nullptr;
+    QLabel* empty_ = nullptr;
+    std::unique_ptr<EventHook> filterKeys_;
 };
 
 }  // namespace dbn::qt

@@ -29,6 +29,8 @@ public:
     explicit Business_Rules(form::FormServices& services);
     // A second object working on an already loaded form (FormBusinessRules).
     Business_Rules(form::FormServices& services, form::GUI& form);
+    // The same, sharing the host object's DataBase: one connection a process.
+    Business_Rules(form::FormServices& services, form::GUI& form, std::shared_ptr<DataBase> db);
     ~Business_Rules() override;
 
     // Loads, fills and shows the editor for one node; returns when the form
@@ -40,6 +42,9 @@ public:
     // True when the last ShowNodeEditor could not open the database (it then
     // showed one box and no form).
     bool DatabaseUnavailable() const noexcept { return databaseUnavailable_; }
+    // True when the last ShowNodeEditor showed the form: the node existed and
+    // loaded.
+    bool NodeShown() const noexcept { return nodeShown_; }
     DataBase& Db() noexcept { return db_; }
     form::GUI& Form();
     form::FormServices& Services() noexcept { return services_; }
@@ -60,6 +65,7 @@ public:
 
     // ---- Saving --------------------------------------------------------
     bool SaveChanges(std::int16_t nodeNumber) override;
+    std::optional<std::string> NodeDescription(std::int32_t typeID, std::int16_t number) override;
     void CheckForUnReferencedNodes();
     void AddNodeTolstRequired(std::string key, std::string typeID, std::string number);
     bool IsNodeExisted(std::string typeID, std::string number);
@@ -73,6 +79,9 @@ private:
     // Opens the database and reads the node once; a failure is shown in one
     // box and answers false.
     bool OpenDatabase(std::int16_t Config_ID, std::int16_t Partition_ID, std::int16_t Node_Number);
+    // Reads what the start-up will read, in two batches.
+    void ReadStartUpAhead(std::int16_t Config_ID, std::int16_t Partition_ID,
+                          std::int16_t Node_Number);
 
     enum class WriteOutcome { Committed, Changed, Vanished };
     struct WriteResult {
@@ -86,9 +95,11 @@ private:
     void ReportMissingReferences(const std::string& node);
 
     form::FormServices& services_;
-    DataBase db_;
+    std::shared_ptr<DataBase> sharedDb_;
+    DataBase& db_;
     bool editingNodeZero_ = false;
     bool databaseUnavailable_ = false;
+    bool nodeShown_ = false;
     // The form this object works on: owned when this object showed it,
     // borrowed when this is the form's own object.
     std::unique_ptr<form::GUI> ownedForm_;
@@ -101,6 +112,8 @@ private:
     bool checkFailed_ = false;
     // Set when the last LoadData stopped on a database failure.
     bool loadFailed_ = false;
+    // Set when the operator cancelled the last check: the save does not go on.
+    bool checkCancelled_ = false;
     // Per row of the last check's required-node lists: found or created.
     std::vector<bool> referenceFound_;
     // Settings the node being loaded shows through a fallback.

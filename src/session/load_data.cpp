@@ -9,6 +9,8 @@
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "session/load_helpers.h"
+#include "session/node_templates.h"
+#include "session/read_ahead.h"
 #include "session/stored_state.h"
 
 #include <array>
@@ -56,6 +58,14 @@ bool SelectLanguage(form::ListControl& list, std::int64_t value) {
 
 }  // namespace
 
+std::optional<std::string> Business_Rules::NodeDescription(std::int32_t typeID,
+                                                           std::int16_t number) {
+    form::GUI& form = Form();
+    const std::string looked = session::LookedUpTypeID(std::to_string(typeID));
+    return session::LookUpDescription(db_, form.ConfigID(), form.PartitionID(),
+                                      static_cast<std::int16_t>(std::stoi(looked)), number);
+}
+
 bool Business_Rules::LoadData(std::int16_t nodeNumber) {
     bool found = false;
     bool completed = false;
@@ -77,6 +87,13 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                     " cannot be edited: node numbers start at 1.");
                 SetNavigationButtons(form);
                 return;
+            }
+            // The node's reads in two batches, unless the start-up has read
+            // them already.
+            std::optional<ReadAheadScope> readAhead;
+            if (!db_.HasReadAhead()) {
+                readAhead.emplace(db_);
+                session::ReadNodeAhead(db_, config, partition, nodeNumber);
             }
             // Read first: a change made while the form is filled then shows
             // as a change at the next save rather than being overwritten. A
@@ -113,6 +130,7 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                 if (form.Loaded.shownDescription != label) {
                     rangeNotes_.NoteText("NodeDescription", label, form.Loaded.shownDescription);
                 }
+                form.NameShownNode(nodeNumber, label);
 
                 const std::string greeting = node.Field("GreetingNodeType").ToText();
                 if (!form.IsPromptTypeAvailable(greeting)) {
@@ -163,6 +181,7 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                 }
 
                 AssignCustomSettingsValues(node, nodeNumber);
+                form.RememberShownLabels();
                 form.StoredState = std::move(stored);
             } else {
                 form.StoredState.reset();

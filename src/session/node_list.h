@@ -53,6 +53,8 @@ public:
     // The partition's dial-by-name nodes by number, the template included.
     std::vector<NodeListRow> Nodes(PartitionKey where);
 
+    // Why the database shows no dial-by-name node, and what to do about it.
+    std::string WhyNoNodes();
     // The highest dial-by-name node number the partition allows (0: none).
     std::int16_t HighestNodeNumber(PartitionKey where);
 
@@ -65,7 +67,6 @@ public:
     void CreateNode(PartitionKey where, std::int16_t number);
 
 private:
-    int CountMissingTargets(PartitionKey where, std::int16_t number);
     // The names of a directory node, or nothing when it does not exist.
     std::optional<std::vector<directory::DirectoryName>> ReadDirectoryIfAny(PartitionKey where,
                                                                             std::int16_t directory);

@@ -12,6 +12,7 @@
 #include "session/confirmation_dialog.h"
 #include "session/form_references.h"
 #include "session/node_templates.h"
+#include "session/read_ahead.h"
 #include "session/transaction_scope.h"
 
 #include <exception>
@@ -149,11 +150,6 @@ bool Business_Rules::AutoCreateNode(std::string templateNumber, std::string newN
 void Business_Rules::CheckForUnReferencedNodes() {
     form::GUI& gui = Form();
     CopyGroup copies(db_);
-    // A failed look-up is not a missing node: it ends the check with its own
-    // message, and nothing is offered.
-    auto exists = [&](const std::string& typeID, const std::string& number) {
-        return session::NodeExists(db_, gui.ConfigID(), gui.PartitionID(), typeID, number);
-    };
     auto check = [&] {
         const CommitOnError commitOnError(copies);
         gui.StatusBar1.SetPanelText("Checking for non-existing nodes. Please wait...");
@@ -162,6 +158,7 @@ void Business_Rules::CheckForUnReferencedNodes() {
         std::unique_ptr<ConfirmationDialog> dialog =
             CreateObjectAs<ConfirmationDialog>(kConfirmationDialogClass);
         referenceFound_.clear();
+        checkCancelled_ = false;
         gui.lstNodeTypeName.Clear();
         gui.lstNodeTypeID.Clear();
         gui.lstNodeNumber.Clear();
@@ -196,13 +193,28 @@ void Business_Rules::CheckForUnReferencedNodes() {
             gatherPair(gui.cmbExitPromptNode, gui.cmbExitPromptNumber);
         }
 
+        // Whether each node and its type's template exist, asked in one
+        // batch; a failed look-up is not a missing node: it ends the check
+        // with its own message, and nothing is offered. A copy creates only the node it was asked
+        // for, which no later row names again (the rows' keys are distinct).
+        std::vector<std::pair<std::string, std::string>> lookups;
+        for (int i = 0; i < gui.lstNodeTypeName.ListCount(); ++i) {
+            lookups.emplace_back(gui.lstNodeTypeID.List(i), gui.lstNodeNumber.List(i));
+            lookups.emplace_back(gui.lstNodeTypeID.List(i), kTemplateNumber);
+        }
+        const std::vector<BatchAnswer> found =
+            db_.ExecuteBatch(session::ExistenceReads(gui.ConfigID(), gui.PartitionID(), lookups));
+        auto exists = [&](int row, bool templateNode) {
+            return found[static_cast<std::size_t>(2 * row + (templateNode ? 1 : 0))].count > 0;
+        };
+
         long answer = 0;
         referenceFound_.assign(static_cast<std::size_t>(gui.lstNodeTypeName.ListCount()), false);
         for (int i = 0; i < gui.lstNodeTypeName.ListCount(); ++i) {
             const std::string key = gui.lstNodeTypeName.List(i);
             const std::string typeID = gui.lstNodeTypeID.List(i);
             const std::string number = gui.lstNodeNumber.List(i);
-            if (exists(typeID, number)) {
+            if (exists(i, false)) {
                 referenceFound_[static_cast<std::size_t>(i)] = true;
                 continue;
             }
@@ -227,7 +239,7 @@ void Business_Rules::CheckForUnReferencedNodes() {
                     copies.Commit();
                     gui.ShowInformation(key +
                                         " could not be created: its type cannot be created here.");
-                } else if (!exists(typeID, kTemplateNumber)) {
+                } else if (!exists(i, true)) {
                     copies.Commit();
                     gui.ShowInformation(
                         key + " could not be created: there is no template node 0 of its type.");
@@ -243,7 +255,11 @@ void Business_Rules::CheckForUnReferencedNodes() {
                             " could not be created: there is no template node 0 of its type.");
                     }
                 }
-            } else if (answer == form::kConfirmCancel || answer == 0) {
+            } else if (answer == form::kConfirmCancel) {
+                // The save that asked stops too; the nodes created so far stay.
+                checkCancelled_ = true;
+                break;
+            } else if (answer == form::kConfirmNoToAll || answer == 0) {
                 break;
             }
         }

@@ -104,6 +104,12 @@ std::vector<std::string> Part1Arguments(form::GUI& gui, const NodeKeyText& key) 
     return args;
 }
 
+// The confirmation rows a save stores: the list's while the section is on,
+// the rows set aside in LVTemp while it is off.
+const form::ListView& PromptRows(form::GUI& gui) {
+    return SelectedTagText(gui.cmbConfirmation) == "1" ? gui.LVConfirm : gui.LVTemp;
+}
+
 std::vector<std::string> Part2Arguments(form::GUI& gui, const NodeKeyText& key) {
     std::vector<std::string> args;
     Append(args, PairReference(gui.cmbTimeoutNode, gui.cmbTimeoutNumber));
@@ -114,10 +120,13 @@ std::vector<std::string> Part2Arguments(form::GUI& gui, const NodeKeyText& key) 
     args.push_back(ListTag(gui, gui.cmbConfirmation, "Confirm"));
     args.push_back(ListText(gui, gui.cmbMaxMatches, "MaxMatch"));
     args.push_back(ListTag(gui, gui.cmbPlayName, "PlayName"));
-    // Before and after the names: the list's first two rows, when it has any.
-    const bool listed = gui.LVConfirm.ItemCount() > 0;
-    Append(args, listed ? RowReference(gui.LVConfirm, 0) : kDefaultPrompt);
-    Append(args, listed ? RowReference(gui.LVConfirm, 1) : kDefaultPrompt);
+    // Before and after the names: the list's first two rows, or while the
+    // section is off the rows it set aside; default prompts only when there
+    // are none.
+    const form::ListView& prompts = PromptRows(gui);
+    const bool listed = prompts.ItemCount() >= kFixedConfirmRows;
+    Append(args, listed ? RowReference(prompts, 0) : kDefaultPrompt);
+    Append(args, listed ? RowReference(prompts, 1) : kDefaultPrompt);
     Append(args, PairReference(gui.cmbExitPromptNode, gui.cmbExitPromptNumber));
     for (int reserved = 0; reserved < kReservedColumns; ++reserved) {
         args.push_back("0");
@@ -127,25 +136,28 @@ std::vector<std::string> Part2Arguments(form::GUI& gui, const NodeKeyText& key) 
     return args;
 }
 
-void AddPromptRow(DataBase& db, const NodeKeyText& key, int promptNumber,
-                  const StoredNodeRef& prompt) {
-    db.Execute("Add_DBN_PromptsNode", {key.config, key.partition, std::to_string(promptNumber),
-                                       prompt.typeID, prompt.number, key.number, prompt.type});
+BatchStep PromptRow(const NodeKeyText& key, int promptNumber, const StoredNodeRef& prompt) {
+    return {"Add_DBN_PromptsNode",
+            {key.config, key.partition, std::to_string(promptNumber), prompt.typeID, prompt.number,
+             key.number, prompt.type}};
 }
 
-// The name prompts of the confirmation list when confirmation is on, then
-// message node 1 for every prompt number up to nine that the list leaves
-// open; prompt numbers start at 1 even when the list is empty. Confirmation
-// off stores nine default prompts.
-void WritePromptRows(DataBase& db, form::GUI& gui, const NodeKeyText& key) {
+// The name prompts of the confirmation list (or, while the section is off,
+// the rows it set aside), then the name rows set aside beyond them, then
+// message node 1 for every prompt number up to nine still open; prompt
+// numbers start at 1 even when there are none.
+void AddPromptRows(std::vector<BatchStep>& batch, form::GUI& gui, const NodeKeyText& key) {
     int nextPrompt = 1;
-    if (SelectedTagText(gui.cmbConfirmation) == "1") {
-        for (int position = kFixedConfirmRows; position < gui.LVConfirm.ItemCount(); ++position) {
-            AddPromptRow(db, key, nextPrompt++, RowReference(gui.LVConfirm, position));
-        }
+    const form::ListView& prompts = PromptRows(gui);
+    for (int position = kFixedConfirmRows; position < prompts.ItemCount(); ++position) {
+        batch.push_back(PromptRow(key, nextPrompt++, RowReference(prompts, position)));
+    }
+    for (const form::list_rows::RowCells& aside : gui.AsideNameRows()) {
+        batch.push_back(
+            PromptRow(key, nextPrompt++, {aside.nodeName, aside.nodeNumber, aside.typeId}));
     }
     for (; nextPrompt <= kDefaultPromptCount; ++nextPrompt) {
-        AddPromptRow(db, key, nextPrompt, kDefaultPrompt);
+        batch.push_back(PromptRow(key, nextPrompt, kDefaultPrompt));
     }
 }
 
@@ -170,6 +182,18 @@ public:
 private:
     form::GUI& gui_;
     form::FormServices& services_;
+};
+
+// Enables Frame1 again when the scope ends, however it ends.
+class FrameEnabledAfter {
+public:
+    explicit FrameEnabledAfter(form::GUI& gui) : gui_(gui) {}
+    ~FrameEnabledAfter() { gui_.Frame1.SetEnabled(true); }
+    FrameEnabledAfter(const FrameEnabledAfter&) = delete;
+    FrameEnabledAfter& operator=(const FrameEnabledAfter&) = delete;
+
+private:
+    form::GUI& gui_;
 };
 
 // Ends the transaction that the referenced-node check left open with its
@@ -249,17 +273,28 @@ Business_Rules::WriteResult Business_Rules::WriteShownNode(std::int16_t nodeNumb
     if (!overwrite && gui.StoredState && *stored != *gui.StoredState) {
         return {WriteOutcome::Changed, std::nullopt};
     }
-    db_.Execute("Delete_DBN_PromptsNode", {key.config, key.partition, key.number});
-    if (db_.Execute("Update_DBN_Node_Part1", Part1Arguments(gui, key)) == 0) {
+    // Every write, then the state just written (what the next save compares
+    // with), in one batch.
+    std::vector<BatchStep> batch{
+        {"Delete_DBN_PromptsNode", {key.config, key.partition, key.number}},
+        {"Update_DBN_Node_Part1", Part1Arguments(gui, key)},
+        {"Update_DBN_Node_Part2", Part2Arguments(gui, key)},
+        {"Update_Node_General_Pool",
+         {Label(gui), CurrentModificationTime(), key.config, key.partition, kDbnTypeID,
+          key.number}}};
+    AddPromptRows(batch, gui, key);
+    const std::size_t stateAt = batch.size();
+    for (BatchStep& read :
+         session::StoredStateReads(gui.ConfigID(), gui.PartitionID(), nodeNumber)) {
+        batch.push_back(std::move(read));
+    }
+    std::vector<BatchAnswer> answers = db_.ExecuteBatch(batch);
+    if (answers[1].count == 0) {
+        // The node row is gone: the scope undoes the batch's other writes.
         return {WriteOutcome::Vanished, std::nullopt};
     }
-    db_.Execute("Update_DBN_Node_Part2", Part2Arguments(gui, key));
-    db_.Execute("Update_Node_General_Pool", {Label(gui), CurrentModificationTime(), key.config,
-                                             key.partition, kDbnTypeID, key.number});
-    WritePromptRows(db_, gui, key);
-    // What the next save compares with: the state just written.
     std::optional<std::string> saved =
-        session::ReadStoredState(db_, gui.ConfigID(), gui.PartitionID(), nodeNumber);
+        session::StoredStateOf(answers[stateAt], answers[stateAt + 1], answers[stateAt + 2]);
     transaction.Commit();
     return {WriteOutcome::Committed, std::move(saved)};
 }
@@ -299,6 +334,12 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
             }
             try {
                 OpenCopies copies(db_);
+                if (checkReferences && checkCancelled_) {
+                    // Cancelled at a question: the nodes created before it
+                    // are kept, the node itself is not written.
+                    copies.Commit();
+                    return;
+                }
                 gui.StatusBar1.SetPanelText("Saving node information. Please wait...");
                 WriteResult written = WriteShownNode(nodeNumber, overwrite);
                 copies.Commit();
@@ -327,6 +368,9 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
     if (result && result->outcome == WriteOutcome::Changed) {
         int answer = form::kAnswerCancel;
         form::RunTrapped(services_, "SaveChanges", [&] {
+            // The form stays disabled while the save's question waits.
+            gui.Frame1.SetEnabled(false);
+            const FrameEnabledAfter enableAfter(gui);
             answer = services_.MsgBox(nodeText() +
                                           " was changed by another program after it was opened "
                                           "here. Save your changes over it?",
@@ -361,6 +405,7 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
         return false;
     }
     gui.StoredState = std::move(result->savedState);
+    gui.NameShownNode(nodeNumber, gui.txtDescription.Text());
     form::RunTrapped(services_, "SaveChanges", [&] { ReportMissingReferences(nodeText()); });
     return true;
 }

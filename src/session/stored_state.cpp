@@ -30,8 +30,37 @@ void AppendRows(std::string& state, RowSet& rows) {
 
 }  // namespace
 
+std::vector<BatchStep> StoredStateReads(std::int16_t configID, std::int16_t partitionID,
+                                        std::int16_t nodeNumber) {
+    return {{"Get_DBN_Node",
+             {CommandArg(configID), CommandArg(partitionID), CommandArg(nodeNumber),
+              CommandArg(node_type::kDialByName)}},
+            {"Get_DBN_PromptsNode",
+             {CommandArg(configID), CommandArg(partitionID), CommandArg(nodeNumber)}},
+            {"Get_Description",
+             {CommandArg(configID), CommandArg(partitionID), CommandArg(node_type::kDialByName),
+              CommandArg(nodeNumber)}}};
+}
+
+std::optional<std::string> StoredStateOf(BatchAnswer& node, BatchAnswer& prompts,
+                                         BatchAnswer& pool) {
+    if (node.rows.Eof()) {
+        return std::nullopt;
+    }
+    std::string state;
+    AppendRows(state, node.rows);
+    AppendRows(state, prompts.rows);
+    AppendRows(state, pool.rows);
+    return state;
+}
+
 std::optional<std::string> ReadStoredState(DataBase& db, std::int16_t configID,
                                            std::int16_t partitionID, std::int16_t nodeNumber) {
+    std::optional<ReadAheadScope> readAhead;
+    if (!db.HasReadAhead()) {
+        readAhead.emplace(db);
+        db.ReadAhead(StoredStateReads(configID, partitionID, nodeNumber));
+    }
     std::string state;
     db.Execute("Get_DBN_Node", {CommandArg(configID), CommandArg(partitionID),
                                 CommandArg(nodeNumber), CommandArg(node_type::kDialByName)});
