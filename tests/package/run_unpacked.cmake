@@ -1,6 +1,7 @@
-# Unpacks the package built by package.build and runs what it installs:
-# the program (--version, init, a play scenario), the installed files, the
-# library's exported symbols, and a C11 host built against the package.
+# Checks the three packages built by package.build (control fields, files,
+# the ldconfig trigger), unpacks them together and runs what they install:
+# the program (--version, init, a play scenario), the library's exported
+# symbols, and a C11 host built against the packages.
 cmake_minimum_required(VERSION 3.25)
 
 function(run)
@@ -15,38 +16,71 @@ function(run)
   endif()
 endfunction()
 
-file(GLOB debs ${PACKAGE_DIR}/*.deb)
-list(LENGTH debs count)
-if(NOT count EQUAL 1)
-  message(FATAL_ERROR "expected one package in ${PACKAGE_DIR}, found: ${debs}")
-endif()
+# Each package: its control fields, and what it holds (paths under /usr).
+# The library and -dev packages name the library's exact version.
+set(library libcvl-dbn-node1)
+set(depends_exact "${library} (= ${VERSION})")
+set(program_files bin/dbn-node-editor share/applications/${APP_ID}.desktop
+  share/icons/hicolor/scalable/apps/${APP_ID}.svg share/metainfo/${APP_ID}.metainfo.xml
+  share/man/man1/dbn-node-editor.1.gz share/doc/dbn-node-editor/copyright)
+set(library_files ${LIBDIR}/libcvl_dbn_node.so.1 ${LIBDIR}/libcvl_dbn_node.so.${VERSION}
+  share/doc/${library}/copyright)
+set(dev_files include/cvl_dbn_node.h ${LIBDIR}/libcvl_dbn_node.so
+  ${LIBDIR}/pkgconfig/cvl_dbn_node.pc share/doc/libcvl-dbn-node-dev/copyright)
+
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK}/root)
-run(COMMAND dpkg-deb -x ${debs} ${WORK}/root)
+foreach(kind program library dev)
+  if(kind STREQUAL "program")
+    set(name dbn-node-editor)
+  elseif(kind STREQUAL "library")
+    set(name ${library})
+  else()
+    set(name libcvl-dbn-node-dev)
+  endif()
+  file(GLOB deb ${PACKAGE_DIR}/${name}_${VERSION}_*.deb)
+  if(NOT deb)
+    message(FATAL_ERROR "no package ${name} in ${PACKAGE_DIR}")
+  endif()
+  run(COMMAND dpkg-deb -f ${deb} Depends OUTPUT_VARIABLE depends)
+  if(kind STREQUAL "dev" AND NOT depends STREQUAL "${depends_exact}\n")
+    message(FATAL_ERROR "${name} depends on: ${depends}")
+  endif()
+  if(kind STREQUAL "program" AND NOT depends MATCHES "(^|, )${depends_exact}(,|\n)")
+    message(FATAL_ERROR "${name} does not depend on ${depends_exact}: ${depends}")
+  endif()
+  run(COMMAND dpkg-deb -c ${deb} OUTPUT_VARIABLE listing)
+  foreach(file ${${kind}_files})
+    if(NOT listing MATCHES " \\./usr/${file}( |\n)")
+      message(FATAL_ERROR "${name} lacks /usr/${file}:\n${listing}")
+    endif()
+  endforeach()
+  run(COMMAND dpkg-deb -x ${deb} ${WORK}/root)
+endforeach()
+
+# ldconfig runs through a trigger, never from a maintainer script.
+file(MAKE_DIRECTORY ${WORK}/control)
+file(GLOB deb ${PACKAGE_DIR}/${library}_${VERSION}_*.deb)
+run(COMMAND dpkg-deb -e ${deb} ${WORK}/control)
+file(READ ${WORK}/control/triggers triggers)
+if(NOT triggers MATCHES "activate-noawait ldconfig")
+  message(FATAL_ERROR "the library package has no ldconfig trigger: ${triggers}")
+endif()
+foreach(script postinst postrm)
+  if(EXISTS ${WORK}/control/${script})
+    message(FATAL_ERROR "the library package has a ${script} script")
+  endif()
+endforeach()
+
 set(usr ${WORK}/root/usr)
 set(program ${usr}/bin/dbn-node-editor)
+set(soname ${usr}/${LIBDIR}/libcvl_dbn_node.so.1)
+set(pcfile ${usr}/${LIBDIR}/pkgconfig/cvl_dbn_node.pc)
 
 run(COMMAND ${program} --version OUTPUT_VARIABLE version)
 if(NOT version STREQUAL "dbn-node-editor ${VERSION}\n")
   message(FATAL_ERROR "--version printed: ${version}")
 endif()
-
-# Installed files.
-file(GLOB_RECURSE soname ${usr}/lib/libcvl_dbn_node.so.1)
-file(GLOB_RECURSE devlink ${usr}/lib/libcvl_dbn_node.so)
-file(GLOB_RECURSE pcfile ${usr}/lib/cvl_dbn_node.pc)
-foreach(path soname devlink pcfile)
-  if(NOT ${path})
-    message(FATAL_ERROR "the package lacks ${path}")
-  endif()
-endforeach()
-foreach(file include/cvl_dbn_node.h share/applications/${APP_ID}.desktop
-    share/icons/hicolor/scalable/apps/${APP_ID}.svg share/metainfo/${APP_ID}.metainfo.xml
-    share/man/man1/dbn-node-editor.1.gz share/doc/dbn-node-editor/copyright)
-  if(NOT EXISTS ${usr}/${file})
-    message(FATAL_ERROR "the package lacks /usr/${file}")
-  endif()
-endforeach()
 
 # Only the C entry point is exported.
 run(COMMAND nm -D --defined-only ${soname} OUTPUT_VARIABLE symbols)
