@@ -45,4 +45,5 @@ set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "${library_exact}")
 set(CPACK_COMPONENT_DEV_DESCRIPTION "dial-by-name node editor as a C library - development files
 The C header, the development link and the pkg-config file of the node
 editor library of a telephone answering system's call flow.")
+set(CPACK_POST_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/DbnPackageNoLdconfig.cmake)
 include(CPack)
