@@ -13,11 +13,19 @@ namespace {
 constexpr std::chrono::milliseconds kNoWait{0};
 constexpr std::chrono::milliseconds kLockWait{30000};
 
+// The version row is not copied: the target's new schema carries its own.
+bool IsVersionTable(const SchemaTable& table) {
+    return table.name == "Schema_Version";
+}
+
+// Every table's rows; a table an older source does not have yet (the
+// history) is empty.
 std::vector<TableRows> ReadConfiguration(DatabaseEngine& source) {
     source.BeginRead();
     std::vector<TableRows> tables;
     for (const SchemaTable& table : ConfigurationSchema()) {
-        tables.push_back(source.ReadTable(table));
+        const bool copied = !IsVersionTable(table) && source.HasTable(table);
+        tables.push_back(copied ? source.ReadTable(table) : TableRows{});
     }
     source.Exec("COMMIT", "reading");
     return tables;
@@ -26,7 +34,7 @@ std::vector<TableRows> ReadConfiguration(DatabaseEngine& source) {
 bool HoldsConfigurationRows(DatabaseEngine& target) {
     const auto& tables = ConfigurationSchema();
     return std::any_of(tables.begin(), tables.end(), [&target](const SchemaTable& table) {
-        return target.HasTable(table) && target.HasRows(table);
+        return !IsVersionTable(table) && target.HasTable(table) && target.HasRows(table);
     });
 }
 

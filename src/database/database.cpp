@@ -31,10 +31,29 @@ std::string DataBase::ConnectionString() const {
 
 DatabaseEngine& DataBase::Engine() {
     if (!engine_) {
-        engine_ = ConnectEngine(target_, busyTimeout_);
-        engine_->SetWaitHandler(waitHandler_);
+        std::unique_ptr<DatabaseEngine> engine = ConnectEngine(target_, busyTimeout_);
+        schema_ = PrepareSchema(*engine, target_);
+        engine->SetWaitHandler(waitHandler_);
+        engine_ = std::move(engine);
     }
     return *engine_;
+}
+
+int DataBase::SchemaVersion() {
+    Engine();
+    return schema_.version;
+}
+
+std::string DataBase::UserName() {
+    return Engine().UserName();
+}
+
+int DataBase::ListenForChanges() {
+    return Engine().ListenForChanges();
+}
+
+bool DataBase::ChangesCommitted() {
+    return Engine().ChangesCommitted();
 }
 
 long DataBase::Execute(std::string_view commandName, const std::vector<std::string>& args) {

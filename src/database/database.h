@@ -3,6 +3,7 @@
 #include "database/database_observer.h"
 #include "database/database_target.h"
 #include "database/row_set.h"
+#include "database/schema_version.h"
 
 #include <chrono>
 #include <functional>
@@ -66,6 +67,23 @@ public:
     // Number of commands executed through this object (for measurements).
     long ExecutedCount() const noexcept { return executed_; }
 
+    // The schema version in use; connects first. An older database is
+    // upgraded on connecting (see schema_version.h).
+    int SchemaVersion();
+    // True when the database keeps the node history (not an older one
+    // opened read-only).
+    bool KeepsHistory() { return SchemaVersion() >= kHistorySchemaVersion; }
+    // The database user on a server; empty for a file.
+    std::string UserName();
+
+    // Starts hearing changes committed by other connections: answers the
+    // socket to watch for them, or -1 when ChangesCommitted must be asked on
+    // a short timer.
+    int ListenForChanges();
+    // True when another connection committed (or announced) a change since
+    // the last call.
+    bool ChangesCommitted();
+
     // Reports every command, row-set read and transaction step to observer
     // until it is replaced; an empty observer stops the reports.
     void SetObserver(DataBaseObserver observer);
@@ -78,6 +96,7 @@ private:
     std::chrono::milliseconds busyTimeout_{30000};
     std::function<void()> waitHandler_;
     std::unique_ptr<DatabaseEngine> engine_;
+    SchemaState schema_;
     std::map<std::string, RowSet, std::less<>> rowSets_;
     long executed_ = 0;
     DataBaseObserver observer_;

@@ -31,6 +31,8 @@ inline constexpr long kErrServerDatabaseMissing = 4022;
 inline constexpr long kErrSchemaMissing = 4023;
 inline constexpr long kErrServerStatement = 4024;
 inline constexpr long kErrTargetHasConfiguration = 4025;
+// A schema newer than this program knows.
+inline constexpr long kErrSchemaTooNew = 4030;
 
 // Misuse of the catalogue.
 inline constexpr long kErrUnknownCommand = 4010;

@@ -5,6 +5,7 @@
 #include "database/database_errors.h"
 #include "database/demo_content_sql.h"
 #include "database/schema_sql.h"
+#include "database/schema_version.h"
 #include "database/sqlite_file_replacement.h"
 
 #include <algorithm>
@@ -84,7 +85,8 @@ std::optional<std::string> CreateConfigurationDatabase(const std::string& filePa
     }
     replacement.WriteNew([withDemoContent](DatabaseEngine& file) {
         file.Exec(std::string("BEGIN;\n") + sql::k_schema +
-                      (withDemoContent ? sql::k_demo_content : "") + "\nCOMMIT;\n",
+                      (withDemoContent ? sql::k_demo_content : "") + "\n" + SchemaVersionRowSql() +
+                      "COMMIT;\n",
                   "creating the configuration");
     });
     return backup;

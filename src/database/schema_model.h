@@ -31,12 +31,21 @@ const std::vector<SchemaTable>& ConfigurationSchema();
 const SchemaTable* FindSchemaTable(const std::string& tableName);
 
 // The PostgreSQL type of a column: key columns are 16-bit (smallint), other
-// whole numbers 64-bit like SQLite's INTEGER (bigint).
+// whole numbers, and the history's entry numbers, 64-bit like SQLite's
+// INTEGER (bigint).
 std::string PostgresColumnType(const SchemaColumn& column);
 
 // CREATE TABLE statements of every configuration table for PostgreSQL, with
 // the same columns, keys and NOT NULL rules. Identifiers are folded to lower
 // case, as PostgreSQL folds the catalogue's unquoted names.
 std::string PostgresSchemaSql();
+
+// The CREATE TABLE statement of one table, for each engine.
+std::string PostgresCreateTableSql(const SchemaTable& table);
+std::string SqliteCreateTableSql(const SchemaTable& table);
+
+// The trigger by which a server announces each new history entry on
+// kHistoryChannel, its entry number as the payload, at commit.
+std::string PostgresAnnouncementSql();
 
 }  // namespace dbn

@@ -60,15 +60,18 @@ TEST(Catalogue, EveryStatementPreparesAndRunsWithItsDeclaredParameterCount) {
 
         const std::vector<std::string> args(static_cast<std::size_t>(command.parameterCount), "1");
         db.BeginTrans();
-        EXPECT_EQ(db.Execute(command.name, args), command.name == "Add_DBN_PromptsNode" ? 1 : 0);
+        const bool inserts =
+            command.name == "Add_DBN_PromptsNode" || command.name == "Add_Node_History";
+        const bool aggregates = command.name == "Get_Last_History_Entry";
+        EXPECT_EQ(db.Execute(command.name, args), inserts || aggregates ? 1 : 0);
         db.RollbackTrans();
         if (command.kind == CommandKind::RowReturning) {
             db.Recordset(command.name).Close();
         }
     }
-    EXPECT_EQ(names.size(), 43u);
-    EXPECT_EQ(rowReturning, 10);
-    EXPECT_EQ(db.ExecutedCount(), 43);
+    EXPECT_EQ(names.size(), 48u);
+    EXPECT_EQ(rowReturning, 14);
+    EXPECT_EQ(db.ExecutedCount(), 48);
     EXPECT_EQ(FindCatalogueCommand("Update_DBN_Node"), nullptr);  // never executed: left out
 }
 
