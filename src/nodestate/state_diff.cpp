@@ -11,8 +11,8 @@ namespace {
 
 // Columns that say which node or row this is, not what it holds.
 bool IsKeyColumn(std::string_view name) {
-    static const std::set<std::string_view> keys{"ConfigID",     "PartID",       "NodeTypeID",
-                                                 "NodeNumber",   "NodeMasterID", "PromptNumber",
+    static const std::set<std::string_view> keys{"ConfigID",   "PartID",       "NodeTypeID",
+                                                 "NodeNumber", "NodeMasterID", "PromptNumber",
                                                  "SequenceNo"};
     return keys.contains(name);
 }
@@ -87,8 +87,7 @@ bool EndsWith(std::string_view text, std::string_view end) {
 
 // The reference a column belongs to: "Abort" for AbortNodeType,
 // AbortNodeNumber and AbortNodeTypeID, when the row has AbortNodeType.
-std::optional<std::string> ReferenceRole(const std::string& column, const Json& a,
-                                         const Json& b) {
+std::optional<std::string> ReferenceRole(const std::string& column, const Json& a, const Json& b) {
     for (std::string_view end : {"NodeTypeID", "NodeType", "NodeNumber"}) {
         if (EndsWith(column, end)) {
             const std::string role = column.substr(0, column.size() - end.size());

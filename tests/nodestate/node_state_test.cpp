@@ -16,9 +16,12 @@ NodeState SampleState() {
         "AbortNodeType":"MSG","AbortNodeNumber":3,"AbortNodeTypeID":0,
         "StarNodeType":"NOOP","StarNodeNumber":0,"StarNodeTypeID":814,"Reserved1":null})");
     for (int prompt = 1; prompt <= 2; ++prompt) {
-        state.details.push_back(Json{{"ConfigID", 1},        {"PartID", 2},
-                                     {"PromptNumber", prompt}, {"PromptNodeTypeID", 0},
-                                     {"PromptNodeNumber", 1}, {"NodeMasterID", 5},
+        state.details.push_back(Json{{"ConfigID", 1},
+                                     {"PartID", 2},
+                                     {"PromptNumber", prompt},
+                                     {"PromptNodeTypeID", 0},
+                                     {"PromptNodeNumber", 1},
+                                     {"NodeMasterID", 5},
                                      {"PromptNodeType", "MSG"}});
     }
     state.pool = Json::parse(R"({"ConfigID":1,"PartID":2,"NodeTypeID":15,"NodeNumber":5,
@@ -27,8 +30,9 @@ NodeState SampleState() {
 }
 
 TEST(NodeStateJson, RoundTripsValuesExactly) {
-    const std::vector<Json> values{nullptr, "", "Müller – Straße ☎", 0, -1, 32767,
-                                   9007199254740993LL, 2.5, "5", "line\nbreak \"quoted\""};
+    const std::vector<Json> values{
+        nullptr, "",  "Müller – Straße ☎",     0, -1, 32767, 9007199254740993LL,
+        2.5,     "5", "line\nbreak \"quoted\""};
     for (const Json& value : values) {
         NodeState state = SampleState();
         state.node["NodeDescription"] = value;
