@@ -1,4 +1,5 @@
 #include "session/node_templates.h"
+#include "session/node_history.h"
 
 #include "core/component_error.h"
 #include "core/node_types.h"
@@ -99,6 +100,25 @@ std::string SoundFileName(std::int16_t partition, const std::string& number) {
     return std::string(name.data(), static_cast<std::size_t>(length));
 }
 
+// The created node's history entry: its copied state as "after".
+void RecordCreatedNode(DataBase& db, std::int16_t config, std::int16_t partition,
+                       const std::string& typeID, const std::string& number) {
+    const std::optional<long> type = TypeNumber(typeID);
+    const std::optional<long> node = TypeNumber(number);
+    if (!type || !node) {
+        return;
+    }
+    const NodeKey key{config, partition, static_cast<std::int16_t>(*type),
+                      static_cast<std::int16_t>(*node)};
+    const std::optional<nodestate::NodeState> after = ReadNodeState(db, key);
+    std::string code;
+    if (after && after->pool.is_object() && after->pool.contains("NodeType") &&
+        after->pool["NodeType"].is_string()) {
+        code = after->pool["NodeType"].get<std::string>();
+    }
+    WriteHistoryEntry(db, key, code, ChangeKind::Created, std::nullopt, after);
+}
+
 }  // namespace
 
 std::optional<RequiredNode> GatheredReference(std::string key, std::string typeID,
@@ -166,6 +186,7 @@ bool CopyTemplateNode(DataBase& db, std::int16_t config, std::int16_t partition,
     }
     db.Execute("Duplicate_Node_In_General_Pool", {newNumber, CurrentModificationTime(), configText,
                                                   partitionText, templateNumber, typeID});
+    RecordCreatedNode(db, config, partition, typeID, newNumber);
     return true;
 }
 

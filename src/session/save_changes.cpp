@@ -8,6 +8,7 @@
 #include "session/form_references.h"
 #include "session/load_helpers.h"
 #include "session/modification_time.h"
+#include "session/node_history.h"
 #include "session/stored_state.h"
 #include "session/transaction_scope.h"
 
@@ -207,15 +208,17 @@ Business_Rules::WriteResult Business_Rules::WriteShownNode(std::int16_t nodeNumb
     form::GUI& gui = Form();
     const NodeKeyText key{std::to_string(gui.ConfigID()), std::to_string(gui.PartitionID()),
                           std::to_string(nodeNumber)};
+    const session::NodeKey nodeKey{gui.ConfigID(), gui.PartitionID(), node_type::kDialByName,
+                                   nodeNumber};
     TransactionScope transaction(db_);
-    const std::optional<std::string> stored =
-        session::ReadStoredState(db_, gui.ConfigID(), gui.PartitionID(), nodeNumber);
-    if (!stored) {
+    const std::optional<nodestate::NodeState> before = session::ReadNodeState(db_, nodeKey);
+    if (!before) {
         // Deleted by another program since it was loaded.
         return {WriteOutcome::Vanished, std::nullopt};
     }
-    if (!overwrite && gui.StoredState && *stored != *gui.StoredState) {
-        return {WriteOutcome::Changed, std::nullopt};
+    if (!overwrite && gui.StoredState && nodestate::ToJson(*before) != *gui.StoredState) {
+        return {WriteOutcome::Changed, std::nullopt,
+                session::ChangeDetails(db_, nodeKey, *gui.StoredState, *before)};
     }
     db_.Execute("Delete_DBN_PromptsNode", {key.config, key.partition, key.number});
     if (db_.Execute("Update_DBN_Node_Part1", Part1Arguments(gui, key)) == 0) {
@@ -226,10 +229,12 @@ Business_Rules::WriteResult Business_Rules::WriteShownNode(std::int16_t nodeNumb
                                              key.config, key.partition, kDbnTypeID, key.number});
     WritePromptRows(db_, gui, key);
     // What the next save compares with: the state just written.
-    std::optional<std::string> saved =
-        session::ReadStoredState(db_, gui.ConfigID(), gui.PartitionID(), nodeNumber);
+    const std::optional<nodestate::NodeState> after = session::ReadNodeState(db_, nodeKey);
+    session::WriteHistoryEntry(db_, nodeKey, node_type::kDialByNameCode, session::ChangeKind::Saved,
+                               before, after);
     transaction.Commit();
-    return {WriteOutcome::Committed, std::move(saved)};
+    return {WriteOutcome::Committed,
+            after ? std::optional<std::string>(nodestate::ToJson(*after)) : std::nullopt};
 }
 
 bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
@@ -261,6 +266,7 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
     if (result && result->outcome == WriteOutcome::Changed) {
         int answer = form::kAnswerCancel;
         form::RunTrapped(services_, "SaveChanges", [&] {
+            services_.SetNextBoxDetails(result->changeDetails);
             answer = services_.MsgBox(nodeText() +
                                           " was changed by another program after it was opened "
                                           "here. Save your changes over it?",

@@ -1,7 +1,7 @@
 #pragma once
 
-// The stored state of one dial-by-name node, as a fingerprint: its Node_DBN
-// row, its prompt rows and its Node_General_Pool row. The editor keeps the
+// The stored state of one dial-by-name node, as a fingerprint: the JSON of
+// its Node_DBN row, its prompt rows and its Node_General_Pool row. The editor keeps the
 // fingerprint of the node it loaded and compares it before every save, so
 // that a change made meanwhile by another program is not overwritten unasked.
 
