@@ -3,6 +3,7 @@
 #include "database/data_location.h"
 #include "database/database_target.h"
 #include "host/host_command.h"
+#include "session/node_history.h"
 
 #include <QCommandLineParser>
 #include <QStringList>
@@ -165,7 +166,11 @@ CommandArgs Parse(const HostCommand& command, const std::vector<std::string>& ar
     for (const QString& positional : parser.positionalArguments()) {
         positionals.push_back(Shown(positional));
     }
-    if (!helpWanted && positionals.size() != command.arguments.size()) {
+    const auto required = static_cast<std::size_t>(
+        std::count_if(command.arguments.begin(), command.arguments.end(),
+                      [](const CommandArgument& argument) { return !argument.optional; }));
+    if (!helpWanted &&
+        (positionals.size() < required || positionals.size() > command.arguments.size())) {
         std::string names;
         for (const CommandArgument& argument : command.arguments) {
             names += (names.empty() ? "" : " ") + argument.name;
@@ -238,7 +243,7 @@ std::string UsageLine(const HostCommand& command) {
         line += " [" + OptionText(option) + "]";
     }
     for (const CommandArgument& argument : command.arguments) {
-        line += " " + argument.name;
+        line += argument.optional ? " [" + argument.name + "]" : " " + argument.name;
     }
     return line;
 }
@@ -252,6 +257,7 @@ int RunProgram(const std::vector<std::string>& args) {
         std::cout << kProgram << " " << DBN_VERSION << "\n";
         return kExitOk;
     }
+    session::SetHistoryProgram(std::string(kProgram) + " " + DBN_VERSION);
     std::vector<std::string> rest = args;
     std::string name = kDefaultCommand;
     if (!rest.empty() && !rest[0].starts_with("-")) {

@@ -2,6 +2,7 @@
 
 #include "core/component_error.h"
 #include "qt/directory_check_window.h"
+#include "session/change_watcher.h"
 #include "session/directory_check.h"
 
 #include <QAction>
@@ -94,6 +95,7 @@ NodeListWindow::NodeListWindow(DataBase& db, std::string databasePath, OpenNode 
     connect(filter_, &QLineEdit::returnPressed, this, [this] { OpenSelected(); });
     resize(760, 420);
     Refresh();
+    StartWatching();
 }
 
 NodeListWindow::~NodeListWindow() = default;
@@ -106,6 +108,9 @@ void NodeListWindow::BuildMenus() {
     QAction* check =
         file->addAction(QStringLiteral("&Directory Check"), this, [this] { CheckSelected(); });
     check->setShortcut(Qt::Key_F7);
+    QAction* history =
+        file->addAction(QStringLiteral("&History\u2026"), this, [this] { ShowHistory(); });
+    history->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_H));
     QAction* refresh = file->addAction(QStringLiteral("&Refresh"), this, [this] { Refresh(); });
     refresh->setShortcut(QKeySequence::Refresh);
     file->addSeparator();
@@ -199,6 +204,7 @@ void NodeListWindow::FillTable() {
                                            : QStringLiteral("no directory"),
                              Qt::AlignRight));
     }
+    MarkRows(marked_);
     table_->resizeColumnsToContents();
     table_->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
     if (table_->rowCount() > 0 && table_->currentRow() < 0) {
