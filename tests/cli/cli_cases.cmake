@@ -78,7 +78,7 @@ expect(STATUS 0
   OUT "^1  [0-9-]+T[0-9:]+Z  [^ ]+@[^ ]*  dbn-node-editor ${VERSION}  saved\n    NodeDescription: \"Staff directory\" -> \"Front desk\"\n$"
   ARGS history --data-root ${history_root} 1 1 1)
 expect(STATUS 0
-  OUT "^\\[\n  {\n    \"entry\": 1,\n    \"time\": \"[^\"]+Z\",\n    \"user\": .*\"kind\": \"saved\",\n    \"changes\": \\[\n      {\n        \"field\": \"NodeDescription\",\n        \"before\": \"Staff directory\",\n        \"after\": \"Front desk\"\n"
+  OUT "^.\n  {\n    \"entry\": 1,\n    \"time\": \"[^\"]+Z\",\n    \"user\": .*\"kind\": \"saved\",\n    \"changes\": .\n      {\n        \"field\": \"NodeDescription\",\n        \"before\": \"Staff directory\",\n        \"after\": \"Front desk\"\n"
   ARGS history --data-root ${history_root} --json 1 1 1)
 expect(STATUS 0 OUT "^\\[\\]\n$" ARGS history --data-root ${history_root} --json 1 1 2)
 expect(STATUS 2 ERR "--limit N must be a whole number from 1 up, not \"0\""
