@@ -94,7 +94,8 @@ std::vector<CopiedTable> CopyConfiguration(const DatabaseTarget& from, const Dat
     std::vector<CopiedTable> counts;
     const auto& tables = ConfigurationSchema();
     for (std::size_t i = 0; i < tables.size(); ++i) {
-        counts.push_back({tables[i].name, rows[i].size()});
+        // The target's version row is its own, written with its schema.
+        counts.push_back({tables[i].name, IsVersionTable(tables[i]) ? 1 : rows[i].size()});
     }
     return counts;
 }
