@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
 
 namespace dbn::form {
 
@@ -13,6 +15,13 @@ public:
     virtual bool LoadData(std::int16_t nodeNumber) = 0;
     // Saves the node shown; true when the save committed.
     virtual bool SaveChanges(std::int16_t nodeNumber) = 0;
+    // The description of a node of the shown partition, or nothing when the
+    // node does not exist.
+    virtual std::optional<std::string> NodeDescription(std::int32_t typeID, std::int16_t number) {
+        static_cast<void>(typeID);
+        static_cast<void>(number);
+        return std::nullopt;
+    }
 };
 
 }  // namespace dbn::form

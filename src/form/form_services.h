@@ -17,8 +17,9 @@ inline constexpr int kAnswerNo = 7;
 
 // Confirmation-dialog answer codes (creation of a missing node).
 inline constexpr long kConfirmYes = 2;
+inline constexpr long kConfirmCancel = 3;  // stop: create nothing more, save nothing
 inline constexpr long kConfirmYesToAll = 4;
-inline constexpr long kConfirmCancel = 5;
+inline constexpr long kConfirmNoToAll = 5;  // create nothing more, the save goes on
 inline constexpr long kConfirmNo = 7;
 
 // Everything the form and the session ask of the user-interface toolkit. The

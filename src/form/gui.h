@@ -8,9 +8,11 @@
 #include "form/form_services.h"
 #include "form/in_place_edited_list.h"
 #include "form/keyed_collection.h"
+#include "form/list_rows.h"
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -30,7 +32,7 @@ enum class NumberChangeMode : std::int16_t {
 };
 
 // Form-level changes a view observes.
-enum class FormChange { Width, Loaded, Unloaded };
+enum class FormChange { Width, Loaded, Unloaded, Title };
 
 // The dial-by-name node editor dialog: every control, the four collections,
 // the editing state and all of the form's handlers. Toolkit-free: a view
@@ -56,6 +58,12 @@ public:
     int Width() const noexcept { return width_; }
     void SetWidth(int width);
     int Height() const noexcept { return kClientHeight; }
+    // The window title: the node on show as stored ("DBN 5 Sales directory"),
+    // then its configuration and partition; the caption before any node.
+    std::string Title() const;
+    // Names the node on show by its number and stored label, after a load or
+    // a save.
+    void NameShownNode(std::int16_t number, const std::string& label);
 
     // Every control in creation order (containers before their children).
     const std::vector<Control*>& Controls() const noexcept { return controls_; }
@@ -100,6 +108,12 @@ public:
     // The fingerprint of the node's stored state when it was loaded or last
     // saved; a save finding another one asks before it overwrites.
     std::optional<std::string> StoredState;
+
+    // The confirmation list's name rows set aside, in order: those beyond the
+    // Max Matches shown (at load or after lowering it). Raising Max Matches
+    // brings them back first; a save writes them after the names shown;
+    // Default and loading replace them.
+    std::vector<list_rows::RowCells>& AsideNameRows() noexcept { return asideNames_; }
 
     // ---- Load and unload ----------------------------------------------
     // Makes the form's own session object (set by the session before Load).
@@ -185,6 +199,18 @@ public:
     bool IsPromptTypeAvailable(const std::string& name);
     bool ValidateBeforeSave();
 
+    // The description of a target node ("" for none, NOOP, or a node that
+    // does not exist), from the rows shown, what was looked up since the last
+    // load or save, or one look-up.
+    // A row given as except is not asked (its label may be its old target's).
+    std::string TargetDescription(const std::string& typeKey, const std::string& number,
+                                  const ListItem* except = nullptr);
+    // Notes the labels the lists show right after a load: each is the
+    // description just read of its row's target.
+    void RememberShownLabels();
+    // Writes the description of the row's target into its Label cell.
+    void ShowTargetLabel(ListItem& row);
+
     // Shows an information box (information icon, OK, title "Information").
     void ShowInformation(const std::string& text);
     // Runs body under the error trap of operation: true when body completed,
@@ -227,6 +253,12 @@ private:
     std::int16_t configID_ = 0;
     std::int16_t partitionID_ = 0;
     std::int16_t nodeNumber_ = 0;
+    std::optional<std::string> shownLabel_;
+    std::int16_t shownNumber_ = 0;
+    // Descriptions looked up since the node was loaded or saved, by type ID
+    // and number.
+    std::map<std::pair<std::string, std::string>, std::string> descriptions_;
+    std::vector<list_rows::RowCells> asideNames_;
 
     std::unique_ptr<KeyedCollection> nodeNames_;
     std::unique_ptr<KeyedCollection> maxNodeNumbers_;

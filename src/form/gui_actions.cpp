@@ -47,10 +47,10 @@ void GUI::cmdActionsDefault_Click() {
             const bool numbered = action.typeId != node_type::kNoNumber;
             const std::string& code = NodeNameCollection().Item(typeKey);
             row.SetSubItem(rows::kCommandNode, numbered ? code + " 1" : code);
-            row.SetSubItem(rows::kLabel, "");
             row.SetSubItem(rows::kNodeName, code);
             row.SetSubItem(rows::kNodeTypeID, typeKey);
             row.SetSubItem(rows::kNodeNumber, numbered ? "1" : "0");
+            ShowTargetLabel(row);
         }
         EnableApply();
     });
@@ -98,8 +98,12 @@ void GUI::GenericLVactions_ItemClick(ListItem& item, ListControl& node, ListCont
 }
 
 void GUI::GenericActionsSectionNodeNumber_Click(ListControl& number) {
-    RunTrapped("GenericActionsSectionNodeNumber_Click",
-               [&] { actionsList_.WritePickedNumber(number.Text(), NodeCodeOf()); });
+    RunTrapped("GenericActionsSectionNodeNumber_Click", [&] {
+        actionsList_.WritePickedNumber(number.Text(), NodeCodeOf());
+        if (ListItem* row = LVActions.SelectedItem(); row != nullptr && row->Selected()) {
+            ShowTargetLabel(*row);
+        }
+    });
 }
 
 void GUI::LVActions_MouseUp() {

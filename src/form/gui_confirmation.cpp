@@ -29,7 +29,8 @@ constexpr std::int32_t kNewRowType = node_type::kMessage;
 void AddNewRow(GUI& gui, int position, const std::string& name) {
     const std::string typeKey = std::to_string(kNewRowType);
     const std::string& code = gui.NodeNameCollection().Item(typeKey);
-    rows::AddRow(gui.LVConfirm, position, name, code + " 1", "", code, typeKey, "1");
+    rows::AddRow(gui.LVConfirm, position, name, code + " 1", gui.TargetDescription(typeKey, "1"),
+                 code, typeKey, "1");
 }
 
 std::string MatchRowName(int match) {
@@ -80,6 +81,14 @@ void GUI::cmbConfirmation_Click() {
                 if (LVTemp.ItemCount() > 0) {
                     rows::CopyRows(LVTemp, LVConfirm);
                     LVTemp.ClearItems();
+                    // Prompts loaded while the section was off show their
+                    // labels now.
+                    for (int position = 0; position < LVConfirm.ItemCount(); ++position) {
+                        ListItem& row = LVConfirm.ItemAt(position);
+                        if (row.SubItem(rows::kLabel).empty()) {
+                            ShowTargetLabel(row);
+                        }
+                    }
                 } else {
                     AddNewRows(*this);
                 }
@@ -114,11 +123,28 @@ void GUI::cmbMaxMatches_Click() {
         if (!ConfirmRowsSuppressed() && rows::IsNumeric(matches)) {
             const int wanted = rows::ToInt16(matches);
             if (wanted > count - 2) {
-                // Name rows for the new matches, numbered on after the last row.
+                // Name rows for the new matches, numbered on after the last
+                // row: the rows set aside first, in order, then new ones.
                 for (int match = count - 1; match <= wanted; ++match) {
-                    AddNewRow(*this, match + 2, MatchRowName(match));
+                    if (asideNames_.empty()) {
+                        AddNewRow(*this, match + 2, MatchRowName(match));
+                        continue;
+                    }
+                    rows::RowCells cells = std::move(asideNames_.front());
+                    asideNames_.erase(asideNames_.begin());
+                    cells.name = MatchRowName(match);
+                    ListItem& row = rows::AddRow(LVConfirm, match + 2, cells);
+                    if (row.SubItem(rows::kLabel).empty()) {
+                        ShowTargetLabel(row);
+                    }
                 }
             } else if (wanted < count - 2) {
+                // The removed rows are set aside, ahead of those already aside.
+                std::vector<rows::RowCells> removed;
+                for (int position = wanted + 3; position <= count; ++position) {
+                    removed.push_back(rows::CellsOf(LVConfirm.ItemAt(position - 1)));
+                }
+                asideNames_.insert(asideNames_.begin(), removed.begin(), removed.end());
                 for (int position = count; position >= wanted + 3; --position) {
                     LVConfirm.RemoveItem(position - 1);
                 }
@@ -137,6 +163,7 @@ void GUI::cmbMaxMatches_Change() {
 void GUI::cmdConfirmDefault_Click() {
     RunTrapped("cmdConfirmDefault_Click", [&] {
         ClearListItems(LVConfirm);
+        asideNames_.clear();
         {
             // The rows are added below; the two selections must add none.
             ConfirmRowsGuard guard(*this);
@@ -214,8 +241,8 @@ void GUI::cmbConfirmNode_Click() {
             cmbConfirmNumber.SetVisible(false);
             cmbConfirmNode.SetWidth(kNodePickerWideWidth);
         }
-        row->SetSubItem(rows::kLabel, "");
         row->SetSubItem(rows::kNodeName, cmbConfirmNode.Text());
+        ShowTargetLabel(*row);
         if (rows::NodeNumberOf(*row) <= numbers) {
             cmbConfirmNumber.SetText(row->SubItem(rows::kNodeNumber));
         }
@@ -223,8 +250,12 @@ void GUI::cmbConfirmNode_Click() {
 }
 
 void GUI::cmbConfirmNumber_Click() {
-    RunTrapped("cmbConfirmNumber_Click",
-               [&] { confirmationList_.WritePickedNumber(cmbConfirmNumber.Text(), NodeCodeOf()); });
+    RunTrapped("cmbConfirmNumber_Click", [&] {
+        confirmationList_.WritePickedNumber(cmbConfirmNumber.Text(), NodeCodeOf());
+        if (ListItem* row = LVConfirm.SelectedItem(); row != nullptr && row->Selected()) {
+            ShowTargetLabel(*row);
+        }
+    });
 }
 
 void GUI::LVConfirm_MouseUp() {

@@ -100,6 +100,26 @@ void GUI::SetWidth(int width) {
     NotifyForm(FormChange::Width);
 }
 
+std::string GUI::Title() const {
+    if (!shownLabel_) {
+        return kCaption;
+    }
+    std::string title = "DBN " + std::to_string(shownNumber_);
+    if (!shownLabel_->empty()) {
+        title += " " + *shownLabel_;
+    }
+    return title + " - configuration " + std::to_string(configID_) + ", partition " +
+           std::to_string(partitionID_);
+}
+
+void GUI::NameShownNode(std::int16_t number, const std::string& label) {
+    shownNumber_ = number;
+    shownLabel_ = label;
+    // A load or a save may have changed which nodes exist.
+    descriptions_.clear();
+    NotifyForm(FormChange::Title);
+}
+
 int GUI::Observe(std::function<void(FormChange)> observer) {
     const int handle = nextObserver_++;
     observers_.emplace_back(handle, std::move(observer));

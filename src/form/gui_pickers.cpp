@@ -79,8 +79,8 @@ void GUI::GenericMSGLISTNOOPNode_Click(ListControl& node, ListControl& number, b
                             NodeNameCollection().Item(row->SubItem(rows::kNodeTypeID)));
             row->SetSubItem(rows::kNodeNumber, "0");
         }
-        row->SetSubItem(rows::kLabel, "");
         row->SetSubItem(rows::kNodeName, node.Text());
+        ShowTargetLabel(*row);
         if (number.ListCount() == 0) {
             // Nothing to pick: the number picker would only rewrite the row.
             number.SetVisible(false);

@@ -127,6 +127,16 @@ ListItem& AddRow(ListView& list, int position, const std::string& name,
     return row;
 }
 
+RowCells CellsOf(const ListItem& row) {
+    return {row.SubItem(kName),     row.SubItem(kCommandNode), row.SubItem(kLabel),
+            row.SubItem(kNodeName), row.SubItem(kNodeTypeID),  row.SubItem(kNodeNumber)};
+}
+
+ListItem& AddRow(ListView& list, int position, const RowCells& cells) {
+    return AddRow(list, position, cells.name, cells.commandNode, cells.label, cells.nodeName,
+                  cells.typeId, cells.nodeNumber);
+}
+
 void CopyRows(const ListView& from, ListView& to) {
     for (int position = 0; position < from.ItemCount(); ++position) {
         const ListItem& source = from.ItemAt(position);

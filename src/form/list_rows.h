@@ -51,6 +51,19 @@ ListItem& AddRow(ListView& list, int position, const std::string& name,
                  const std::string& nodeName, const std::string& typeId,
                  const std::string& nodeNumber);
 
+// The six cells of a row, kept apart from any list.
+struct RowCells {
+    std::string name;
+    std::string commandNode;
+    std::string label;
+    std::string nodeName;
+    std::string typeId;
+    std::string nodeNumber;
+};
+RowCells CellsOf(const ListItem& row);
+// Appends a row with these cells at 1-based position.
+ListItem& AddRow(ListView& list, int position, const RowCells& cells);
+
 // Appends the rows of from to to, renumbered from 1 with keys "1a", "2a", ...
 void CopyRows(const ListView& from, ListView& to);
 

@@ -33,7 +33,7 @@ int RunBrowse(const CommandArgs& args) {
             return kExitFailed;
         }
         if (!qt::OfferToCreateDatabase(path)) {
-            return kExitOk;
+            return kExitFailed;
         }
     }
 

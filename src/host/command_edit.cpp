@@ -66,6 +66,10 @@ int RunEdit(const CommandArgs& args) {
     if (editor->DatabaseUnavailable()) {
         return kExitFailed;
     }
+    // The node does not exist or was refused: its box has said why.
+    if (!editor->NodeShown()) {
+        return kExitFailed;
+    }
     if (screenshot && !written) {
         std::cerr << "dbn-node-editor: no screenshot: the editor window was not shown\n";
         return kExitFailed;
@@ -84,7 +88,8 @@ HostCommand EditCommand() {
                          {"PARTITION", "partition ID, a whole number from -32768 to 32767"},
                          {"NODE", "node number, a whole number from -32768 to 32767"}};
     command.exitCodes = {
-        {1, "failed: no display, no database, or the screenshot could not be written"}};
+        {1, "failed: no display, no database, no such node, or the screenshot could not be "
+             "written"}};
     command.run = RunEdit;
     return command;
 }

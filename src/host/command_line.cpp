@@ -169,8 +169,10 @@ CommandArgs Parse(const HostCommand& command, const std::vector<std::string>& ar
     const auto required = static_cast<std::size_t>(
         std::count_if(command.arguments.begin(), command.arguments.end(),
                       [](const CommandArgument& argument) { return !argument.optional; }));
-    if (!helpWanted &&
-        (positionals.size() < required || positionals.size() > command.arguments.size())) {
+    const bool countFits =
+        positionals.size() >= required &&
+        (!command.moreArguments.empty() || positionals.size() <= command.arguments.size());
+    if (!helpWanted && !countFits) {
         std::string names;
         for (const CommandArgument& argument : command.arguments) {
             names += (names.empty() ? "" : " ") + argument.name;
@@ -244,6 +246,9 @@ std::string UsageLine(const HostCommand& command) {
     }
     for (const CommandArgument& argument : command.arguments) {
         line += argument.optional ? " [" + argument.name + "]" : " " + argument.name;
+    }
+    if (!command.moreArguments.empty()) {
+        line += " [" + command.moreArguments + "]";
     }
     return line;
 }

@@ -68,6 +68,9 @@ struct HostCommand {
     std::string summary;  // one line, starting in lower case
     std::vector<CommandOption> options;
     std::vector<CommandArgument> arguments;
+    // Further optional arguments after the declared ones ("NODE..."); none
+    // are taken when empty.
+    std::string moreArguments;
     // Exit statuses beyond the shared ones, or replacing their meaning.
     std::vector<std::pair<int, std::string>> exitCodes;
     std::function<int(const CommandArgs&)> run;

@@ -102,7 +102,7 @@ std::optional<std::vector<std::string>> SplitWords(std::string_view line, std::s
 }
 
 bool IsAnswerCode(long code) {
-    return code == 1 || code == 2 || code == 4 || code == 5 || code == 6 || code == 7;
+    return code >= 1 && code <= 7;
 }
 
 ParsedLine ParseLine(std::string_view line) {
@@ -151,7 +151,7 @@ ParsedLine ParseLine(std::string_view line) {
         }
         // Only codes that some box or the confirmation dialog can return.
         if (!IsAnswerCode(*code)) {
-            return Invalid("answer takes 1, 2, 4, 5, 6 or 7, not " + action.operands[0]);
+            return Invalid("answer takes 1, 2, 3, 4, 5, 6 or 7, not " + action.operands[0]);
         }
         action.numbers.push_back(*code);
     }

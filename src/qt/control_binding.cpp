@@ -41,6 +41,14 @@ void ControlBinding::SyncAll() {
     }
 }
 
+void ControlBinding::SetCutOff(bool cutOff) {
+    if (cutOff_ == cutOff) {
+        return;
+    }
+    cutOff_ = cutOff;
+    OnChanged(form::ChangeAspect::State);
+}
+
 void ControlBinding::OnChanged(form::ChangeAspect aspect) {
     if (widget_ == nullptr) {
         return;
@@ -52,7 +60,7 @@ void ControlBinding::OnChanged(form::ChangeAspect aspect) {
 void ControlBinding::Sync(form::ChangeAspect aspect) {
     switch (aspect) {
         case form::ChangeAspect::State:
-            widget_->setVisible(control_.Visible());
+            widget_->setVisible(control_.Visible() && !cutOff_);
             widget_->setEnabled(control_.Enabled());
             break;
         case form::ChangeAspect::Geometry:

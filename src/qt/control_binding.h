@@ -30,6 +30,9 @@ public:
 
     // Writes every aspect of the control to the widget.
     void SyncAll();
+    // A control cut off by the form's width is hidden whatever the model says,
+    // so that no key, Tab, mnemonic or click reaches it unseen.
+    void SetCutOff(bool cutOff);
 
 protected:
     // Writes one aspect; the base handles State, Geometry and Focus.
@@ -61,6 +64,7 @@ private:
     std::vector<std::unique_ptr<EventHook>> hooks_;
     int observer_ = 0;
     bool receivingInput_ = false;
+    bool cutOff_ = false;
 };
 
 }  // namespace dbn::qt

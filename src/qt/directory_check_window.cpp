@@ -2,6 +2,7 @@
 
 #include "core/component_error.h"
 #include "qt/form_view.h"
+#include "qt/screen_fit.h"
 #include "session/directory_check.h"
 
 #include <QHeaderView>
@@ -43,7 +44,9 @@ DirectoryCheckWindow::DirectoryCheckWindow(QWidget* parent)
     table_->setHorizontalHeaderLabels(
         {"#", "Last name", "First name", "Extension", "Verdict", "Digits", "Matches", "Reason"});
     table_->verticalHeader()->hide();
-    table_->horizontalHeader()->setStretchLastSection(true);
+    // Every column as wide as its contents; the reason takes what is left.
+    table_->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    table_->horizontalHeader()->setSectionResizeMode(Column::Reason, QHeaderView::Stretch);
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
     table_->setSortingEnabled(true);
     table_->sortByColumn(Column::Sequence, Qt::AscendingOrder);
@@ -52,6 +55,13 @@ DirectoryCheckWindow::DirectoryCheckWindow(QWidget* parent)
     layout->addWidget(table_, 1);
     layout->addWidget(summary_);
     resize(900, 480);
+    // Escape and Ctrl+W close it, as its close box does.
+    for (const QKeySequence& keys :
+         {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::CTRL | Qt::Key_W)}) {
+        auto* shortcut = new QShortcut(keys, this);
+        shortcut->setContext(Qt::WindowShortcut);
+        connect(shortcut, &QShortcut::activated, this, &QWidget::close);
+    }
 }
 
 void DirectoryCheckWindow::ShowReport(const directory::DirectoryReport& report) {
@@ -108,6 +118,7 @@ DirectoryCheckWindow& ShowDirectoryCheck(FormView& view) {
         window->ShowProblem(error.what());
     }
     window->show();
+    KeepOnScreen(*window);
     window->raise();
     window->activateWindow();
     return *window;

@@ -17,6 +17,7 @@ class FormView;
 // the settings used, a table of every name the operator can sort by any
 // column, and the summary. F7 in the editor window opens it for the settings
 // the form shows now; pressing F7 again after a change shows the new answer.
+// Escape and Ctrl+W close it.
 class DirectoryCheckWindow : public QWidget {
     Q_OBJECT
 

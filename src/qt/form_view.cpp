@@ -5,8 +5,12 @@
 #include "qt/binding_factory.h"
 #include "qt/directory_check_window.h"
 #include "qt/form_fonts.h"
+#include "qt/screen_fit.h"
 
 #include <QCloseEvent>
+#include <QScrollBar>
+#include <QShortcut>
+#include <QVBoxLayout>
 
 #include <algorithm>
 #include <exception>
@@ -38,28 +42,63 @@ int Area(const QWidget* widget) {
     return widget->width() * widget->height();
 }
 
+// The shift that brings rect inside bounds along one axis, where it fits.
+int ShiftInto(int start, int length, int boundsStart, int boundsLength) {
+    if (start + length > boundsStart + boundsLength) {
+        return boundsStart + boundsLength - (start + length);
+    }
+    return start < boundsStart ? boundsStart - start : 0;
+}
+
 }  // namespace
 
 FormView::FormView(form::GUI& form, QWidget* parent)
     : QDialog(parent), form_(form), scale_(ScreenDpi()) {
-    setWindowTitle(QString::fromLatin1(form::GUI::kCaption));
+    setWindowTitle(QString::fromStdString(form.Title()));
     setFont(FormFont());
-    setSizeGripEnabled(false);
+    setSizeGripEnabled(true);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    scroll_ = new QScrollArea(this);
+    scroll_->setFrameShape(QFrame::NoFrame);
+    scroll_->setWidgetResizable(false);
+    scroll_->setFocusPolicy(Qt::NoFocus);
+    content_ = new QWidget;
+    scroll_->setWidget(content_);
+    layout->addWidget(scroll_);
+    for (QScrollBar* bar : {scroll_->horizontalScrollBar(), scroll_->verticalScrollBar()}) {
+        connect(bar, &QScrollBar::valueChanged, this, [this] { KeepCommitButtonsInView(); });
+    }
+    viewportResize_ =
+        std::make_unique<EventHook>(*scroll_->viewport(), QEvent::Resize, [this](QEvent&) {
+            KeepCommitButtonsInView();
+            return false;
+        });
     Build();
     NameControls(bindings_);
     StackBySize();
     SetTabOrder();
     FollowWidth();
     InstallDirectoryCheckKey(*this);
+    ApplyShortcut();
     formObserver_ = form.Observe([this](form::FormChange change) {
         if (change == form::FormChange::Width) {
             FollowWidth();
+        } else if (change == form::FormChange::Title) {
+            setWindowTitle(QString::fromStdString(form_.Title()));
         }
     });
+    frame1Observer_ = form.Frame1.Observe([this](form::Control&, form::ChangeAspect aspect) {
+        if (aspect == form::ChangeAspect::State) {
+            FollowFrame1();
+        }
+    });
+    FollowFrame1();
 }
 
 FormView::~FormView() {
     form_.Unobserve(formObserver_);
+    form_.Frame1.Unobserve(frame1Observer_);
     // The bindings go first, while their widgets still exist.
     bindings_.clear();
 }
@@ -69,7 +108,7 @@ void FormView::Build() {
         if (OutsideClientArea(*control)) {
             continue;
         }
-        QWidget* parent = this;
+        QWidget* parent = content_;
         if (control->Container() != nullptr) {
             const auto found = widgets_.find(control->Container());
             if (found == widgets_.end()) {
@@ -117,7 +156,92 @@ void FormView::SetTabOrder() {
 }
 
 void FormView::FollowWidth() {
-    setFixedSize(scale_.ToPixels(form_.Width()), scale_.ToPixels(form_.Height()));
+    const QSize full(scale_.ToPixels(form_.Width()), scale_.ToPixels(form_.Height()));
+    content_->setFixedSize(full);
+    // What the width cuts off is hidden, not merely out of sight.
+    for (const auto& binding : bindings_) {
+        const form::Control& control = binding->Control();
+        if (control.Container() == nullptr) {
+            binding->SetCutOff(OnForm(control).left >= form_.Width());
+        }
+    }
+    FitToScreen();
+    KeepCommitButtonsInView();
+}
+
+// The window grows no larger than the form, nor than the screen.
+void FormView::FitToScreen() {
+    const QSize fitting = content_->size().boundedTo(AvailableClientSize(*this));
+    setMaximumSize(fitting);
+    resize(fitting);
+}
+
+// A save disables Frame1; the language frame, the DIR box and the custom
+// section beside it go with it.
+void FormView::FollowFrame1() {
+    content_->setEnabled(form_.Frame1.Enabled());
+}
+
+// OK, Cancel and Apply move, as one group, into the part of the form the
+// window shows; where the whole form shows, they stay where the form has them.
+void FormView::KeepCommitButtonsInView() {
+    std::vector<std::pair<QWidget*, QRect>> buttons;
+    QRect group;
+    for (const form::Control* control : {static_cast<const form::Control*>(&form_.cmdOK),
+                                         static_cast<const form::Control*>(&form_.cmdCancel),
+                                         static_cast<const form::Control*>(&form_.cmdApply)}) {
+        QWidget* widget = WidgetOf(control->Name());
+        if (widget == nullptr) {
+            continue;
+        }
+        const QRect natural = scale_.ToPixels(control->Bounds());
+        buttons.emplace_back(widget, natural);
+        group = group.united(natural);
+    }
+    if (buttons.empty()) {
+        return;
+    }
+    const QPoint origin = buttons.front().first->parentWidget()->mapTo(content_, QPoint(0, 0));
+    const QRect shown(
+        QPoint(scroll_->horizontalScrollBar()->value(), scroll_->verticalScrollBar()->value()) -
+            origin,
+        scroll_->viewport()->size());
+    const int dx = ShiftInto(group.left(), group.width(), shown.left(), shown.width());
+    const int dy = ShiftInto(group.top(), group.height(), shown.top(), shown.height());
+    for (auto& [widget, natural] : buttons) {
+        widget->setGeometry(natural.translated(dx, dy));
+        widget->raise();
+    }
+}
+
+void FormView::ApplyShortcut() {
+    auto* save = new QShortcut(QKeySequence::Save, this);
+    connect(save, &QShortcut::activated, this, [this] {
+        if (!form_.cmdApply.Enabled() || !form_.cmdApply.Visible()) {
+            return;
+        }
+        try {
+            form::operator_input::Press(form_.cmdApply);
+        } catch (const std::exception& error) {
+            std::cerr << "error in cmdApply: " << error.what() << "\n";
+        }
+    });
+}
+
+void FormView::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    // Now that the frame is known, the window keeps within the screen.
+    FitToScreen();
+    // The editor opens at the node's label.
+    if (QWidget* label = WidgetOf(form_.txtDescription.Name());
+        label != nullptr && label->isEnabled()) {
+        label->setFocus(Qt::OtherFocusReason);
+    }
+}
+
+void FormView::resizeEvent(QResizeEvent* event) {
+    QDialog::resizeEvent(event);
+    KeepCommitButtonsInView();
 }
 
 QWidget* FormView::WidgetOf(const std::string& name) const {

@@ -3,6 +3,9 @@
 #include "core/component_error.h"
 #include "qt/directory_check_window.h"
 #include "session/change_watcher.h"
+#include "qt/event_hook.h"
+#include "qt/node_text_actions.h"
+#include "qt/screen_fit.h"
 #include "session/directory_check.h"
 
 #include <QAction>
@@ -82,20 +85,44 @@ NodeListWindow::NodeListWindow(DataBase& db, std::string databasePath, OpenNode 
     table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table_->verticalHeader()->hide();
     table_->setTabKeyNavigation(false);
+    // A label stays on one line; its column is as wide as the longest.
+    table_->setWordWrap(false);
+    table_->horizontalHeader()->setStretchLastSection(true);
     layout->addWidget(table_);
+    empty_ = new QLabel(central);
+    empty_->setObjectName(QStringLiteral("emptyDatabase"));
+    empty_->setWordWrap(true);
+    empty_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    empty_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+    empty_->hide();
+    layout->addWidget(empty_, 1);
     setCentralWidget(central);
     BuildMenus();
 
     connect(configurations_, &QComboBox::currentIndexChanged, this,
             [this] { FillPartitions(std::nullopt); });
     connect(partitionChooser_, &QComboBox::currentIndexChanged, this, [this] { ReadNodes(); });
-    connect(filter_, &QLineEdit::textChanged, this, [this] { FillTable(); });
+    connect(filter_, &QLineEdit::textChanged, this, [this] { FillTable(true); });
+    // Up and Down in the filter move the selection in the table.
+    filterKeys_ = std::make_unique<EventHook>(*filter_, QEvent::KeyPress, [this](QEvent& event) {
+        const int key = static_cast<QKeyEvent&>(event).key();
+        if (key != Qt::Key_Up && key != Qt::Key_Down) {
+            return false;
+        }
+        const int row = table_->currentRow() + (key == Qt::Key_Up ? -1 : 1);
+        if (row >= 0 && row < table_->rowCount()) {
+            table_->selectRow(row);
+        }
+        return true;
+    });
     // Enter on a row and a double-click both activate it.
     connect(table_, &QTableWidget::activated, this, [this] { OpenSelected(); });
     connect(filter_, &QLineEdit::returnPressed, this, [this] { OpenSelected(); });
     resize(760, 420);
     Refresh();
     StartWatching();
+    KeepOnScreen(*this);
+    table_->setFocus();
 }
 
 NodeListWindow::~NodeListWindow() = default;
@@ -111,6 +138,16 @@ void NodeListWindow::BuildMenus() {
     QAction* history =
         file->addAction(QStringLiteral("&History\u2026"), this, [this] { ShowHistory(); });
     history->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_H));
+    file->addAction(QStringLiteral("&Export\u2026"), this, [this] {
+        if (auto shown = ShownPartition()) {
+            ExportPartitionToFile(this, list_.Database(), *shown);
+        }
+    });
+    file->addAction(QStringLiteral("A&pply From File\u2026"), this, [this] {
+        if (ApplyFromFile(this, list_.Database())) {
+            Refresh();
+        }
+    });
     QAction* refresh = file->addAction(QStringLiteral("&Refresh"), this, [this] { Refresh(); });
     refresh->setShortcut(QKeySequence::Refresh);
     file->addSeparator();
@@ -178,10 +215,28 @@ void NodeListWindow::ReadNodes() {
     if (const std::optional<session::PartitionKey> shown = ShownPartition()) {
         Guarded([&] { rows_ = list_.Nodes(*shown); });
     }
-    FillTable();
+    FillTable(false);
+    ExplainEmptyDatabase();
 }
 
-void NodeListWindow::FillTable() {
+void NodeListWindow::ExplainEmptyDatabase() {
+    const bool empty = partitions_.empty();
+    table_->setVisible(!empty);
+    empty_->setVisible(empty);
+    if (empty) {
+        empty_->setText(WhyNoNodes());
+    }
+}
+
+QString NodeListWindow::WhyNoNodes() {
+    std::string why;
+    Guarded([&] { why = list_.WhyNoNodes(); });
+    return Text(why);
+}
+
+void NodeListWindow::FillTable(bool keepSelection) {
+    const std::optional<std::int16_t> previous =
+        keepSelection ? SelectedNumber() : std::optional<std::int16_t>();
     const std::vector<session::NodeListRow> shown =
         session::FilterNodeRows(rows_, filter_->text().toStdString());
     table_->setRowCount(static_cast<int>(shown.size()));
@@ -192,7 +247,9 @@ void NodeListWindow::FillTable() {
                  Qt::AlignRight);
         number->setData(Qt::UserRole, row.number);
         table_->setItem(i, 0, number);
-        table_->setItem(i, 1, Cell(Text(row.label)));
+        QTableWidgetItem* label = Cell(Text(row.label));
+        label->setToolTip(Text(row.label));
+        table_->setItem(i, 1, label);
         table_->setItem(i, 2, Cell(Text(row.method)));
         table_->setItem(i, 3, Cell(QString::number(row.directory), Qt::AlignRight));
         table_->setItem(i, 4, Cell(Text(row.modified)));
@@ -206,19 +263,28 @@ void NodeListWindow::FillTable() {
     }
     MarkRows(marked_);
     table_->resizeColumnsToContents();
-    table_->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
-    if (table_->rowCount() > 0 && table_->currentRow() < 0) {
-        table_->selectRow(0);
+    // The node selected before stays selected while it is shown; otherwise
+    // the first row, or at the start the first node after the template.
+    if (previous && SelectNumber(*previous)) {
+        return;
+    }
+    int first = 0;
+    if (!keepSelection && !shown.empty() && shown.front().isTemplate && shown.size() > 1) {
+        first = 1;
+    }
+    if (table_->rowCount() > 0) {
+        table_->selectRow(first);
     }
 }
 
-void NodeListWindow::SelectNumber(std::int16_t number) {
+bool NodeListWindow::SelectNumber(std::int16_t number) {
     for (int row = 0; row < table_->rowCount(); ++row) {
         if (table_->item(row, 0)->data(Qt::UserRole).toInt() == number) {
             table_->selectRow(row);
-            return;
+            return true;
         }
     }
+    return false;
 }
 
 std::vector<std::int16_t> NodeListWindow::ShownNumbers() const {
@@ -270,6 +336,8 @@ void NodeListWindow::CheckSelected() {
 void NodeListWindow::NewNode() {
     const std::optional<session::PartitionKey> shown = ShownPartition();
     if (!shown) {
+        // No partition has a template to copy: say so rather than do nothing.
+        QMessageBox::information(this, QStringLiteral("Information"), WhyNoNodes());
         return;
     }
     std::int16_t highest = 0;

@@ -12,6 +12,7 @@
 #include <vector>
 
 class QComboBox;
+class QLabel;
 class QLineEdit;
 class QSocketNotifier;
 class QTableWidget;
@@ -27,6 +28,7 @@ class ChangeWatcher;
 namespace dbn::qt {
 
 class DirectoryCheckWindow;
+class EventHook;
 
 // The program's main window: the dial-by-name nodes of one partition of the
 // configuration database, with a configuration and a partition chooser and
@@ -76,8 +78,13 @@ private:
     // `preferred` when it is there, and reads that partition's nodes.
     void FillPartitions(std::optional<std::int16_t> preferred);
     void ReadNodes();
-    void FillTable();
-    void SelectNumber(std::int16_t number);
+    // Fills the table from the rows that pass the filter. keepSelection keeps
+    // the selected node selected while it is shown.
+    void FillTable(bool keepSelection);
+    // A database without dial-by-name nodes shows why in place of the table.
+    void ExplainEmptyDatabase();
+    QString WhyNoNodes();
+    bool SelectNumber(std::int16_t number);
     std::optional<std::int16_t> SelectedNumber() const;
     std::optional<session::PartitionKey> ShownPartition() const;
     // Runs a database step; an error is shown in one box and answers false.
@@ -97,6 +104,8 @@ private:
     QSocketNotifier* notifier_ = nullptr;
     QTimer* checkTimer_ = nullptr;
     std::set<std::int16_t> marked_;
+    QLabel* empty_ = nullptr;
+    std::unique_ptr<EventHook> filterKeys_;
 };
 
 }  // namespace dbn::qt

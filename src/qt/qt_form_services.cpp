@@ -109,9 +109,11 @@ int QtFormServices::MsgBox(const std::string& text, form::MsgBoxButtons buttons,
 long QtFormServices::Confirm(const std::string& text, const std::string& title) {
     QMessageBox box(QMessageBox::Question, QString::fromStdString(title), DialogText(text),
                     QMessageBox::NoButton, view_);
-    const std::pair<const char*, long> choices[] = {{"Yes", form::kConfirmYes},
-                                                    {"Yes to All", form::kConfirmYesToAll},
-                                                    {"No", form::kConfirmNo},
+    // Captions with their mnemonics: Y, A, N and O; Cancel is Escape.
+    const std::pair<const char*, long> choices[] = {{"&Yes", form::kConfirmYes},
+                                                    {"Yes to &All", form::kConfirmYesToAll},
+                                                    {"&No", form::kConfirmNo},
+                                                    {"N&o to All", form::kConfirmNoToAll},
                                                     {"Cancel", form::kConfirmCancel}};
     std::vector<std::pair<QAbstractButton*, long>> answers;
     for (const auto& [caption, code] : choices) {

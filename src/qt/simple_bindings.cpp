@@ -27,6 +27,10 @@ TextBinding::TextBinding(form::TextField& field, QLineEdit& edit, const TwipsSca
     : ControlBinding(field, edit, scale), field_(field), edit_(edit) {
     edit.setMaxLength(field.MaxLength() > 0 ? field.MaxLength() : kUnlimitedLength);
     edit.setReadOnly(field.ReadOnly());
+    // A read-only field is read, not visited: no Tab stop, no focus.
+    if (field.ReadOnly()) {
+        edit.setFocusPolicy(Qt::NoFocus);
+    }
     WatchFocus(edit);
     QObject::connect(&edit, &QLineEdit::textEdited, Context(), [this](const QString& text) {
         Input([this, text] { return form::operator_input::Type(field_, text.toStdString()); });

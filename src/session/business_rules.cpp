@@ -81,6 +81,7 @@ bool Business_Rules::OpenDatabase(std::int16_t Config_ID, std::int16_t Partition
 
 bool Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partition_ID,
                                     std::int16_t Node_Number) {
+    nodeShown_ = false;
     // A database that is missing or cannot be read is told once, before any
     // form exists, instead of by every loading step in turn.
     if (!OpenDatabase(Config_ID, Partition_ID, Node_Number)) {
@@ -117,6 +118,7 @@ bool Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partiti
         form.cmdApply.SetEnabled(false);
 
         if (found) {
+            nodeShown_ = true;
             services_.ShowModal(form);
         } else {
             form.Unload();

@@ -40,6 +40,9 @@ public:
     // True when the last ShowNodeEditor could not open the database (it then
     // showed one box and no form).
     bool DatabaseUnavailable() const noexcept { return databaseUnavailable_; }
+    // True when the last ShowNodeEditor showed the form: the node existed and
+    // loaded.
+    bool NodeShown() const noexcept { return nodeShown_; }
     DataBase& Db() noexcept { return db_; }
     form::GUI& Form();
     form::FormServices& Services() noexcept { return services_; }
@@ -59,6 +62,7 @@ public:
 
     // ---- Saving --------------------------------------------------------
     bool SaveChanges(std::int16_t nodeNumber) override;
+    std::optional<std::string> NodeDescription(std::int32_t typeID, std::int16_t number) override;
     void CheckForUnReferencedNodes();
     void AddNodeTolstRequired(std::string key, std::string typeID, std::string number);
     bool IsNodeExisted(std::string typeID, std::string number);
@@ -90,6 +94,7 @@ private:
     DataBase db_;
     bool editingNodeZero_ = false;
     bool databaseUnavailable_ = false;
+    bool nodeShown_ = false;
     // The form this object works on: owned when this object showed it,
     // borrowed when this is the form's own object.
     std::unique_ptr<form::GUI> ownedForm_;
@@ -97,6 +102,8 @@ private:
     // Set by SaveChanges while it runs the referenced-node check: the check
     // then leaves its last copies uncommitted for the save to join.
     bool keepCopiesOpen_ = false;
+    // Set when the operator cancelled the last check: the save does not go on.
+    bool checkCancelled_ = false;
     // Per row of the last check's required-node lists: found or created.
     std::vector<bool> referenceFound_;
     // Settings the node being loaded shows through a fallback.

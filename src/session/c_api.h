@@ -41,16 +41,17 @@ enum {
 /* Answers of the question whether to create a missing node. */
 enum {
     CVL_DBN_CONFIRM_YES = 2,
+    CVL_DBN_CONFIRM_CANCEL = 3, /* create nothing more; the node is not saved */
     CVL_DBN_CONFIRM_YES_TO_ALL = 4,
-    CVL_DBN_CONFIRM_CANCEL = 5,
+    CVL_DBN_CONFIRM_NO_TO_ALL = 5, /* create nothing more; the save goes on */
     CVL_DBN_CONFIRM_NO = 7
 };
 
 /* What cvl_dbn_show_node_editor answers. */
 enum {
-    CVL_DBN_SHOWN = 0,         /* the editor was shown and has closed */
-    CVL_DBN_NOT_EDITABLE = 1,  /* the node does not exist or cannot be edited */
-    CVL_DBN_NOT_STARTED = -1   /* the editor could not start (e.g. no database) */
+    CVL_DBN_SHOWN = 0,        /* the editor was shown and has closed */
+    CVL_DBN_NOT_EDITABLE = 1, /* the node does not exist or cannot be edited */
+    CVL_DBN_NOT_STARTED = -1  /* the editor could not start (e.g. no database) */
 };
 
 typedef struct cvl_dbn_editor cvl_dbn_editor;

@@ -12,7 +12,8 @@ namespace dbn {
 inline constexpr const char* kConfirmationDialogClass = "ConfirmationDialog";
 
 // The question asked before a missing referenced node is created. It offers
-// "Yes" (2), "Yes to All" (4), "No" (7) and "Cancel" (5); closing it answers 5.
+// "Yes" (2), "Yes to All" (4), "No" (7), "No to All" (5) and "Cancel" (3);
+// closing it answers 3.
 // Created by name for one check and released after it.
 class ConfirmationDialog : public Component {
 public:

@@ -6,6 +6,7 @@
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "session/load_helpers.h"
+#include "session/node_templates.h"
 
 namespace dbn {
 namespace {
@@ -120,13 +121,21 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeN
                 rangeNotes_.Note("Confirm", confirm, form.cmbConfirmation);
             }
         }
-        if (confirm == 1) {
+        form.AsideNameRows().clear();
+        if (confirm == 0 || confirm == 1) {
+            // With confirmation on the rows are shown with their labels; with
+            // it off they wait in LVTemp, as if set aside, and show their
+            // labels when the section is switched on.
+            const bool shown = confirm == 1;
+            form::ListView& list = shown ? form.LVConfirm : form.LVTemp;
             const form::KeyedCollection& names = form.NodeNameCollection();
             auto addRow = [&](int position, const std::string& name,
                               const session::StoredRef& ref) {
                 const std::string description =
-                    session::LookUpDescription(db_, config, partition, ref.typeID, ref.number);
-                session::AddTargetRow(form.LVConfirm, position, name, ref, description, names);
+                    shown
+                        ? session::LookUpDescription(db_, config, partition, ref.typeID, ref.number)
+                        : std::string();
+                session::AddTargetRow(list, position, name, ref, description, names);
             };
             addRow(1, "Before Names", session::ReadRef(node, "BeforePrompt"));
             addRow(2, "After Names", session::ReadRef(node, "AfterPrompt"));
@@ -136,17 +145,21 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeN
                          session::CommandArg(nodeNumber)});
             RowSet& prompts = db_.Recordset("Get_DBN_PromptsNode");
             session::RowSetCloser closer(prompts);
-            // At most MaxMatch name rows; with MaxMatch 0 or below every stored row.
-            const int stopAt = maxMatch + 3;
-            for (int position = 3; !prompts.Eof();) {
-                addRow(position,
-                       "Name" + session::CommandArg(prompts.Field("PromptNumber").ToInt16()),
-                       session::ReadRef(prompts, "Prompt"));
-                ++position;
-                prompts.MoveNext();
-                if (position == stopAt) {
-                    prompts.MoveLast();
-                    break;
+            // At most Max Matches name rows (every stored row for a stored
+            // MaxMatch of 0 or below); the rest are set aside, unlooked-up.
+            const int listed =
+                shown
+                    ? maxMatch
+                    : static_cast<int>(session::WholeNumber(form.cmbMaxMatches.Text()).value_or(0));
+            const int stopAt = listed + 3;
+            for (int position = 3; !prompts.Eof(); ++position, prompts.MoveNext()) {
+                const std::string name =
+                    "Name" + session::CommandArg(prompts.Field("PromptNumber").ToInt16());
+                const session::StoredRef ref = session::ReadRef(prompts, "Prompt");
+                if (position >= stopAt && listed > 0) {
+                    form.AsideNameRows().push_back(session::TargetCells(name, ref, "", names));
+                } else {
+                    addRow(position, name, ref);
                 }
             }
             prompts.Close();

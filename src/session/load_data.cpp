@@ -8,6 +8,7 @@
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "session/load_helpers.h"
+#include "session/node_templates.h"
 #include "session/stored_state.h"
 
 #include <array>
@@ -55,6 +56,14 @@ bool SelectLanguage(form::ListControl& list, std::int16_t value) {
 
 }  // namespace
 
+std::optional<std::string> Business_Rules::NodeDescription(std::int32_t typeID,
+                                                           std::int16_t number) {
+    form::GUI& form = Form();
+    const std::string looked = session::LookedUpTypeID(std::to_string(typeID));
+    return session::LookUpDescription(db_, form.ConfigID(), form.PartitionID(),
+                                      static_cast<std::int16_t>(std::stoi(looked)), number);
+}
+
 bool Business_Rules::LoadData(std::int16_t nodeNumber) {
     bool found = false;
     bool completed = false;
@@ -95,6 +104,7 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
             session::RowSetCloser closer(node);
             if (!node.Eof()) {
                 form.txtDescription.SetText(node.Field("NodeDescription").ToText());
+                form.NameShownNode(nodeNumber, form.txtDescription.Text());
 
                 const std::string greeting = node.Field("GreetingNodeType").ToText();
                 if (!form.IsPromptTypeAvailable(greeting)) {
@@ -144,6 +154,7 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                 }
 
                 AssignCustomSettingsValues(node, nodeNumber);
+                form.RememberShownLabels();
                 form.StoredState = std::move(stored);
             } else {
                 form.StoredState.reset();

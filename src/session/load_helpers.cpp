@@ -35,16 +35,20 @@ std::string LookUpDescription(DataBase& db, std::int16_t configID, std::int16_t 
     return rows.Field("NodeDescription").ToText();
 }
 
+form::list_rows::RowCells TargetCells(const std::string& name, const StoredRef& ref,
+                                      const std::string& description,
+                                      const form::KeyedCollection& nodeNames) {
+    return {name,
+            TargetText(ref),
+            description,
+            nodeNames.Item(CommandArg(ref.typeID)),
+            CommandArg(ref.typeID),
+            CommandArg(ref.number)};
+}
+
 void AddTargetRow(form::ListView& list, int position, const std::string& name, const StoredRef& ref,
                   const std::string& description, const form::KeyedCollection& nodeNames) {
-    const std::string typeName = nodeNames.Item(CommandArg(ref.typeID));
-    form::ListItem& row = list.AddItem(std::to_string(position) + "a", std::to_string(position));
-    row.SetSubItem(1, name);
-    row.SetSubItem(2, TargetText(ref));
-    row.SetSubItem(3, description);
-    row.SetSubItem(4, typeName);
-    row.SetSubItem(5, CommandArg(ref.typeID));
-    row.SetSubItem(6, CommandArg(ref.number));
+    form::list_rows::AddRow(list, position, TargetCells(name, ref, description, nodeNames));
 }
 
 std::int32_t EntryNumberOrRaise(const form::ListControl& list, int index) {

@@ -9,6 +9,7 @@
 #include "form/controls/list_view.h"
 #include "form/form_services.h"
 #include "form/keyed_collection.h"
+#include "form/list_rows.h"
 
 #include <cstdint>
 #include <functional>
@@ -41,6 +42,10 @@ std::string LookUpDescription(DataBase& db, std::int16_t configID, std::int16_t 
 
 // Adds row `position` (key "<position>a", text "<position>") with its six
 // cells: name, target, description, type name, type ID, number.
+// The cells of such a row, kept apart from any list.
+form::list_rows::RowCells TargetCells(const std::string& name, const StoredRef& ref,
+                                      const std::string& description,
+                                      const form::KeyedCollection& nodeNames);
 void AddTargetRow(form::ListView& list, int position, const std::string& name, const StoredRef& ref,
                   const std::string& description, const form::KeyedCollection& nodeNames);
 

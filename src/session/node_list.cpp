@@ -182,6 +182,24 @@ int NodeList::CountMissingTargets(PartitionKey where, std::int16_t number) {
     return missing;
 }
 
+std::string NodeList::WhyNoNodes() {
+    db_.Execute("Get_Configured_Partitions", {});
+    RowSet& rows = db_.Recordset("Get_Configured_Partitions");
+    const bool configured = !rows.Eof();
+    rows.Close();
+    if (!configured) {
+        return "This database holds no configuration yet.\n\n"
+               "To try the editor, create the demo database with: dbn-node-editor init "
+               "(add --force to replace this one).\n"
+               "To bring in a configuration, copy it from another database with: "
+               "dbn-node-editor copy FROM TO";
+    }
+    return "No partition of this database has a dial-by-name node.\n\n"
+           "A new dial-by-name node is a copy of DBN 0 of its partition, the template, and "
+           "no partition here has one. Bring in a configuration that has it with: "
+           "dbn-node-editor copy FROM TO";
+}
+
 std::int16_t NodeList::HighestNodeNumber(PartitionKey where) {
     db_.Execute("Get_Max_NodeNumber",
                 {CommandArg(where.config), CommandArg(where.partition), kDbnType});

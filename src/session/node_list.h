@@ -53,6 +53,8 @@ public:
     // The partition's dial-by-name nodes by number, the template included.
     std::vector<NodeListRow> Nodes(PartitionKey where);
 
+    // Why the database shows no dial-by-name node, and what to do about it.
+    std::string WhyNoNodes();
     // The highest dial-by-name node number the partition allows (0: none).
     std::int16_t HighestNodeNumber(PartitionKey where);
 

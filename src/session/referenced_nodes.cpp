@@ -156,6 +156,7 @@ void Business_Rules::CheckForUnReferencedNodes() {
         std::unique_ptr<ConfirmationDialog> dialog =
             CreateObjectAs<ConfirmationDialog>(kConfirmationDialogClass);
         referenceFound_.clear();
+        checkCancelled_ = false;
         gui.lstNodeTypeName.Clear();
         gui.lstNodeTypeID.Clear();
         gui.lstNodeNumber.Clear();
@@ -237,7 +238,11 @@ void Business_Rules::CheckForUnReferencedNodes() {
                             " could not be created: there is no template node 0 of its type.");
                     }
                 }
-            } else if (answer == form::kConfirmCancel || answer == 0) {
+            } else if (answer == form::kConfirmCancel) {
+                // The save that asked stops too; the nodes created so far stay.
+                checkCancelled_ = true;
+                break;
+            } else if (answer == form::kConfirmNoToAll || answer == 0) {
                 break;
             }
         }

@@ -75,6 +75,12 @@ std::vector<std::string> Part1Arguments(form::GUI& gui, const NodeKeyText& key) 
     return args;
 }
 
+// The confirmation rows a save stores: the list's while the section is on,
+// the rows set aside in LVTemp while it is off.
+const form::ListView& PromptRows(form::GUI& gui) {
+    return SelectedTagText(gui.cmbConfirmation) == "1" ? gui.LVConfirm : gui.LVTemp;
+}
+
 std::vector<std::string> Part2Arguments(form::GUI& gui, const NodeKeyText& key) {
     std::vector<std::string> args;
     Append(args, PairReference(gui.cmbTimeoutNode, gui.cmbTimeoutNumber));
@@ -85,10 +91,13 @@ std::vector<std::string> Part2Arguments(form::GUI& gui, const NodeKeyText& key) 
     args.push_back(SelectedTagText(gui.cmbConfirmation));
     args.push_back(gui.cmbMaxMatches.Text());
     args.push_back(SelectedTagText(gui.cmbPlayName));
-    // Before and after the names: the list's first two rows, when it has any.
-    const bool listed = gui.LVConfirm.ItemCount() > 0;
-    Append(args, listed ? RowReference(gui.LVConfirm, 0) : kDefaultPrompt);
-    Append(args, listed ? RowReference(gui.LVConfirm, 1) : kDefaultPrompt);
+    // Before and after the names: the list's first two rows, or while the
+    // section is off the rows it set aside; default prompts only when there
+    // are none.
+    const form::ListView& prompts = PromptRows(gui);
+    const bool listed = prompts.ItemCount() >= kFixedConfirmRows;
+    Append(args, listed ? RowReference(prompts, 0) : kDefaultPrompt);
+    Append(args, listed ? RowReference(prompts, 1) : kDefaultPrompt);
     Append(args, PairReference(gui.cmbExitPromptNode, gui.cmbExitPromptNumber));
     for (int reserved = 0; reserved < kReservedColumns; ++reserved) {
         args.push_back("0");
@@ -104,16 +113,18 @@ void AddPromptRow(DataBase& db, const NodeKeyText& key, int promptNumber,
                                        prompt.typeID, prompt.number, key.number, prompt.type});
 }
 
-// The name prompts of the confirmation list when confirmation is on, then
-// message node 1 for every prompt number up to nine that the list leaves
-// open; prompt numbers start at 1 even when the list is empty. Confirmation
-// off stores nine default prompts.
+// The name prompts of the confirmation list (or, while the section is off,
+// the rows it set aside), then the name rows set aside beyond them, then
+// message node 1 for every prompt number up to nine still open; prompt
+// numbers start at 1 even when there are none.
 void WritePromptRows(DataBase& db, form::GUI& gui, const NodeKeyText& key) {
     int nextPrompt = 1;
-    if (SelectedTagText(gui.cmbConfirmation) == "1") {
-        for (int position = kFixedConfirmRows; position < gui.LVConfirm.ItemCount(); ++position) {
-            AddPromptRow(db, key, nextPrompt++, RowReference(gui.LVConfirm, position));
-        }
+    const form::ListView& prompts = PromptRows(gui);
+    for (int position = kFixedConfirmRows; position < prompts.ItemCount(); ++position) {
+        AddPromptRow(db, key, nextPrompt++, RowReference(prompts, position));
+    }
+    for (const form::list_rows::RowCells& aside : gui.AsideNameRows()) {
+        AddPromptRow(db, key, nextPrompt++, {aside.nodeName, aside.nodeNumber, aside.typeId});
     }
     for (; nextPrompt <= kDefaultPromptCount; ++nextPrompt) {
         AddPromptRow(db, key, nextPrompt, kDefaultPrompt);
@@ -141,6 +152,18 @@ public:
 private:
     form::GUI& gui_;
     form::FormServices& services_;
+};
+
+// Enables Frame1 again when the scope ends, however it ends.
+class FrameEnabledAfter {
+public:
+    explicit FrameEnabledAfter(form::GUI& gui) : gui_(gui) {}
+    ~FrameEnabledAfter() { gui_.Frame1.SetEnabled(true); }
+    FrameEnabledAfter(const FrameEnabledAfter&) = delete;
+    FrameEnabledAfter& operator=(const FrameEnabledAfter&) = delete;
+
+private:
+    form::GUI& gui_;
 };
 
 // Ends the transaction that the referenced-node check left open with its
@@ -252,6 +275,12 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
                 CheckForUnReferencedNodes();
             }
             OpenCopies copies(db_);
+            if (checkReferences && checkCancelled_) {
+                // Cancelled at a question: the nodes created before it are
+                // kept, the node itself is not written.
+                copies.Commit();
+                return;
+            }
             gui.StatusBar1.SetPanelText("Saving node information. Please wait...");
             WriteResult written = WriteShownNode(nodeNumber, overwrite);
             copies.Commit();
@@ -266,6 +295,9 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
     if (result && result->outcome == WriteOutcome::Changed) {
         int answer = form::kAnswerCancel;
         form::RunTrapped(services_, "SaveChanges", [&] {
+            // The form stays disabled while the save's question waits.
+            gui.Frame1.SetEnabled(false);
+            const FrameEnabledAfter enableAfter(gui);
             services_.SetNextBoxDetails(result->changeDetails);
             answer = services_.MsgBox(nodeText() +
                                           " was changed by another program after it was opened "
@@ -300,6 +332,7 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
         return false;
     }
     gui.StoredState = std::move(result->savedState);
+    gui.NameShownNode(nodeNumber, gui.txtDescription.Text());
     form::RunTrapped(services_, "SaveChanges", [&] { ReportMissingReferences(nodeText()); });
     return true;
 }

@@ -48,7 +48,7 @@ cvl_dbn_callbacks Callbacks(Host& host) {
         return static_cast<int>(CVL_DBN_ANSWER_OK);
     };
     callbacks.confirm = [](void*, const char*, const char*) {
-        return static_cast<long>(CVL_DBN_CONFIRM_CANCEL);
+        return static_cast<long>(CVL_DBN_CONFIRM_NO_TO_ALL);
     };
     return callbacks;
 }

@@ -99,6 +99,34 @@ file(READ ${WORK}/watched watched)
 if(NOT watch_status EQUAL 0 OR NOT watched MATCHES "^{\"entry\":3,\"configuration\":1,\"partition\":1,\"nodeType\":\"DBN\",\"node\":1,.*\"kind\":\"saved\",\"changes\":\\[{\"field\":\"NodeDescription\",\"before\":\"Staff directory\",\"after\":\"Front desk\"}\\]}\n$")
   set(failures "${failures}\nwatch saw: ${watched} (status ${watch_status})")
 endif()
+# A node that does not exist, or is refused, fails after its box, which goes to
+# standard error with --screenshot.
+expect(STATUS 1
+  ERR "^box Information: DBN 7 doesn't exist\\. => OK\n$"
+  ARGS edit --data-root ${root} --screenshot ${WORK}/none.png 1 1 7)
+
+# On a screen scaled to 200 % (400 x 400 of the offscreen 800 x 800, smaller
+# than the editor's 706 x 561), the editor and the node list keep within it:
+# their pictures, in device pixels, are no larger than the screen.
+function(png_size file out_width out_height)
+  file(READ ${file} header LIMIT 24 HEX)
+  string(SUBSTRING "${header}" 32 8 width_hex)
+  string(SUBSTRING "${header}" 40 8 height_hex)
+  math(EXPR width "0x${width_hex}")
+  math(EXPR height "0x${height_hex}")
+  set(${out_width} ${width} PARENT_SCOPE)
+  set(${out_height} ${height} PARENT_SCOPE)
+endfunction()
+foreach(command "edit;1;1;1" "browse")
+  list(GET command 0 name)
+  execute_process(COMMAND ${CMAKE_COMMAND} -E env --unset=DISPLAY --unset=WAYLAND_DISPLAY
+      QT_SCALE_FACTOR=2 ${EDITOR} ${command} --data-root ${root} --screenshot ${WORK}/scaled.png
+    RESULT_VARIABLE status ERROR_VARIABLE err)
+  png_size(${WORK}/scaled.png width height)
+  if(NOT status EQUAL 0 OR width GREATER 800 OR height GREATER 800)
+    set(failures "${failures}\n${name} at 200 %: status ${status}, ${width} x ${height}: ${err}")
+  endif()
+endforeach()
 
 if(failures)
   message(FATAL_ERROR "${failures}")

@@ -16,6 +16,7 @@
 #include "list_text.h"
 
 #include <gtest/gtest.h>
+#include <map>
 
 #include <cstdint>
 #include <functional>
@@ -62,6 +63,9 @@ struct LinkLog {
     std::vector<std::int16_t> saves;
     bool saveCommits = true;
     int released = 0;
+    // Node descriptions by type ID and number, and how often one was asked.
+    std::map<std::pair<std::int32_t, std::int16_t>, std::string> descriptions;
+    int lookups = 0;
 };
 
 class FakeLink : public form::BusinessRulesLink {
@@ -75,6 +79,11 @@ public:
     bool SaveChanges(std::int16_t nodeNumber) override {
         log_.saves.push_back(nodeNumber);
         return log_.saveCommits;
+    }
+    std::optional<std::string> NodeDescription(std::int32_t typeID, std::int16_t number) override {
+        ++log_.lookups;
+        const auto found = log_.descriptions.find({typeID, number});
+        return found == log_.descriptions.end() ? std::nullopt : std::optional(found->second);
     }
 
 private:

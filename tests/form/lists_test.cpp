@@ -147,14 +147,20 @@ TEST_F(ListsTest, ActionsEditModeOpensPickersOverTheSelectedRowAndClosesThem) {
     EXPECT_EQ(VisibleActionPickers(), 1);
     EXPECT_TRUE(gui.cmbPoundNode.HasFocus() && services.boxes.empty());
 
-    // A picked number, or a typed one, goes into the row; its label stays.
+    // A picked number, or a typed one, goes into the row with the description
+    // of its node: one look-up for a target not known yet, none after.
+    gui.NameShownNode(1, "Front desk");  // a node on show: look-ups are worth making
+    link.descriptions[{0, 7}] = "Reception";
     input::ClickRow(gui.LVActions, Action(0));
     gui.cmbValidMatchNode.SetText("MSG");
-    Action(0).SetSubItem(3, "Reception");
     input::Pick(gui.cmbValidMatchNumber, 6);
     EXPECT_EQ(Cells(Action(0)), "1a:1|Valid Match|MSG 7|Reception|MSG|0|7");
     input::Type(gui.cmbValidMatchNumber, "17");
-    EXPECT_EQ(Cells(Action(0)), "1a:1|Valid Match|MSG 17|Reception|MSG|0|17");
+    EXPECT_EQ(Cells(Action(0)), "1a:1|Valid Match|MSG 17||MSG|0|17");
+    const int lookups = link.lookups;
+    input::Pick(gui.cmbValidMatchNumber, 6);
+    EXPECT_EQ(Cells(Action(0)), "1a:1|Valid Match|MSG 7|Reception|MSG|0|7");
+    EXPECT_EQ(link.lookups, lookups);
 
     gui.cmdApply.SetEnabled(false);
     input::Press(gui.cmdActionsEdit);
@@ -223,6 +229,26 @@ TEST_F(ListsTest, NumberOfMatchesGrowsAndShrinksKeepingTargets) {
     EXPECT_EQ(rows[3], "4a:4|Name2|LIST 4|Jones|LIST|8|4");
     EXPECT_EQ(rows[5], NewRow(6, "Name4"));
     EXPECT_EQ(rows[7], NewRow(8, "Name6"));
+
+    // Lowering sets the name rows beyond aside; raising brings them back, in
+    // order and renamed for their place, before any new row.
+    SetTarget(Confirm(6), "LIST 2|LIST|8|2", "Brown");
+    input::Pick(gui.cmbMaxMatches, 1);  // 2 matches
+    ASSERT_EQ(gui.LVConfirm.ItemCount(), 4);
+    EXPECT_EQ(gui.AsideNameRows().size(), 4u);
+    input::Pick(gui.cmbMaxMatches, 6);  // 7 matches
+    const auto back = AllCells(gui.LVConfirm);
+    ASSERT_EQ(back.size(), 9u);
+    EXPECT_EQ(back[3], "4a:4|Name2|LIST 4|Jones|LIST|8|4");
+    EXPECT_EQ(back[4], NewRow(5, "Name3"));
+    EXPECT_EQ(back[6], "7a:7|Name5|LIST 2|Brown|LIST|8|2");
+    EXPECT_EQ(back[8], NewRow(9, "Name7"));
+    EXPECT_TRUE(gui.AsideNameRows().empty());
+    // Default drops the rows set aside with the rest.
+    input::Pick(gui.cmbMaxMatches, 0);
+    ASSERT_FALSE(gui.AsideNameRows().empty());
+    input::Press(gui.cmdConfirmDefault);
+    EXPECT_TRUE(gui.AsideNameRows().empty());
 
     // With the section off the list stays empty and nothing is marked.
     input::Pick(gui.cmbConfirmation, 0);

@@ -46,8 +46,8 @@ TEST(PlayScript, InvalidLinesSayWhy) {
         {"open 1 1 32768", "\"32768\" is out of range"},
         {"answer \"\"", "\"\" is not a number"},
         {"answer 99999999999999999999", "\"99999999999999999999\" is out of range"},
-        {"answer 3", "answer takes 1, 2, 4, 5, 6 or 7, not 3"},
-        {"answer 0", "answer takes 1, 2, 4, 5, 6 or 7, not 0"},
+        {"answer 8", "answer takes 1, 2, 3, 4, 5, 6 or 7, not 8"},
+        {"answer 0", "answer takes 1, 2, 3, 4, 5, 6 or 7, not 0"},
         {"click \"cmdOK", "unclosed quote"},
         {R"(type x "ends in \")", "unclosed quote"},
     };

@@ -67,8 +67,12 @@ endif()
 
 # A C11 host built against the package alone.
 get_filename_component(pcdir ${pcfile} DIRECTORY)
-run(COMMAND pkg-config --cflags --libs cvl_dbn_node ENV PKG_CONFIG_PATH=${pcdir}
-  OUTPUT_VARIABLE flags)
+file(STRINGS ${pcfile} prefix REGEX "^prefix=")
+if(NOT prefix STREQUAL "prefix=/usr")
+  message(FATAL_ERROR "the pkg-config file names ${prefix}, not prefix=/usr")
+endif()
+run(COMMAND pkg-config --define-variable=prefix=${usr} --cflags --libs cvl_dbn_node
+  ENV PKG_CONFIG_PATH=${pcdir} OUTPUT_VARIABLE flags)
 separate_arguments(flags UNIX_COMMAND "${flags}")
 run(COMMAND ${C_COMPILER} -std=c11 -pedantic -Wall -Wextra -Werror ${C_CLIENT} ${flags}
   -o ${WORK}/c_client)

@@ -4,21 +4,26 @@
 
 #include "qt/directory_check_window.h"
 
+#include <QHeaderView>
 #include <QShortcut>
 #include <QTableWidget>
 
 namespace dbn::testing {
 namespace {
 
-// Runs the window's F7 key as the window system does once it sees the key.
-void PressF7(qt::FormView& view) {
-    for (QShortcut* shortcut : view.findChildren<QShortcut*>()) {
-        if (shortcut->key() == QKeySequence(Qt::Key_F7)) {
+// Runs a window's key as the window system does once it sees the key.
+void PressShortcut(QWidget& window, const QKeySequence& keys) {
+    for (QShortcut* shortcut : window.findChildren<QShortcut*>()) {
+        if (shortcut->key() == keys && shortcut->parent() == &window) {
             emit shortcut->activated();
             return;
         }
     }
-    ADD_FAILURE() << "F7 is not bound in the editor window";
+    ADD_FAILURE() << keys.toString().toStdString() << " is not bound in the window";
+}
+
+void PressF7(qt::FormView& view) {
+    PressShortcut(view, QKeySequence(Qt::Key_F7));
 }
 
 // The table's column as texts, top to bottom.
@@ -62,6 +67,32 @@ TEST_F(EditorWindowTest, F7ShowsTheReportOfTheUnsavedSettingsAndSortsByAnyColumn
         EXPECT_EQ(window->Heading().toStdString(),
                   "DIR 9 doesn't exist in configuration 1, partition 1.");
         EXPECT_EQ(table.rowCount(), 0);
+    });
+    EXPECT_TRUE(unexpectedBoxes.empty());
+}
+
+TEST_F(EditorWindowTest, TheReportWindowClosesFromTheKeyboardAndFitsItsColumns) {
+    Open(1, [&](form::GUI&, qt::FormView& view) {
+        qt::DirectoryCheckWindow& window = qt::ShowDirectoryCheck(view);
+        QTableWidget& table = window.Table();
+        ASSERT_GT(table.rowCount(), 0);
+        for (int column = 0; column + 1 < table.columnCount(); ++column) {
+            for (int row = 0; row < table.rowCount(); ++row) {
+                EXPECT_GT(table.columnWidth(column),
+                          table.fontMetrics().horizontalAdvance(table.item(row, column)->text()))
+                    << column;
+            }
+            EXPECT_GE(table.columnWidth(column), table.horizontalHeader()->sectionSizeHint(column))
+                << column;
+        }
+        EXPECT_LT(window.minimumWidth(), window.width());  // resizable
+        for (const QKeySequence& keys :
+             {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::CTRL | Qt::Key_W)}) {
+            qt::ShowDirectoryCheck(view);
+            ASSERT_TRUE(window.isVisible());
+            PressShortcut(window, keys);
+            EXPECT_FALSE(window.isVisible()) << keys.toString().toStdString();
+        }
     });
     EXPECT_TRUE(unexpectedBoxes.empty());
 }

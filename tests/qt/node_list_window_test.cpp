@@ -11,6 +11,7 @@
 
 #include <QAction>
 #include <QInputDialog>
+#include <QLabel>
 #include <QMenuBar>
 #include <QTableWidget>
 #include <QTimer>
@@ -182,6 +183,89 @@ TEST_F(NodeListWindowTest, RefreshReadsTheDatabaseAgainAndControlsHaveAccessible
             EXPECT_FALSE(widget->accessibleName().isEmpty())
                 << widget->metaObject()->className() << " " << widget->objectName().toStdString();
         }
+    }
+}
+
+// Start-up and the filter from the keyboard: the focus in the table on the
+// first node after the template, Enter opening it, and the filter keeping or
+// moving the selection.
+TEST_F(NodeListWindowTest, TheKeyboardReachesEveryNodeFromTheTableAndTheFilter) {
+    auto window = MakeWindow();
+    QTableWidget& table = Table(*window);
+    EXPECT_EQ(window->focusWidget(), &table);
+    EXPECT_EQ(table.currentRow(), 1);
+    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QApplication::sendEvent(window->focusWidget(), &enter);
+    EXPECT_EQ(opened, std::vector<std::string>{"1/1"});
+
+    auto* filter = window->findChild<QLineEdit*>(QStringLiteral("filter"));
+    auto selected = [&] { return window->ShownNumbers().at(table.currentRow()); };
+    const struct {
+        const char* typed;  // nullptr: a key instead
+        Qt::Key key;
+        std::int16_t selected;
+    } steps[] = {{"directory", Qt::Key_unknown, 1},  // still shown: stays
+                 {"sales", Qt::Key_unknown, 2},      // gone: the first match
+                 {"", Qt::Key_unknown, 2},           // shown again: stays
+                 {nullptr, Qt::Key_Up, 1},          {nullptr, Qt::Key_Up, 0},
+                 {nullptr, Qt::Key_Up, 0},          {nullptr, Qt::Key_Down, 1},
+                 {nullptr, Qt::Key_Down, 2},        {nullptr, Qt::Key_Down, 2}};
+    for (const auto& step : steps) {
+        if (step.typed == nullptr) {
+            QKeyEvent key(QEvent::KeyPress, step.key, Qt::NoModifier);
+            QApplication::sendEvent(filter, &key);
+        } else if (*step.typed == '\0') {
+            filter->clear();
+        } else {
+            TypeKeys(*filter, QString::fromLatin1(step.typed));
+        }
+        EXPECT_EQ(selected(), step.selected) << (step.typed ? step.typed : "key");
+    }
+    EXPECT_EQ(filter->text(), QString());
+    QApplication::sendEvent(filter, &enter);
+    EXPECT_EQ(opened, (std::vector<std::string>{"1/1", "1/2"}));
+}
+
+TEST_F(NodeListWindowTest, ALongLabelShowsWholeOnOneLineAndInItsTooltip) {
+    const QString label = QStringLiteral("Main office after-hours staff!");  // 30 characters
+    root.Exec("UPDATE Node_DBN SET NodeDescription = '" + label.toStdString() +
+              "' WHERE PartID = 1 AND NodeNumber = 1");
+    auto window = MakeWindow();
+    QTableWidget& table = Table(*window);
+    EXPECT_FALSE(table.wordWrap());
+    EXPECT_EQ(Cell(*window, 1, 1), label);
+    EXPECT_EQ(table.item(1, 1)->toolTip(), label);
+    EXPECT_GE(table.columnWidth(1), table.fontMetrics().horizontalAdvance(label));
+    EXPECT_EQ(table.rowHeight(1), table.rowHeight(2));
+}
+
+// A database without any dial-by-name node says why instead of an empty table,
+// and File > New says why no node can be made.
+TEST_F(NodeListWindowTest, ADatabaseWithoutNodesSaysWhyAndNewSaysWhyNot) {
+    const struct {
+        const char* sql;
+        const char* says;
+    } cases[] = {
+        {"DELETE FROM Node_DBN", "a copy of DBN 0 of its partition"},
+        {"DELETE FROM Node_Type_Max", "dbn-node-editor init"},
+    };
+    for (const auto& emptied : cases) {
+        root.Exec(emptied.sql);
+        auto window = MakeWindow();
+        auto* why = window->findChild<QLabel*>(QStringLiteral("emptyDatabase"));
+        ASSERT_NE(why, nullptr);
+        EXPECT_TRUE(why->isVisible()) << emptied.sql;
+        EXPECT_FALSE(Table(*window).isVisible());
+        EXPECT_TRUE(why->text().contains(QString::fromLatin1(emptied.says))) << emptied.sql;
+        EXPECT_TRUE(why->text().contains(QStringLiteral("dbn-node-editor copy")));
+
+        QString told;
+        WhenModal([&](QWidget& box) {
+            told = dynamic_cast<QMessageBox&>(box).text();
+            dynamic_cast<QMessageBox&>(box).accept();
+        });
+        window->NewNode();
+        EXPECT_EQ(told, why->text());
     }
 }
 

@@ -103,11 +103,10 @@ TEST_F(ServicesTest, MessageBoxesShowTheModelsBoxAndAnswerItsCodes) {
 }
 
 TEST_F(ServicesTest, TheQuestionDialogAnswersEachButtonsCode) {
-    const std::pair<const char*, long> expected[] = {{"Yes", form::kConfirmYes},
-                                                     {"Yes to All", form::kConfirmYesToAll},
-                                                     {"No", form::kConfirmNo},
-                                                     {"Cancel", form::kConfirmCancel},
-                                                     {"", form::kConfirmCancel}};
+    const std::pair<const char*, long> expected[] = {
+        {"Yes", form::kConfirmYes},       {"Yes to All", form::kConfirmYesToAll},
+        {"No", form::kConfirmNo},         {"No to All", form::kConfirmNoToAll},
+        {"Cancel", form::kConfirmCancel}, {"", form::kConfirmCancel}};
     for (const auto& [caption, code] : expected) {
         AnswerWith(caption);
         EXPECT_EQ(services.Confirm("Create MSG 12?", "Missing node"), code) << caption;
@@ -115,7 +114,25 @@ TEST_F(ServicesTest, TheQuestionDialogAnswersEachButtonsCode) {
     EXPECT_EQ(title, "Missing node");
     EXPECT_EQ(text, "Create MSG 12?");
     std::sort(captions.begin(), captions.end());
-    EXPECT_EQ(captions, (std::vector<std::string>{"Cancel", "No", "Yes", "Yes to All"}));
+    EXPECT_EQ(captions,
+              (std::vector<std::string>{"Cancel", "No", "No to All", "Yes", "Yes to All"}));
+}
+
+// Escape, and each mnemonic, answer the missing-node question from the keyboard.
+TEST_F(ServicesTest, TheQuestionDialogAnswersFromTheKeyboard) {
+    const std::pair<Qt::Key, long> keys[] = {{Qt::Key_Escape, form::kConfirmCancel},
+                                             {Qt::Key_Y, form::kConfirmYes},
+                                             {Qt::Key_A, form::kConfirmYesToAll},
+                                             {Qt::Key_N, form::kConfirmNo},
+                                             {Qt::Key_O, form::kConfirmNoToAll}};
+    for (const auto& [key, code] : keys) {
+        services.whenAsked = [key = key](QMessageBox& box) {
+            QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+            QApplication::sendEvent(&box, &press);
+        };
+        EXPECT_EQ(services.Confirm("MSG 12 is referenced but it does not exist.", "Confirmation"),
+                  code);
+    }
 }
 
 TEST_F(ServicesTest, BusyCursorIsOneOverrideCursorUntilEnded) {

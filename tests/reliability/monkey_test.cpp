@@ -174,7 +174,7 @@ private:
     void TopUpAnswers() {
         static constexpr int boxAnswers[] = {kAnswerYes, kAnswerNo, kAnswerCancel};
         static constexpr long confirmAnswers[] = {
-            kConfirmYes, kConfirmYesToAll, kConfirmCancel, kConfirmNo, 0, 1};
+            kConfirmYes, kConfirmYesToAll, kConfirmNoToAll, kConfirmCancel, kConfirmNo, 0, 1};
         while (services_.answers.size() < 8) {
             services_.answers.push_back(boxAnswers[Below(std::size(boxAnswers))]);
         }

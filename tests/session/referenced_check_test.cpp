@@ -54,10 +54,11 @@ TEST_F(ReferencedCheck, AnswersDecideWhatIsCreatedAndWhetherToAskOn) {
         std::vector<bool> created;  // XFER 21, MSG 21, CMD 5
     };
     const Case cases[] = {{{4}, 1, {true, true, true}},          // yes to all
-                          {{5}, 1, {false, false, false}},       // cancel
+                          {{5}, 1, {false, false, false}},       // no to all
                           {{0}, 1, {false, false, false}},       // closed
-                          {{7, 2, 5}, 3, {false, true, false}},  // no, yes, cancel
-                          {{3, 2, 2}, 3, {false, true, true}}};  // another code skips the node
+                          {{7, 2, 5}, 3, {false, true, false}},  // no, yes, no to all
+                          {{2, 3}, 2, {true, false, false}},     // yes, cancel
+                          {{1, 2, 2}, 3, {false, true, true}}};  // another code skips the node
     for (const Case& answerCase : cases) {
         TempDataRoot fresh(TempDataRoot::Content::Demo);
         services.confirmations.clear();

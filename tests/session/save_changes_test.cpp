@@ -52,17 +52,25 @@ TEST_F(SaveChanges, PromptRowsFollowTheConfirmationSetting) {
     const std::string beforeAndAfter =
         "BeforePromptNodeType || BeforePromptNodeNumber || BeforePromptNodeTypeID || ' ' || "
         "AfterPromptNodeType || AfterPromptNodeNumber || AfterPromptNodeTypeID";
-    // Saves node 1 with the confirmation switched as given and rows pointing
-    // at these message nodes; answers its prompt rows "number:CODE ID/number".
-    auto saveWith = [&](int confirmation, const std::vector<std::string>& targets) {
+    // Saves node 1 with the confirmation switched as given, rows pointing at
+    // these message nodes (in the list while it is on, set aside in LVTemp
+    // while it is off) and these name rows set aside beyond them; answers its
+    // prompt rows "number:CODE ID/number".
+    auto saveWith = [&](int confirmation, const std::vector<std::string>& targets,
+                        const std::vector<std::string>& aside = {}) {
         Open(1, 1, [&](form::GUI& gui) {
             gui.cmbConfirmation.SetListIndex(confirmation);
+            form::ListView& rows = confirmation == 1 ? gui.LVConfirm : gui.LVTemp;
             gui.LVConfirm.ClearItems();
+            gui.LVTemp.ClearItems();
             for (const std::string& number : targets) {
-                const std::string position = std::to_string(gui.LVConfirm.ItemCount() + 1);
-                gui.LVConfirm.AddItem(position + "a", position);
-                SetTarget(gui.LVConfirm.ItemAt(gui.LVConfirm.ItemCount() - 1),
-                          "MSG " + number + "|MSG|0|" + number);
+                const std::string position = std::to_string(rows.ItemCount() + 1);
+                rows.AddItem(position + "a", position);
+                SetTarget(rows.ItemAt(rows.ItemCount() - 1), "MSG " + number + "|MSG|0|" + number);
+            }
+            gui.AsideNameRows().clear();
+            for (const std::string& number : aside) {
+                gui.AsideNameRows().push_back({"Name", "MSG " + number, "", "MSG", "0", number});
             }
             EXPECT_TRUE(Rules(gui).SaveChanges(1));
         });
@@ -75,9 +83,16 @@ TEST_F(SaveChanges, PromptRowsFollowTheConfirmationSetting) {
             " ORDER BY PromptNumber) AS prompts");
     };
 
-    // Off: defaults only, but before and after from the list.
-    EXPECT_EQ(saveWith(0, {"8", "9", "7"}), nineDefaults);
+    // Off: the rows set aside are kept, names and before and after alike,
+    // then the names beyond them; defaults only where there are none.
+    EXPECT_EQ(saveWith(0, {"8", "9", "7"}, {"6", "5"}),
+              "1:MSG 0/7,2:MSG 0/6,3:MSG 0/5," + defaults);
     EXPECT_EQ(NodeColumn(beforeAndAfter, 1, 1), "MSG80 MSG90");
+    EXPECT_EQ(saveWith(0, {}), nineDefaults);
+    EXPECT_EQ(NodeColumn(beforeAndAfter, 1, 1), "MSG10 MSG10");
+    // On: the names shown, then those set aside beyond them.
+    EXPECT_EQ(saveWith(1, {"5", "6", "9"}, {"8", "7"}),
+              "1:MSG 0/9,2:MSG 0/8,3:MSG 0/7," + defaults);
     // Three names, then defaults up to nine.
     EXPECT_EQ(saveWith(1, {"5", "6", "9", "8", "7"}), "1:MSG 0/9,2:MSG 0/8,3:MSG 0/7," + defaults);
     EXPECT_EQ(saveWith(1, {"5", "6", "1", "2", "3", "4", "5", "6", "7", "8", "9", "1", "2"}),

@@ -1,0 +1,139 @@
+// Nodes as text on the large partition: export of its 999 nodes beside the
+// bare reads of the same rows, and apply of the export with the label of
+// every node changed beside the same writes in one bare transaction.
+#include "support/bench_data.h"
+#include "support/editor_run.h"
+
+#include "database/database.h"
+#include "nodetext/text_form.h"
+#include "session/apply_nodes.h"
+#include "session/node_text_store.h"
+
+#include <benchmark/benchmark.h>
+
+#include <exception>
+#include <stdexcept>
+#include <string>
+
+namespace dbn::bench {
+namespace {
+
+// The document with every node's label changed (alternating between two
+// texts from one iteration to the next, so that each one changes them all).
+nodetext::NodeDocument EveryLabelChanged(DataBase& db, long iteration) {
+    // Read back from the export's text, as the command does, then edited.
+    nodetext::NodeDocument document =
+        *nodetext::ReadDocument(
+             nodetext::DocumentText(session::ExportNodes(db, kLargeConfig, kLargePartition)))
+             .document;
+    for (nodetext::TextNode& node : document.nodes) {
+        node.columns["NodeDescription"] =
+            "Directory " + std::to_string(node.number) + (iteration % 2 ? " (day)" : " (night)");
+    }
+    return document;
+}
+
+void Export(benchmark::State& state) {
+    try {
+        LargeRoot().Use();
+        DataBase db;
+        std::size_t bytes = 0;
+        for (auto _ : state) {
+            const Clock::time_point start = Clock::now();
+            const std::string text =
+                nodetext::DocumentText(session::ExportNodes(db, kLargeConfig, kLargePartition));
+            state.SetIterationTime(Seconds(Clock::now() - start));
+            bytes = text.size();
+        }
+        state.counters["bytes"] = static_cast<double>(bytes);
+    } catch (const std::exception& error) {
+        state.SkipWithError(error.what());
+    }
+}
+
+void ExportFloor(benchmark::State& state) {
+    try {
+        LargeRoot().Use();
+        DataBase db;
+        for (auto _ : state) {
+            const Clock::time_point start = Clock::now();
+            benchmark::DoNotOptimize(session::ReadStoredNodes(db, kLargeConfig, kLargePartition));
+            state.SetIterationTime(Seconds(Clock::now() - start));
+        }
+    } catch (const std::exception& error) {
+        state.SkipWithError(error.what());
+    }
+}
+
+void Apply(benchmark::State& state) {
+    try {
+        LargeRoot().Use();
+        DataBase db;
+        long iteration = 0;
+        long statements = 0;
+        for (auto _ : state) {
+            const nodetext::NodeDocument document = EveryLabelChanged(db, ++iteration);
+            const long before = db.ExecutedCount();
+            const Clock::time_point start = Clock::now();
+            const session::ApplyResult result = session::ApplyNodes(db, document, {});
+            state.SetIterationTime(Seconds(Clock::now() - start));
+            statements = db.ExecutedCount() - before;
+            if (!result.written) {
+                throw std::runtime_error("the apply wrote nothing");
+            }
+        }
+        state.counters["statements"] = static_cast<double>(statements);
+    } catch (const std::exception& error) {
+        state.SkipWithError(error.what());
+    }
+}
+
+// The writes alone: every node's row, pool entry and label in one bare
+// transaction, with nothing read, compared or checked.
+void ApplyFloor(benchmark::State& state) {
+    try {
+        LargeRoot().Use();
+        DataBase db;
+        long iteration = 0;
+        for (auto _ : state) {
+            const nodetext::NodeDocument document = EveryLabelChanged(db, ++iteration);
+            auto stored = session::ReadStoredNodes(db, kLargeConfig, kLargePartition);
+            for (const nodetext::TextNode& node : document.nodes) {
+                stored[node.number].columns["NodeDescription"] = node.columns.at("NodeDescription");
+            }
+            const Clock::time_point start = Clock::now();
+            db.BeginTrans();
+            for (const auto& [number, node] : stored) {
+                session::WriteNode(db, kLargeConfig, kLargePartition, node, false);
+            }
+            db.CommitTrans();
+            state.SetIterationTime(Seconds(Clock::now() - start));
+        }
+    } catch (const std::exception& error) {
+        state.SkipWithError(error.what());
+    }
+}
+
+}  // namespace
+}  // namespace dbn::bench
+
+BENCHMARK(dbn::bench::Export)
+    ->Name("node-text/export")
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(dbn::bench::ExportFloor)
+    ->Name("node-text/export/floor")
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(dbn::bench::Apply)
+    ->Name("node-text/apply")
+    ->UseManualTime()
+    ->Iterations(4)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(dbn::bench::ApplyFloor)
+    ->Name("node-text/apply/floor")
+    ->UseManualTime()
+    ->Iterations(4)
+    ->Unit(benchmark::kMillisecond);
+
+BENCHMARK_MAIN();

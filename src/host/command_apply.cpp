@@ -1,0 +1,98 @@
+// The "apply" and "diff" sub-commands: a JSON document of nodes (as
+// "export" writes it) compared with the stored nodes, checked as a save
+// checks them and, for apply, written in one transaction.
+#include "database/database.h"
+#include "host/host_command.h"
+#include "nodetext/text_form.h"
+#include "session/apply_nodes.h"
+
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+namespace dbn::host {
+namespace {
+
+// Reads and checks the file; prints its problems and answers nothing when
+// it cannot be applied.
+std::optional<nodetext::NodeDocument> ReadFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        std::cerr << "dbn-node-editor: " << path << ": cannot be read\n";
+        return std::nullopt;
+    }
+    std::ostringstream text;
+    text << file.rdbuf();
+    nodetext::ReadResult read = nodetext::ReadDocument(text.str());
+    for (const nodetext::Problem& problem : read.problems) {
+        std::cerr << "dbn-node-editor: " << path << ": " << nodetext::ProblemText(problem) << "\n";
+    }
+    return std::move(read.document);
+}
+
+int Run(const CommandArgs& args, bool diff) {
+    const std::string& path = args.Positionals()[0];
+    const std::optional<nodetext::NodeDocument> document = ReadFile(path);
+    if (!document) {
+        return kExitFailed;
+    }
+    session::ApplyOptions options;
+    options.dryRun = diff || args.IsSet("dry-run");
+    options.force = args.IsSet("force");
+    options.createMissing = args.IsSet("create-missing");
+
+    DataBase db;
+    const session::ApplyResult result = session::ApplyNodes(db, *document, options);
+    if (!result.problems.empty()) {
+        for (const nodetext::Problem& problem : result.problems) {
+            std::cerr << "dbn-node-editor: " << path << ": " << nodetext::ProblemText(problem)
+                      << "\n";
+        }
+        std::cerr << "dbn-node-editor: " << path << ": refused; nothing was written\n";
+        return kExitFailed;
+    }
+    std::cout << session::ApplyReportText(result, options.dryRun, diff);
+    return kExitOk;
+}
+
+const std::vector<CommandOption> kSharedOptions = {
+    {"force", "", "write nodes that were changed in the database since the export"},
+    {"create-missing", "", "create referenced nodes that do not exist from their type's template"}};
+const std::vector<CommandArgument> kFile = {
+    {"FILE", "a JSON document of dial-by-name nodes, as export writes it"}};
+const std::vector<std::pair<int, std::string>> kExitCodes = {
+    {kExitOk, "done: every node is listed with what changed"},
+    {kExitFailed, "refused or failed: the problems are on standard error; nothing was written"}};
+
+HostCommand ApplyCommand() {
+    HostCommand command;
+    command.name = "apply";
+    command.summary =
+        "write the nodes of a JSON document that differ from the stored ones, after "
+        "checking them as a save does";
+    command.options = kSharedOptions;
+    command.options.insert(command.options.begin(),
+                           {"dry-run", "", "check and compare only; write nothing"});
+    command.arguments = kFile;
+    command.exitCodes = kExitCodes;
+    command.run = [](const CommandArgs& args) { return Run(args, false); };
+    return command;
+}
+
+HostCommand DiffCommand() {
+    HostCommand command;
+    command.name = "diff";
+    command.summary =
+        "show field by field how a JSON document of nodes differs from the stored nodes";
+    command.options = kSharedOptions;
+    command.arguments = kFile;
+    command.exitCodes = kExitCodes;
+    command.run = [](const CommandArgs& args) { return Run(args, true); };
+    return command;
+}
+
+const HostCommandRegistration kApply(ApplyCommand());
+const HostCommandRegistration kDiff(DiffCommand());
+
+}  // namespace
+}  // namespace dbn::host

@@ -1,0 +1,471 @@
+#include "session/apply_nodes.h"
+
+#include "core/node_types.h"
+#include "database/database.h"
+#include "form/text_validator.h"
+#include "session/load_helpers.h"
+#include "session/node_templates.h"
+#include "session/node_text_store.h"
+#include "session/partition_targets.h"
+#include "session/transaction_scope.h"
+
+#include <algorithm>
+#include <cctype>
+#include <map>
+#include <optional>
+#include <set>
+
+namespace dbn::session {
+
+namespace {
+
+using nodetext::FieldChange;
+using nodetext::FieldKind;
+using nodetext::FieldSpec;
+using nodetext::TextNode;
+using nodetext::Value;
+
+const std::string kDbnType = CommandArg(node_type::kDialByName);
+constexpr std::int64_t kDirectoryType = 16;
+
+// One node of the document, ready to be written.
+struct PlannedNode {
+    std::size_t index = 0;  // in the document
+    TextNode node;          // the node as it will be stored
+    NodeOutcome outcome = NodeOutcome::Unchanged;
+    std::vector<FieldChange> changes;
+};
+
+std::string Prefix(std::size_t index) {
+    return "nodes[" + std::to_string(index) + "]";
+}
+
+bool SameTarget(const nodetext::StoredRef& a, const nodetext::StoredRef& b) {
+    return a.type == b.type && a.number == b.number;
+}
+
+// The file's references take the stored type ID when they name the same
+// target as before, else the catalogue's ID of their code.
+nodetext::StoredRef Resolved(nodetext::StoredRef ref, const nodetext::StoredRef& before,
+                             const PartitionTargets& targets) {
+    if (SameTarget(ref, before)) {
+        ref.typeID = before.typeID;
+    } else if (auto id = targets.TypeID(nodetext::ValueText(ref.type))) {
+        ref.typeID = std::int64_t{*id};
+    }
+    return ref;
+}
+
+// The node as it will be stored: every column the stored node (or the
+// template) has, overlaid with the file's fields.
+TextNode Merged(const TextNode& base, const TextNode& file, const PartitionTargets& targets) {
+    TextNode merged = base;
+    merged.number = file.number;
+    for (const FieldSpec& spec : nodetext::Fields()) {
+        if (spec.kind == FieldKind::Target) {
+            nodetext::SetRefColumns(merged, spec.column,
+                                    Resolved(nodetext::RefColumns(file, spec.column),
+                                             nodetext::RefColumns(base, spec.column), targets));
+        } else if (spec.kind == FieldKind::Prompts) {
+            merged.prompts.clear();
+            for (std::size_t i = 0; i < file.prompts.size(); ++i) {
+                merged.prompts.push_back(Resolved(
+                    file.prompts[i],
+                    i < base.prompts.size() ? base.prompts[i] : nodetext::StoredRef{}, targets));
+            }
+        } else {
+            auto found = file.columns.find(spec.column);
+            merged.columns[spec.column] = found == file.columns.end() ? Value{} : found->second;
+        }
+    }
+    return merged;
+}
+
+std::int64_t Column(const TextNode& node, const std::string& column, std::int64_t fallback = 0) {
+    auto found = node.columns.find(column);
+    return found == node.columns.end() ? fallback : nodetext::WholeOr(found->second, fallback);
+}
+
+// The languages as the save leaves them under the method "Default Last
+// Name": the second moves up when the first is "None", and a second equal
+// to the first becomes "None".
+void SettleLanguages(TextNode& node) {
+    if (Column(node, "Method") == 0) {
+        return;
+    }
+    const std::int64_t first = Column(node, "FirstLanguage");
+    const std::int64_t second = Column(node, "SecondLanguage");
+    if (first == 0 && second != 0) {
+        node.columns["FirstLanguage"] = second;
+        node.columns["SecondLanguage"] = std::int64_t{0};
+    } else if (first != 0 && first == second) {
+        node.columns["SecondLanguage"] = std::int64_t{0};
+    }
+}
+
+class NodeChecker {
+public:
+    NodeChecker(std::vector<nodetext::Problem>& problems, const PartitionTargets& targets,
+                std::string prefix)
+        : problems_(problems), targets_(targets), prefix_(std::move(prefix)) {}
+
+    void Fail(const std::string& path, const std::string& message) {
+        problems_.push_back({prefix_ + "." + path, message});
+    }
+
+    // A changed field: the values the editor offers and the targets the
+    // partition allows.
+    void CheckField(const FieldSpec& spec, const TextNode& node) {
+        auto value = [&]() -> Value {
+            auto found = node.columns.find(spec.column);
+            return found == node.columns.end() ? Value{} : found->second;
+        };
+        switch (spec.kind) {
+            case FieldKind::Text:
+                return;
+            case FieldKind::Whole: {
+                const Value stored = value();
+                const auto* number = std::get_if<std::int64_t>(&stored);
+                if (number == nullptr || *number < spec.low || *number > spec.high) {
+                    Fail(spec.path, (number ? std::to_string(*number) : std::string("null")) +
+                                        " is outside " + std::to_string(spec.low) + " to " +
+                                        std::to_string(spec.high));
+                }
+                return;
+            }
+            case FieldKind::Named: {
+                const std::int64_t number = nodetext::WholeOr(value(), -1);
+                const bool named =
+                    std::any_of(spec.names.begin(), spec.names.end(),
+                                [&](const auto& entry) { return entry.first == number; });
+                if (!named) {
+                    std::string allowed;
+                    for (const auto& entry : spec.names) {
+                        allowed += (allowed.empty() ? "\"" : ", \"") + entry.second + "\"";
+                    }
+                    Fail(spec.path, "must be one of " + allowed);
+                }
+                return;
+            }
+            case FieldKind::Flag: {
+                const std::int64_t number = nodetext::WholeOr(value(), -1);
+                if (number != 0 && number != 1) {
+                    Fail(spec.path, "must be true or false");
+                }
+                return;
+            }
+            case FieldKind::Target:
+                CheckTarget(spec.path, spec.role, nodetext::RefColumns(node, spec.column));
+                return;
+            case FieldKind::Prompts:
+                for (std::size_t i = 0; i < node.prompts.size(); ++i) {
+                    CheckTarget(spec.path + "[" + std::to_string(i) + "]", spec.role,
+                                node.prompts[i]);
+                }
+                return;
+        }
+    }
+
+    // The checks every save makes: the label's text and the search settings.
+    void CheckSave(const TextNode& node) {
+        auto label = node.columns.find("NodeDescription");
+        if (label != node.columns.end() &&
+            !form::TextValidator().IsValidText(nodetext::ValueText(label->second))) {
+            Fail("label",
+                 "Double quotes and continuous single quotes are not allowed in the Label field");
+        }
+        if (Column(node, "Method") != 0) {
+            if (Column(node, "FirstLanguage") == 0 && Column(node, "SecondLanguage") == 0) {
+                Fail("languages.first", "Please select a language in Language 1");
+            }
+            return;
+        }
+        const std::int64_t firstMode = Column(node, "FirstMode");
+        const std::int64_t secondMode = Column(node, "SecondMode");
+        if (firstMode == secondMode && (firstMode == 1 || firstMode == 2)) {
+            Fail("stages[1].mode",
+                 "Second Match must be different from the First Match.  Please select another "
+                 "option in Second Match.");
+        }
+        const char* order = "Min Digits value must be less than or equal to Max Digits value.";
+        if (Column(node, "FirstMinDigits") > Column(node, "FirstMaxDigits")) {
+            Fail("stages[0].minDigits", order);
+        }
+        if (secondMode != 0 && Column(node, "SecondMinDigits") > Column(node, "SecondMaxDigits")) {
+            Fail("stages[1].minDigits", order);
+        }
+    }
+
+private:
+    void CheckTarget(const std::string& path, nodetext::TargetRole role,
+                     const nodetext::StoredRef& ref) {
+        if (auto refusal = targets_.Refusal(role, ref)) {
+            Fail(path + refusal->first, refusal->second);
+        }
+    }
+
+    std::vector<nodetext::Problem>& problems_;
+    const PartitionTargets& targets_;
+    std::string prefix_;
+};
+
+// ---- Referenced nodes ------------------------------------------------------
+
+std::string Lower(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+void Gather(std::vector<RequiredNode>& required, std::set<std::string>& keys,
+            const nodetext::StoredRef& ref) {
+    if (std::holds_alternative<std::monostate>(ref.type)) {
+        return;
+    }
+    const std::string typeID = nodetext::ValueText(ref.typeID);
+    const std::string number = nodetext::ValueText(ref.number);
+    const std::string shown = typeID == CommandArg(node_type::kNoNumber)
+                                  ? nodetext::ValueText(ref.type)
+                                  : nodetext::ValueText(ref.type) + " " + number;
+    if (auto gathered = GatheredReference(shown, typeID, number)) {
+        if (keys.insert(Lower(gathered->key)).second) {
+            required.push_back(*gathered);
+        }
+    }
+}
+
+// The references a save of the node gathers, in its order.
+void GatherReferences(const TextNode& node, std::vector<RequiredNode>& required,
+                      std::set<std::string>& keys) {
+    Gather(required, keys, nodetext::RefColumns(node, "Greeting"));
+    Gather(required, keys,
+           {std::string("DIR"), Column(node, "DirectoryNodeNumber"), std::int64_t{kDirectoryType}});
+    for (const char* role : {"ValidMatch", "Abort", "Star", "Pound", "Zero"}) {
+        Gather(required, keys, nodetext::RefColumns(node, role));
+    }
+    if (Column(node, "Method") != 0) {
+        return;
+    }
+    for (const char* role : {"FirstPrompt", "SecondPrompt", "Timeout", "Invalid"}) {
+        Gather(required, keys, nodetext::RefColumns(node, role));
+    }
+    if (Column(node, "Confirm") == 1) {
+        Gather(required, keys, nodetext::RefColumns(node, "BeforePrompt"));
+        Gather(required, keys, nodetext::RefColumns(node, "AfterPrompt"));
+        const auto shown =
+            static_cast<std::size_t>(std::max<std::int64_t>(Column(node, "MaxMatch"), 0));
+        for (std::size_t i = 0; i < node.prompts.size() && i < shown; ++i) {
+            Gather(required, keys, node.prompts[i]);
+        }
+    }
+    Gather(required, keys, nodetext::RefColumns(node, "ConfirmationExit"));
+}
+
+}  // namespace
+
+ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
+                       const ApplyOptions& options) {
+    ApplyResult result;
+    const auto config = static_cast<std::int16_t>(document.configuration);
+    const auto partition = static_cast<std::int16_t>(document.partition);
+    const PartitionTargets targets(db, config, partition);
+    std::map<std::int64_t, TextNode> stored = ReadStoredNodes(db, config, partition);
+    if (stored.empty()) {
+        result.problems.push_back({"partition", "configuration " + CommandArg(config) +
+                                                    ", partition " + CommandArg(partition) +
+                                                    " has no dial-by-name nodes in this database"});
+        return result;
+    }
+    const auto templateNode = stored.find(0);
+
+    std::vector<PlannedNode> planned;
+    for (std::size_t i = 0; i < document.nodes.size(); ++i) {
+        const TextNode& file = document.nodes[i];
+        const std::string prefix = Prefix(i);
+        NodeChecker checker(result.problems, targets, prefix);
+        PlannedNode plan;
+        plan.index = i;
+        const auto found = stored.find(file.number);
+        const TextNode* base = nullptr;
+        if (found != stored.end()) {
+            base = &found->second;
+            // A node changed since the export matters only when the file
+            // would write it: one that already matches the file is unchanged.
+            const std::vector<FieldChange> differences = nodetext::Changes(*base, file);
+            if (!file.stored.empty() && file.stored != nodetext::Fingerprint(*base) &&
+                !differences.empty() && !options.force) {
+                std::string fields;
+                for (const FieldChange& change : differences) {
+                    fields += (fields.empty() ? "" : ", ") + change.path;
+                }
+                result.problems.push_back(
+                    {prefix, "DBN " + std::to_string(file.number) +
+                                 " was changed in the database since the export (it now "
+                                 "differs from the file in: " +
+                                 fields + "); --force writes the file over it"});
+                continue;
+            }
+        } else {
+            if (!file.stored.empty() && !options.force) {
+                result.problems.push_back(
+                    {prefix, "DBN " + std::to_string(file.number) +
+                                 " was deleted from the database since the export; --force "
+                                 "creates it again from the template"});
+                continue;
+            }
+            if (file.number < 1 || file.number > targets.DialByNameLimit()) {
+                checker.Fail("number", std::to_string(file.number) + " is outside 1 to " +
+                                           std::to_string(targets.DialByNameLimit()));
+                continue;
+            }
+            if (templateNode == stored.end()) {
+                checker.Fail("number", "DBN " + std::to_string(file.number) +
+                                           " does not exist, and there is no template DBN 0 "
+                                           "to create it from");
+                continue;
+            }
+            base = &templateNode->second;
+            plan.outcome = NodeOutcome::Created;
+        }
+        plan.node = Merged(*base, file, targets);
+        SettleLanguages(plan.node);
+        plan.changes = nodetext::Changes(*base, plan.node);
+        if (plan.outcome != NodeOutcome::Created) {
+            plan.outcome = plan.changes.empty() ? NodeOutcome::Unchanged : NodeOutcome::Changed;
+        }
+        if (plan.outcome != NodeOutcome::Unchanged) {
+            for (const FieldSpec& spec : nodetext::Fields()) {
+                if (nodetext::Changed(plan.changes, spec.path)) {
+                    checker.CheckField(spec, plan.node);
+                }
+            }
+            checker.CheckSave(plan.node);
+        }
+        planned.push_back(std::move(plan));
+    }
+    if (!result.problems.empty()) {
+        return result;
+    }
+    for (const PlannedNode& plan : planned) {
+        result.nodes.push_back({plan.node.number, plan.outcome, plan.changes});
+    }
+
+    std::vector<RequiredNode> required;
+    std::set<std::string> keys;
+    std::set<std::string> creating;  // DBN numbers this apply creates
+    for (const PlannedNode& plan : planned) {
+        if (plan.outcome == NodeOutcome::Created) {
+            creating.insert(std::to_string(plan.node.number));
+        }
+        if (plan.outcome != NodeOutcome::Unchanged) {
+            GatherReferences(plan.node, required, keys);
+        }
+    }
+    auto exists = [&](const RequiredNode& node) {
+        return (node.typeID == kDbnType && creating.count(node.number) > 0) ||
+               NodeExists(db, config, partition, node.typeID, node.number);
+    };
+
+    if (options.dryRun) {
+        for (const RequiredNode& node : required) {
+            if (!exists(node)) {
+                (options.createMissing ? result.createdReferences : result.missingReferences)
+                    .push_back(node.key);
+            }
+        }
+        return result;
+    }
+    const bool writes = std::any_of(planned.begin(), planned.end(), [](const PlannedNode& plan) {
+        return plan.outcome != NodeOutcome::Unchanged;
+    });
+    if (!writes) {
+        return result;
+    }
+    TransactionScope transaction(db);
+    for (const PlannedNode& plan : planned) {
+        if (plan.outcome == NodeOutcome::Created) {
+            CopyTemplateNode(db, config, partition, "0", std::to_string(plan.node.number),
+                             kDbnType);
+        }
+    }
+    for (const PlannedNode& plan : planned) {
+        if (plan.outcome != NodeOutcome::Unchanged) {
+            WriteNode(db, config, partition, plan.node,
+                      plan.outcome == NodeOutcome::Created ||
+                          nodetext::Changed(plan.changes, "confirmation.prompts"));
+        }
+    }
+    std::vector<const RequiredNode*> missing;
+    for (const RequiredNode& node : required) {
+        if (exists(node)) {
+            continue;
+        }
+        if (options.createMissing && CopyTemplateNode(db, config, partition, "0", node.number,
+                                                      LookedUpTypeID(node.typeID))) {
+            result.createdReferences.push_back(node.key);
+        } else {
+            missing.push_back(&node);
+        }
+    }
+    transaction.Commit();
+    result.written = true;
+    for (const RequiredNode* node : missing) {
+        result.missingReferences.push_back(node->key);
+    }
+    return result;
+}
+
+std::string ApplyReportText(const ApplyResult& result, bool dryRun, bool fieldChanges) {
+    std::string text;
+    int created = 0;
+    int changed = 0;
+    int unchanged = 0;
+    for (const AppliedNode& node : result.nodes) {
+        text += "DBN " + std::to_string(node.number) + ": ";
+        switch (node.outcome) {
+            case NodeOutcome::Unchanged:
+                ++unchanged;
+                text += "unchanged\n";
+                continue;
+            case NodeOutcome::Created:
+                ++created;
+                text += "created\n";
+                break;
+            case NodeOutcome::Changed: {
+                ++changed;
+                std::string fields;
+                for (const FieldChange& change : node.changes) {
+                    fields += (fields.empty() ? "" : ", ") + change.path;
+                }
+                text += "changed: " + fields + "\n";
+                break;
+            }
+        }
+        if (fieldChanges) {
+            for (const FieldChange& change : node.changes) {
+                text += "  " + change.path + ": " + change.before + " -> " + change.after + "\n";
+            }
+        }
+    }
+    const bool writes = created + changed > 0;
+    for (const std::string& key : result.createdReferences) {
+        text += key + (dryRun ? ": would be created from its template\n"
+                              : ": created from its template\n");
+    }
+    if (!result.missingReferences.empty()) {
+        std::string keys;
+        for (const std::string& key : result.missingReferences) {
+            keys += (keys.empty() ? "" : ", ") + key;
+        }
+        text += "These references point at nodes that do not exist: " + keys + ".\n";
+    }
+    text += std::to_string(result.nodes.size()) + " nodes: " + std::to_string(created) +
+            " created, " + std::to_string(changed) + " changed, " + std::to_string(unchanged) +
+            " unchanged; " +
+            (dryRun ? (writes ? "nothing written (dry run)" : "nothing to write")
+                    : (writes ? "written" : "nothing to write")) +
+            "\n";
+    return text;
+}
+
+}  // namespace dbn::session

@@ -1,0 +1,210 @@
+#include "session/node_text_store.h"
+
+#include "core/component_error.h"
+#include "core/node_types.h"
+#include "database/database.h"
+#include "nodetext/text_form.h"
+#include "session/load_helpers.h"
+#include "session/modification_time.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace dbn::session {
+
+namespace {
+
+using nodetext::TextNode;
+using nodetext::Value;
+
+const std::string kDbnType = CommandArg(node_type::kDialByName);
+constexpr int kDefaultPromptCount = 9;
+constexpr int kReservedColumns = 10;
+
+Value StoredValue(const FieldValue& field) {
+    const FieldValue::Storage& raw = field.Raw();
+    if (const auto* number = std::get_if<std::int64_t>(&raw)) {
+        return *number;
+    }
+    if (const auto* real = std::get_if<double>(&raw)) {
+        return static_cast<std::int64_t>(std::llround(*real));
+    }
+    if (const auto* text = std::get_if<std::string>(&raw)) {
+        return *text;
+    }
+    return Value{};
+}
+
+// The Node_DBN columns the text form shows and a write needs, by the names
+// the text form uses (a server answers with its own letter case).
+const std::vector<std::string>& StoredColumns() {
+    static const std::vector<std::string> columns = [] {
+        std::vector<std::string> names;
+        for (const nodetext::FieldSpec& spec : nodetext::Fields()) {
+            if (spec.kind == nodetext::FieldKind::Target) {
+                for (const char* suffix : {"NodeType", "NodeNumber", "NodeTypeID"}) {
+                    names.push_back(spec.column + suffix);
+                }
+            } else if (spec.kind != nodetext::FieldKind::Prompts) {
+                names.push_back(spec.column);
+            }
+        }
+        return names;
+    }();
+    return columns;
+}
+
+void ReadPrompts(DataBase& db, const std::string& config, const std::string& partition,
+                 TextNode& node) {
+    db.Execute("Get_DBN_PromptsNode", {config, partition, std::to_string(node.number)});
+    RowSet& rows = db.Recordset("Get_DBN_PromptsNode");
+    RowSetCloser closer(rows);
+    for (; !rows.Eof(); rows.MoveNext()) {
+        node.prompts.push_back({StoredValue(rows.Field("PromptNodeType")),
+                                StoredValue(rows.Field("PromptNodeNumber")),
+                                StoredValue(rows.Field("PromptNodeTypeID"))});
+    }
+}
+
+void ReadModified(DataBase& db, const std::string& config, const std::string& partition,
+                  TextNode& node) {
+    db.Execute("Get_Description", {config, partition, kDbnType, std::to_string(node.number)});
+    RowSet& rows = db.Recordset("Get_Description");
+    RowSetCloser closer(rows);
+    if (!rows.Eof()) {
+        node.modified = StoredValue(rows.Field("DateModified"));
+    }
+}
+
+// A column's value as a command argument; a Null number is written as 0.
+std::string Argument(const TextNode& node, const std::string& column) {
+    auto found = node.columns.find(column);
+    if (found == node.columns.end() || std::holds_alternative<std::monostate>(found->second)) {
+        return column.ends_with("NodeType") || column == "NodeDescription" ? "" : "0";
+    }
+    return nodetext::ValueText(found->second);
+}
+
+void AppendRef(std::vector<std::string>& args, const TextNode& node, const std::string& role) {
+    for (const char* suffix : {"NodeType", "NodeNumber", "NodeTypeID"}) {
+        args.push_back(Argument(node, role + suffix));
+    }
+}
+
+}  // namespace
+
+std::map<std::int64_t, TextNode> ReadStoredNodes(
+    DataBase& db, std::int16_t config, std::int16_t partition,
+    const std::optional<std::vector<std::int16_t>>& only) {
+    const std::string configText = CommandArg(config);
+    const std::string partitionText = CommandArg(partition);
+    std::map<std::int64_t, TextNode> nodes;
+    db.Execute("Get_All_DBN_Nodes", {configText, partitionText, kDbnType});
+    {
+        RowSet& rows = db.Recordset("Get_All_DBN_Nodes");
+        RowSetCloser closer(rows);
+        for (; !rows.Eof(); rows.MoveNext()) {
+            TextNode node;
+            node.number = rows.Field("NodeNumber").ToInt16();
+            if (only && std::find(only->begin(), only->end(), node.number) == only->end()) {
+                continue;
+            }
+            for (const std::string& column : StoredColumns()) {
+                node.columns[column] = StoredValue(rows.Field(column));
+            }
+            nodes.emplace(node.number, std::move(node));
+        }
+    }
+    for (auto& [number, node] : nodes) {
+        ReadPrompts(db, configText, partitionText, node);
+        ReadModified(db, configText, partitionText, node);
+    }
+    return nodes;
+}
+
+nodetext::NodeDocument ExportNodes(DataBase& db, std::int16_t config, std::int16_t partition,
+                                   const std::vector<std::int16_t>& numbers) {
+    std::map<std::int64_t, TextNode> nodes = ReadStoredNodes(
+        db, config, partition,
+        numbers.empty() ? std::nullopt : std::optional<std::vector<std::int16_t>>(numbers));
+    for (const std::int16_t number : numbers) {
+        if (nodes.count(number) == 0) {
+            throw ComponentError(0, "export",
+                                 "DBN " + CommandArg(number) + " does not exist in configuration " +
+                                     CommandArg(config) + ", partition " + CommandArg(partition));
+        }
+    }
+    nodetext::NodeDocument document;
+    document.configuration = config;
+    document.partition = partition;
+    for (auto& [number, node] : nodes) {
+        document.nodes.push_back(std::move(node));
+    }
+    return document;
+}
+
+void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition, const TextNode& node,
+               bool promptsChanged) {
+    const std::string configText = CommandArg(config);
+    const std::string partitionText = CommandArg(partition);
+    const std::string number = std::to_string(node.number);
+    const std::vector<std::string> keys{configText, partitionText, kDbnType, number};
+
+    std::vector<std::string> part1;
+    for (const char* column :
+         {"NodeDescription", "Method", "DirectoryNodeNumber", "FirstLanguage", "SecondLanguage"}) {
+        part1.push_back(Argument(node, column));
+    }
+    for (const char* role : {"Greeting", "ValidMatch", "Abort", "Star", "Pound", "Zero"}) {
+        AppendRef(part1, node, role);
+    }
+    for (const std::string stage : {"First", "Second"}) {
+        for (const char* column : {"Mode", "MinDigits", "MaxDigits"}) {
+            part1.push_back(Argument(node, stage + column));
+        }
+        AppendRef(part1, node, stage + "Prompt");
+    }
+    part1.insert(part1.end(), keys.begin(), keys.end());
+
+    std::vector<std::string> part2;
+    AppendRef(part2, node, "Timeout");
+    AppendRef(part2, node, "Invalid");
+    for (const char* column :
+         {"DigitTimeout", "SelectionTimeout", "RetryLimit", "Confirm", "MaxMatch", "PlayName"}) {
+        part2.push_back(Argument(node, column));
+    }
+    for (const char* role : {"BeforePrompt", "AfterPrompt", "ConfirmationExit"}) {
+        AppendRef(part2, node, role);
+    }
+    for (int reserved = 0; reserved < kReservedColumns; ++reserved) {
+        part2.push_back("0");
+    }
+    part2.push_back(node_type::kDialByNameCode);
+    part2.insert(part2.end(), keys.begin(), keys.end());
+
+    db.Execute("Update_DBN_Node_Part1", part1);
+    db.Execute("Update_DBN_Node_Part2", part2);
+    db.Execute("Update_Node_General_Pool",
+               {Argument(node, "NodeDescription"), CurrentModificationTime(), configText,
+                partitionText, kDbnType, number});
+    if (!promptsChanged) {
+        return;
+    }
+    db.Execute("Delete_DBN_PromptsNode", {configText, partitionText, number});
+    int promptNumber = 0;
+    auto add = [&](const std::string& type, const std::string& typeNumber,
+                   const std::string& typeID) {
+        db.Execute("Add_DBN_PromptsNode",
+                   {configText, partitionText, std::to_string(++promptNumber), typeID, typeNumber,
+                    number, type});
+    };
+    for (const nodetext::StoredRef& prompt : node.prompts) {
+        add(nodetext::ValueText(prompt.type), std::to_string(nodetext::WholeOr(prompt.number, 0)),
+            std::to_string(nodetext::WholeOr(prompt.typeID, 0)));
+    }
+    while (promptNumber < kDefaultPromptCount) {
+        add("MSG", "1", "0");
+    }
+}
+
+}  // namespace dbn::session

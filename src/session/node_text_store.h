@@ -1,0 +1,38 @@
+#pragma once
+// Stored dial-by-name nodes as their text form: reading a partition's nodes
+// as they are stored, and writing one node's text form back.
+
+#include "nodetext/node_text.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <vector>
+
+namespace dbn {
+
+class DataBase;
+
+namespace session {
+
+// The partition's dial-by-name nodes by number, the template (node 0) too,
+// each with its prompt rows and modification time. With `only` given, just
+// those numbers (the ones that exist).
+std::map<std::int64_t, nodetext::TextNode> ReadStoredNodes(
+    DataBase& db, std::int16_t config, std::int16_t partition,
+    const std::optional<std::vector<std::int16_t>>& only = std::nullopt);
+
+// The export of a partition: every node, or the numbers named (each must
+// exist; the first missing one is named in a ComponentError).
+nodetext::NodeDocument ExportNodes(DataBase& db, std::int16_t config, std::int16_t partition,
+                                   const std::vector<std::int16_t>& numbers = {});
+
+// Writes one node as a save does: its Node_DBN row in two statements, its
+// pool row's description and modification time and, when they changed, its
+// prompt rows (padded with message node 1 up to prompt 9). Every reference's
+// type ID must be set. The one place a written node passes through.
+void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition,
+               const nodetext::TextNode& node, bool promptsChanged);
+
+}  // namespace session
+}  // namespace dbn

@@ -1,0 +1,91 @@
+#!/usr/bin/env python3
+"""export, apply and diff as an operator runs them: outputs, errors and exit
+statuses, and every export valid against the format's JSON Schema."""
+import json
+import os
+import re
+import shutil
+import subprocess
+import sys
+
+import jsonschema
+
+editor, work, schema_path = sys.argv[1:4]
+shutil.rmtree(work, ignore_errors=True)
+os.makedirs(work)
+root = os.path.join(work, "root")
+env = {k: v for k, v in os.environ.items() if k not in ("DBN_DATABASE", "DISPLAY", "WAYLAND_DISPLAY")}
+failures = []
+
+
+def run(*args):
+    done = subprocess.run([editor, *args], capture_output=True, text=True, env=env)
+    return done.returncode, done.stdout, done.stderr
+
+
+def expect(args, status, out=None, err=None):
+    code, stdout, stderr = run(*args)
+    problem = []
+    if code != status:
+        problem.append(f"exit status {code}, expected {status}")
+    if out is not None and not re.search(out, stdout, re.S):
+        problem.append(f"standard output does not match {out!r}: {stdout!r}")
+    if err is not None and not re.search(err, stderr, re.S):
+        problem.append(f"standard error does not match {err!r}: {stderr!r}")
+    if err is None and stderr:
+        problem.append(f"unexpected standard error: {stderr!r}")
+    if problem:
+        failures.append(f"{args}: {'; '.join(problem)}")
+    return stdout
+
+
+def write(name, document):
+    path = os.path.join(work, name)
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(document if isinstance(document, str) else json.dumps(document, indent=2))
+    return path
+
+
+run("init", "--data-root", root)
+validator = jsonschema.Draft202012Validator(json.load(open(schema_path, encoding="utf-8")))
+
+for partition in ("1", "2"):
+    text = expect(["export", "--data-root", root, "1", partition], 0, out=r'^\{\n  "format": "dbn-nodes"')
+    for error in validator.iter_errors(json.loads(text)):
+        failures.append(f"export of partition {partition} breaks the schema: {error.message}")
+
+exported = os.path.join(work, "nodes.json")
+expect(["export", "--data-root", root, "1", "1", "--output", exported], 0, out="^$")
+text = open(exported, encoding="utf-8").read()
+if text != expect(["export", "--data-root", root, "1", "1"], 0):
+    failures.append("export --output and standard output differ")
+expect(["export", "--data-root", root, "1", "1", "2"], 0, out=r'"number": 2,.*"label": "Sales directory"')
+expect(["export", "--data-root", root, "1", "1", "9"], 1,
+       err=r"^dbn-node-editor: DBN 9 does not exist in configuration 1, partition 1\n$")
+expect(["export", "--data-root", root, "1"], 2, err=r"^dbn-node-editor: export needs CONFIG PARTITION")
+
+expect(["apply", "--data-root", root, exported], 0,
+       out=r"^DBN 0: unchanged\nDBN 1: unchanged\nDBN 2: unchanged\n3 nodes: 0 created, 0 changed, 3 unchanged; nothing to write\n$")
+
+document = json.loads(text)
+document["nodes"][2]["label"] = "Sales desk"
+changed = write("changed.json", document)
+expect(["diff", "--data-root", root, changed], 0,
+       out=r'DBN 2: changed: label\n  label: "Sales directory" -> "Sales desk"\n.*nothing written \(dry run\)\n$')
+expect(["apply", "--dry-run", "--data-root", root, changed], 0, out=r"DBN 2: changed: label\n.*nothing written")
+expect(["apply", "--data-root", root, changed], 0, out=r"DBN 2: changed: label\n.*1 changed, 2 unchanged; written\n$")
+expect(["apply", "--data-root", root, changed], 0, out=r"nothing to write\n$")
+
+document["nodes"][1]["stages"][0]["minDigits"] = 12
+document["nodes"][1]["label"] = 'A "quoted" label'
+bad = write("bad.json", document)
+expect(["apply", "--data-root", root, bad], 1,
+       err=r"bad.json: nodes\[1\]\.stages\[0\]\.minDigits: 12 is outside 1 to 9\n.*bad.json: nodes\[1\]\.label: Double quotes.*refused; nothing was written\n$")
+malformed = write("malformed.json", '{\n  "format": "dbn-nodes",\n  oops\n}\n')
+expect(["apply", "--data-root", root, malformed], 1, err=r"malformed.json: line 3, column 3: malformed JSON")
+expect(["apply", "--data-root", root, os.path.join(work, "none.json")], 1, err=r"none.json: cannot be read\n$")
+expect(["apply", "--data-root", root], 2, err=r"^dbn-node-editor: apply needs FILE")
+
+if failures:
+    print("\n".join(failures))
+    sys.exit(1)

@@ -1,0 +1,219 @@
+// The editor under an operator who works from the keyboard: the focus chain,
+// what is out of view staying out of reach, the whole form disabled while a
+// save asks, the title naming the node, and a window that fits its screen.
+
+#include "window_support.h"
+
+#include "qt/screen_fit.h"
+
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QShortcut>
+
+#include <algorithm>
+#include <map>
+
+namespace dbn::testing {
+namespace {
+
+constexpr std::int16_t kCustomNode = 1;       // "Staff directory"
+constexpr std::int16_t kDefaultLastName = 2;  // "Sales directory"
+
+// The form control whose widget holds the focus widget.
+const form::Control* ControlOf(const qt::FormView& view, QWidget* widget) {
+    for (; widget != nullptr && widget != &view; widget = widget->parentWidget()) {
+        if (const form::Control* control =
+                view.Form().FindControl(widget->objectName().toStdString());
+            control != nullptr && view.WidgetOf(control->Name()) == widget) {
+            return control;
+        }
+    }
+    return nullptr;
+}
+
+bool Inside(const form::Control& control, const std::string& container) {
+    for (const form::Control* up = &control; up != nullptr; up = up->Container()) {
+        if (up->Name() == container) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void Press(QWidget& widget, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    QKeyEvent press(QEvent::KeyPress, key, modifiers);
+    QApplication::sendEvent(&widget, &press);
+}
+
+// The stops Tab (or Shift+Tab) visits from the focus, once round.
+std::vector<const form::Control*> TabStops(qt::FormView& view, bool backward) {
+    std::vector<const form::Control*> stops;
+    for (int step = 0; step < 200; ++step) {
+        const form::Control* control = ControlOf(view, view.focusWidget());
+        if (control == nullptr || (!stops.empty() && control == stops.front())) {
+            break;
+        }
+        stops.push_back(control);
+        Press(*view.focusWidget(), backward ? Qt::Key_Backtab : Qt::Key_Tab,
+              backward ? Qt::ShiftModifier : Qt::NoModifier);
+    }
+    return stops;
+}
+
+TEST_F(EditorWindowTest, TabVisitsTheShownEnabledControlsInTheFormsOrder) {
+    for (const std::int16_t node : {kCustomNode, kDefaultLastName}) {
+        Open(node, [&](form::GUI& form, qt::FormView& view) {
+            ASSERT_EQ(ControlOf(view, view.focusWidget()), &form.txtDescription) << node;
+            const std::vector<const form::Control*> forward = TabStops(view, false);
+            ASSERT_GT(forward.size(), 10u) << node;
+            for (std::size_t i = 0; i < forward.size(); ++i) {
+                const form::Control& stop = *forward[i];
+                QWidget* widget = view.WidgetOf(stop.Name());
+                EXPECT_TRUE(widget->isVisible() && widget->isEnabled()) << stop.Name();
+                EXPECT_NE(stop.Name(), "txtDIR");
+                EXPECT_FALSE(widget->accessibleName().isEmpty()) << stop.Name();
+                EXPECT_FALSE(node == kDefaultLastName && (Inside(stop, "fraCustomSettings") ||
+                                                          Inside(stop, "fraErrorSettings")))
+                    << stop.Name();
+            }
+            // Round from the first stop of the form, the tab indexes ascend.
+            std::vector<const form::Control*> round = forward;
+            std::rotate(round.begin(),
+                        std::min_element(round.begin(), round.end(),
+                                         [](const auto* a, const auto* b) {
+                                             return a->TabIndex() < b->TabIndex();
+                                         }),
+                        round.end());
+            for (std::size_t i = 1; i < round.size(); ++i) {
+                EXPECT_LT(round[i - 1]->TabIndex(), round[i]->TabIndex()) << round[i]->Name();
+            }
+            EXPECT_EQ(view.WidgetOf("txtDescription")->accessibleName(), "Label");
+            EXPECT_EQ(view.WidgetOf("cmbGreetingNode")->accessibleName(), "Greeting");
+            // Shift+Tab walks the same stops the other way round.
+            std::vector<const form::Control*> backward = TabStops(view, true);
+            ASSERT_FALSE(backward.empty());
+            std::reverse(backward.begin() + 1, backward.end());
+            EXPECT_EQ(backward, forward) << node;
+        });
+    }
+    EXPECT_TRUE(unexpectedBoxes.empty());
+}
+
+// Tab then Down, forty times, on a "Default Last Name" node: no setting of
+// the section out of view changes, and none of its controls is ever reached.
+TEST_F(EditorWindowTest, KeysNeverReachTheSectionOutOfView) {
+    Open(kDefaultLastName, [&](form::GUI& form, qt::FormView& view) {
+        std::map<std::string, std::string> hidden;
+        for (const form::Control* control : form.Controls()) {
+            const auto* list = dynamic_cast<const form::ListControl*>(control);
+            if (list != nullptr &&
+                (Inside(*control, "fraCustomSettings") || Inside(*control, "fraErrorSettings"))) {
+                hidden[control->Name()] = list->Text();
+            }
+        }
+        ASSERT_GT(hidden.size(), 10u);
+        EXPECT_FALSE(view.WidgetOf("fraCustomSettings")->isVisible());
+        for (int round = 0; round < 40; ++round) {
+            Press(*view.focusWidget(), Qt::Key_Tab);
+            const form::Control* reached = ControlOf(view, view.focusWidget());
+            ASSERT_NE(reached, nullptr);
+            EXPECT_EQ(hidden.count(reached->Name()), 0u) << reached->Name();
+            Press(*view.focusWidget(), Qt::Key_Down);
+        }
+        for (const auto& [name, text] : hidden) {
+            EXPECT_EQ(dynamic_cast<form::ListControl*>(form.FindControl(name))->Text(), text)
+                << name;
+        }
+        form.DiscardChangesAndUnload();
+    });
+}
+
+// The question whether to create a missing node: while it waits nothing of
+// the form can be used; Escape cancels the save, which keeps the changes.
+TEST_F(EditorWindowTest, EscapeAtTheCreateQuestionSavesNothingAndKeepsTheChanges) {
+    const auto storedGreeting = [&] {
+        return data.QueryInt(
+            "SELECT GreetingNodeNumber FROM Node_DBN WHERE PartID = 1 AND NodeNumber = 1");
+    };
+    const long long before = storedGreeting();
+    Open(kCustomNode, [&](form::GUI& form, qt::FormView& view) {
+        auto& greeting = WidgetOf<QComboBox>(view, "cmbGreetingNumber");
+        PickEntry(greeting, greeting.itemText(greeting.count() - 1));
+        std::vector<std::string> usable;
+        int asked = 0;
+        services.whenAsked = [&](QMessageBox& box) {
+            ++asked;
+            for (const char* name : {"txtDescription", "fraLanguage", "txtDIR", "fraCustomSettings",
+                                     "fraErrorSettings", "LVActions", "cmdOK"}) {
+                if (view.WidgetOf(name)->isEnabled()) {
+                    usable.push_back(name);
+                }
+            }
+            Press(box, Qt::Key_Escape);
+        };
+        for (const char* button : {"cmdApply", "cmdOK"}) {
+            WidgetOf<QPushButton>(view, button).click();
+            EXPECT_TRUE(form.IsLoaded()) << button;
+            EXPECT_TRUE(form.cmdApply.Enabled()) << button;
+        }
+        EXPECT_EQ(asked, 2);
+        EXPECT_TRUE(usable.empty()) << usable.front();
+        EXPECT_TRUE(view.WidgetOf("fraCustomSettings")->isEnabled());
+        EXPECT_EQ(form.cmbGreetingNumber.Text(),
+                  greeting.itemText(greeting.count() - 1).toStdString());
+        form.DiscardChangesAndUnload();
+    });
+    EXPECT_EQ(storedGreeting(), before);
+}
+
+TEST_F(EditorWindowTest, TheTitleNamesTheNodeAsStoredAndCtrlSApplies) {
+    Open(kCustomNode, [&](form::GUI& form, qt::FormView& view) {
+        EXPECT_EQ(view.windowTitle(), "DBN 1 Staff directory - configuration 1, partition 1");
+        TypeKeys(WidgetOf<QLineEdit>(view, "txtDescription"), QStringLiteral("Front desk"));
+        EXPECT_EQ(view.windowTitle(), "DBN 1 Staff directory - configuration 1, partition 1");
+        QShortcut* save = nullptr;
+        for (QShortcut* shortcut : view.findChildren<QShortcut*>()) {
+            if (shortcut->key() == QKeySequence(QKeySequence::Save)) {
+                save = shortcut;
+            }
+        }
+        ASSERT_NE(save, nullptr);
+        EXPECT_EQ(save->key(), QKeySequence(Qt::CTRL | Qt::Key_S));
+        emit save->activated();
+        EXPECT_FALSE(form.cmdApply.Enabled());
+        EXPECT_EQ(view.windowTitle(), "DBN 1 Front desk - configuration 1, partition 1");
+        WidgetOf<QPushButton>(view, "cmdNext").click();
+        EXPECT_EQ(view.windowTitle(), "DBN 2 Sales directory - configuration 1, partition 1");
+    });
+    EXPECT_TRUE(unexpectedBoxes.empty());
+}
+
+// Made smaller than its form, the window scrolls it and keeps OK, Cancel and
+// Apply in view wherever it is scrolled; it never grows past the screen.
+TEST_F(EditorWindowTest, ASmallWindowScrollsTheFormAndKeepsItsButtonsInView) {
+    Open(kCustomNode, [&](form::GUI&, qt::FormView& view) {
+        const QSize available = qt::AvailableClientSize(view);
+        EXPECT_LE(view.maximumWidth(), available.width());
+        EXPECT_LE(view.maximumHeight(), available.height());
+        view.resize(320, 240);
+        QApplication::processEvents();
+        auto* scroll = view.findChild<QScrollArea*>();
+        ASSERT_NE(scroll, nullptr);
+        EXPECT_EQ(scroll->focusPolicy(), Qt::NoFocus);
+        const QRect viewport = scroll->viewport()->rect();
+        for (const int position : {0, 10000}) {
+            scroll->horizontalScrollBar()->setValue(position);
+            scroll->verticalScrollBar()->setValue(position);
+            for (const char* name : {"cmdOK", "cmdCancel", "cmdApply"}) {
+                QWidget* button = view.WidgetOf(name);
+                const QRect shown(button->mapTo(scroll->viewport(), QPoint(0, 0)), button->size());
+                EXPECT_TRUE(viewport.contains(shown)) << name << " at " << position;
+            }
+        }
+    });
+    EXPECT_TRUE(unexpectedBoxes.empty());
+}
+
+}  // namespace
+}  // namespace dbn::testing

@@ -1,0 +1,385 @@
+// Nodes as text against a database: export, then apply what came back,
+// changed or not. Every written column is checked in the tables; every
+// refusal writes nothing.
+#include "session_support.h"
+
+#include "core/component_error.h"
+#include "database/database.h"
+#include "nodetext/text_form.h"
+#include "session/apply_nodes.h"
+#include "session/node_text_store.h"
+
+#include <nlohmann/json.hpp>
+
+#include <fstream>
+#include <sstream>
+
+namespace dbn::testing {
+namespace {
+
+using nlohmann::json;
+using session::ApplyOptions;
+using session::ApplyResult;
+using session::NodeOutcome;
+
+class NodeTextTest : public SessionTest {
+protected:
+    TempDataRoot root{TempDataRoot::Content::Demo};
+    DataBase db;
+
+    std::string Export(std::int16_t partition = 1) {
+        return nodetext::DocumentText(session::ExportNodes(db, 1, partition));
+    }
+    json Exported() { return json::parse(Export()); }
+
+    ApplyResult Apply(const json& document, ApplyOptions options = {}) {
+        nodetext::ReadResult read = nodetext::ReadDocument(document.dump());
+        EXPECT_TRUE(read.problems.empty()) << nodetext::ProblemText(
+            read.problems.empty() ? nodetext::Problem{} : read.problems[0]);
+        return read.document ? session::ApplyNodes(db, *read.document, options) : ApplyResult{};
+    }
+
+    std::string Stored(const std::string& column, int node = 1) {
+        return root.QueryText("SELECT " + column +
+                              " FROM Node_DBN WHERE ConfigID = 1 AND PartID = 1 AND NodeNumber = " +
+                              std::to_string(node));
+    }
+
+    std::string FileBytes() {
+        std::ifstream file(root.DatabasePath(), std::ios::binary);
+        std::ostringstream bytes;
+        bytes << file.rdbuf();
+        return bytes.str();
+    }
+
+    static std::vector<std::string> Texts(const std::vector<nodetext::Problem>& problems) {
+        std::vector<std::string> texts;
+        for (const nodetext::Problem& problem : problems) {
+            texts.push_back(nodetext::ProblemText(problem));
+        }
+        return texts;
+    }
+};
+
+TEST_F(NodeTextTest, ExportIsStableInNumberOrderAndNamesOnlyWhatItIsAsked) {
+    const std::string text = Export();
+    EXPECT_EQ(text, Export());
+    const json document = json::parse(text);
+    ASSERT_EQ(document["nodes"].size(), 3u);
+    EXPECT_EQ(document["nodes"][0]["number"], 0);
+    EXPECT_EQ(document["nodes"][0]["template"], true);
+    EXPECT_EQ(document["nodes"][1]["label"], "Staff directory");
+    EXPECT_EQ(document["nodes"][1]["actions"]["Valid Match"],
+              json({{"type", "XFER"}, {"number", 1}}));
+    EXPECT_EQ(document["nodes"][1]["confirmation"]["prompts"][0],
+              json({{"type", "MSG"}, {"number", 7}}));
+    EXPECT_EQ(document["nodes"][2]["method"], "Default Last Name");
+
+    const json named = json::parse(nodetext::DocumentText(session::ExportNodes(db, 1, 1, {2})));
+    ASSERT_EQ(named["nodes"].size(), 1u);
+    EXPECT_EQ(named["nodes"][0], document["nodes"][2]);
+    EXPECT_THROW(session::ExportNodes(db, 1, 1, {2, 7}), ComponentError);
+}
+
+// In the server pass the demo file is made too: both engines must give the
+// same bytes, fingerprints included.
+TEST_F(NodeTextTest, BothEnginesExportTheSameText) {
+    if (!root.OnServer()) {
+        GTEST_SKIP() << "compares the server's export with the file's";
+    }
+    const std::string server = Export();
+    const std::string uri = ::getenv("DBN_DATABASE");
+    ::unsetenv("DBN_DATABASE");
+    std::string file;
+    {
+        DataBase fileDb;
+        file = nodetext::DocumentText(session::ExportNodes(fileDb, 1, 1));
+    }
+    ::setenv("DBN_DATABASE", uri.c_str(), 1);
+    EXPECT_EQ(server, file);
+}
+
+TEST_F(NodeTextTest, UnchangedExportAppliesWithoutWriting) {
+    const std::string text = Export();
+    const std::string before = FileBytes();
+    const ApplyResult result = Apply(json::parse(text));
+    EXPECT_TRUE(result.problems.empty());
+    ASSERT_EQ(result.nodes.size(), 3u);
+    for (const session::AppliedNode& node : result.nodes) {
+        EXPECT_EQ(node.outcome, NodeOutcome::Unchanged);
+    }
+    EXPECT_FALSE(result.written);
+    EXPECT_EQ(Export(), text);
+    if (!root.OnServer()) {
+        EXPECT_EQ(FileBytes(), before);
+    }
+    EXPECT_EQ(session::ApplyReportText(result, false, false),
+              "DBN 0: unchanged\nDBN 1: unchanged\nDBN 2: unchanged\n"
+              "3 nodes: 0 created, 0 changed, 3 unchanged; nothing to write\n");
+}
+
+// Each field of the form, changed alone: the node is reported with exactly
+// that field and the column holds the new value.
+struct FieldCase {
+    std::string pointer;
+    json value;
+    std::string path;
+    std::string column;
+    std::string stored;
+};
+
+TEST_F(NodeTextTest, EveryFieldChangedAloneWritesItsColumn) {
+    const json msg = {{"type", "MSG"}, {"number", 20}};
+    const std::vector<FieldCase> cases = {
+        {"/label", "Front desk", "label", "NodeDescription", "Front desk"},
+        {"/directory", 2, "directory", "DirectoryNodeNumber", "2"},
+        {"/languages/first", "French", "languages.first", "FirstLanguage", "2"},
+        {"/languages/second", "English", "languages.second", "SecondLanguage", "1"},
+        {"/greeting",
+         {{"type", "LIST"}, {"number", 3}},
+         "greeting",
+         "GreetingNodeType || GreetingNodeNumber || GreetingNodeTypeID",
+         "LIST38"},
+        {"/actions/Valid Match",
+         {{"type", "XFER"}, {"number", 2}},
+         "actions.Valid Match",
+         "ValidMatchNodeNumber",
+         "2"},
+        {"/actions/Abort",
+         {{"type", "CMD"}, {"number", 3}},
+         "actions.Abort",
+         "AbortNodeTypeID",
+         "1"},
+        {"/actions/Star", {{"type", "MSG"}, {"number", 9}}, "actions.Star", "StarNodeType", "MSG"},
+        {"/actions/Pound",
+         {{"type", "M_ON"}, {"number", 5}},
+         "actions.Pound",
+         "PoundNodeTypeID",
+         "817"},
+        {"/actions/Zero", {{"type", "DBN"}, {"number", 2}}, "actions.Zero", "ZeroNodeTypeID", "15"},
+        {"/stages/0/mode", "Both Names", "stages[0].mode", "FirstMode", "3"},
+        {"/stages/0/minDigits", 2, "stages[0].minDigits", "FirstMinDigits", "2"},
+        {"/stages/0/maxDigits", 7, "stages[0].maxDigits", "FirstMaxDigits", "7"},
+        {"/stages/0/prompt", msg, "stages[0].prompt", "FirstPromptNodeNumber", "20"},
+        {"/stages/1/mode", "None", "stages[1].mode", "SecondMode", "0"},
+        {"/stages/1/minDigits", 2, "stages[1].minDigits", "SecondMinDigits", "2"},
+        {"/stages/1/maxDigits", 4, "stages[1].maxDigits", "SecondMaxDigits", "4"},
+        {"/stages/1/prompt", msg, "stages[1].prompt", "SecondPromptNodeNumber", "20"},
+        {"/timeout", {{"type", "TIME"}, {"number", 1}}, "timeout", "TimeoutNodeType", "TIME"},
+        {"/invalid", {{"type", "DATE"}, {"number", 2}}, "invalid", "InvalidNodeTypeID", "3"},
+        {"/digitTimeout", 12, "digitTimeout", "DigitTimeout", "12"},
+        {"/selectionTimeout", 30, "selectionTimeout", "SelectionTimeout", "30"},
+        {"/retryLimit", 5, "retryLimit", "RetryLimit", "5"},
+        {"/confirmation/enabled", false, "confirmation.enabled", "Confirm", "0"},
+        {"/confirmation/maxMatches", 4, "confirmation.maxMatches", "MaxMatch", "4"},
+        {"/confirmation/beforeNames", msg, "confirmation.beforeNames", "BeforePromptNodeNumber",
+         "20"},
+        {"/confirmation/afterNames",
+         {{"type", "LIST"}, {"number", 1}},
+         "confirmation.afterNames",
+         "AfterPromptNodeType",
+         "LIST"},
+        {"/confirmation/exitPrompt",
+         {{"type", "NOOP"}, {"number", 0}},
+         "confirmation.exitPrompt",
+         "ConfirmationExitNodeTypeID",
+         "814"},
+        {"/playName", false, "playName", "PlayName", "0"},
+        {"/method", "Default Last Name", "method", "Method", "1"},
+    };
+    for (const FieldCase& field : cases) {
+        json document = Exported();
+        document["nodes"][1][json::json_pointer(field.pointer)] = field.value;
+        const ApplyResult result = Apply(document);
+        ASSERT_EQ(Texts(result.problems), std::vector<std::string>{}) << field.pointer;
+        ASSERT_EQ(result.nodes.size(), 3u);
+        EXPECT_EQ(result.nodes[0].outcome, NodeOutcome::Unchanged) << field.pointer;
+        EXPECT_EQ(result.nodes[1].outcome, NodeOutcome::Changed) << field.pointer;
+        ASSERT_EQ(result.nodes[1].changes.size(), 1u) << field.pointer;
+        EXPECT_EQ(result.nodes[1].changes[0].path, field.path);
+        EXPECT_EQ(Stored(field.column), field.stored) << field.pointer;
+    }
+    EXPECT_EQ(root.QueryText("SELECT NodeDescription FROM Node_General_Pool WHERE PartID = 1 AND "
+                             "NodeTypeID = 15 AND NodeNumber = 1"),
+              "Front desk");
+}
+
+// Only the changed column moves: the rest of the row, the prompts and the
+// other nodes stay as they were.
+TEST_F(NodeTextTest, OneChangedFieldLeavesEverythingElseAlone) {
+    auto before = session::ReadStoredNodes(db, 1, 1);
+    json document = Exported();
+    document["nodes"][1]["confirmation"]["prompts"][1] = {{"type", "LIST"}, {"number", 2}};
+    const ApplyResult result = Apply(document);
+    ASSERT_TRUE(result.written);
+    auto after = session::ReadStoredNodes(db, 1, 1);
+    EXPECT_EQ(after[1].columns, before[1].columns);
+    EXPECT_EQ(after[2].columns, before[2].columns);
+    ASSERT_EQ(after[1].prompts.size(), 9u);
+    EXPECT_EQ(after[1].prompts[1].type, nodetext::Value{std::string("LIST")});
+    EXPECT_EQ(after[1].prompts[1].typeID, nodetext::Value{std::int64_t{8}});
+    EXPECT_EQ(after[1].prompts[2].number, before[1].prompts[2].number);
+    EXPECT_EQ(
+        session::ApplyReportText(result, false, true),
+        "DBN 0: unchanged\nDBN 1: changed: confirmation.prompts\n"
+        "  confirmation.prompts: [{\"type\":\"MSG\",\"number\":7},{\"type\":\"MSG\",\"number\":8}"
+        ",{\"type\":\"MSG\",\"number\":9},{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\","
+        "\"number\":1},{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1},{\"type"
+        "\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1}] -> [{\"type\":\"MSG\",\"num"
+        "ber\":7},{\"type\":\"LIST\",\"number\":2},{\"type\":\"MSG\",\"number\":9},{\"type\":"
+        "\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1}"
+        ",{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\",\""
+        "number\":1}]\nDBN 2: unchanged\n"
+        "These references point at nodes that do not exist: LIST 2.\n"
+        "3 nodes: 0 created, 1 changed, 2 unchanged; written\n");
+}
+
+struct Refusal {
+    const char* what;
+    std::vector<std::pair<std::string, json>> edits;  // on node 1
+    std::string problem;
+};
+
+TEST_F(NodeTextTest, EachRefusalIsListedAndNothingIsWritten) {
+    const std::vector<Refusal> cases = {
+        {"digits out of range",
+         {{"/stages/0/minDigits", 0}},
+         "nodes[1].stages[0].minDigits: 0 is outside 1 to 9"},
+        {"label with a double quote",
+         {{"/label", "Say \"hi\""}},
+         "nodes[1].label: Double quotes and continuous single quotes are not allowed in the Label "
+         "field"},
+        {"type not offered",
+         {{"/actions/Abort", {{"type", "DIR"}, {"number", 1}}}},
+         "nodes[1].actions.Abort.type: \"DIR\" is not offered for an action, timeout or invalid "
+         "target in this partition"},
+        {"unknown type",
+         {{"/greeting", {{"type", "FOO"}, {"number", 1}}}},
+         "nodes[1].greeting.type: \"FOO\" is not a node type"},
+        {"number over the limit",
+         {{"/greeting", {{"type", "MSG"}, {"number", 100}}}},
+         "nodes[1].greeting.number: 100 is outside 1 to 99"},
+        {"numbered NOOP",
+         {{"/actions/Star", {{"type", "NOOP"}, {"number", 3}}}},
+         "nodes[1].actions.Star.number: NOOP takes no number; it must be 0, not 3"},
+        {"same match twice",
+         {{"/stages/1/mode", "Last Name"}},
+         "nodes[1].stages[1].mode: Second Match must be different from the First Match.  Please "
+         "select another option in Second Match."},
+        {"min above max",
+         {{"/stages/0/minDigits", 6}},
+         "nodes[1].stages[0].minDigits: Min Digits value must be less than or equal to Max Digits "
+         "value."},
+        {"no language",
+         {{"/method", "Default Last Name"}, {"/languages/first", "None"}},
+         "nodes[1].languages.first: Please select a language in Language 1"},
+        {"odd flag",
+         {{"/confirmation/enabled", 2}},
+         "nodes[1].confirmation.enabled: must be true or false"},
+        {"unnamed method",
+         {{"/method", 4}},
+         "nodes[1].method: must be one of \"Custom\", \"Default Last Name\""},
+        {"new node over the limit",
+         {{"/number", 21}, {"/stored", ""}},
+         "nodes[1].number: 21 is outside 1 to 20"},
+    };
+    const std::string text = Export();
+    const std::string bytes = FileBytes();
+    for (const Refusal& refusal : cases) {
+        json document = json::parse(text);
+        for (const auto& [pointer, value] : refusal.edits) {
+            document["nodes"][1][json::json_pointer(pointer)] = value;
+        }
+        // A second, valid change in another node is not written either.
+        document["nodes"][2]["label"] = "Renamed";
+        const ApplyResult result = Apply(document);
+        EXPECT_EQ(Texts(result.problems), std::vector<std::string>{refusal.problem})
+            << refusal.what;
+        EXPECT_FALSE(result.written);
+        EXPECT_EQ(Export(), text) << refusal.what;
+    }
+    if (!root.OnServer()) {
+        EXPECT_EQ(FileBytes(), bytes);
+    }
+    json other = json::parse(text);
+    other["configuration"] = 7;
+    EXPECT_EQ(Texts(Apply(other).problems),
+              std::vector<std::string>{
+                  "partition: configuration 7, partition 1 has no dial-by-name nodes in this "
+                  "database"});
+}
+
+TEST_F(NodeTextTest, NodeChangedSinceTheExportIsRefusedUnlessForced) {
+    json document = Exported();
+    document["nodes"][1]["retryLimit"] = 4;
+    root.Exec(
+        "UPDATE Node_DBN SET NodeDescription = 'Changed meanwhile' WHERE PartID = 1 AND "
+        "NodeNumber = 1");
+    ApplyResult refused = Apply(document);
+    EXPECT_EQ(Texts(refused.problems),
+              std::vector<std::string>{
+                  "nodes[1]: DBN 1 was changed in the database since the export (it now differs "
+                  "from the file in: label, retryLimit); --force writes the file over it"});
+    EXPECT_EQ(Stored("RetryLimit"), "3");
+
+    json gone = Exported();
+    root.Exec(
+        "DELETE FROM Node_DBN WHERE PartID = 1 AND NodeNumber = 2;"
+        "DELETE FROM Detail_DBN_Prompts WHERE PartID = 1 AND NodeMasterID = 2;"
+        "DELETE FROM Node_General_Pool WHERE PartID = 1 AND NodeTypeID = 15 AND NodeNumber = 2");
+    EXPECT_EQ(Texts(Apply(gone).problems),
+              std::vector<std::string>{"nodes[2]: DBN 2 was deleted from the database since the "
+                                       "export; --force creates it again from the template"});
+
+    ApplyOptions force;
+    force.force = true;
+    const ApplyResult forced = Apply(document, force);
+    ASSERT_TRUE(forced.written);
+    EXPECT_EQ(Stored("RetryLimit"), "4");
+    EXPECT_EQ(Stored("NodeDescription"), "Staff directory");
+}
+
+TEST_F(NodeTextTest, NewNumbersAreCreatedFromTheTemplateAndMissingTargetsOnRequest) {
+    json document = Exported();
+    json fresh = document["nodes"][1];
+    fresh["number"] = 7;
+    fresh.erase("stored");
+    fresh["label"] = "Night line";
+    fresh["greeting"] = {{"type", "MSG"}, {"number", 50}};
+    document["nodes"].push_back(fresh);
+
+    ApplyOptions dryRun;
+    dryRun.dryRun = true;
+    const ApplyResult planned = Apply(document, dryRun);
+    ASSERT_EQ(planned.nodes.size(), 4u);
+    EXPECT_EQ(planned.nodes[3].outcome, NodeOutcome::Created);
+    EXPECT_EQ(planned.missingReferences, std::vector<std::string>{"MSG 50"});
+    EXPECT_FALSE(planned.written);
+    EXPECT_EQ(root.QueryInt("SELECT COUNT(*) FROM Node_DBN WHERE PartID = 1 AND NodeNumber = 7"),
+              0);
+
+    const ApplyResult plain = Apply(document);
+    ASSERT_TRUE(plain.written);
+    EXPECT_EQ(plain.missingReferences, std::vector<std::string>{"MSG 50"});
+    EXPECT_EQ(Stored("NodeDescription", 7), "Night line");
+    EXPECT_EQ(root.QueryInt("SELECT COUNT(*) FROM Detail_DBN_Prompts WHERE PartID = 1 AND "
+                            "NodeMasterID = 7"),
+              9);
+    EXPECT_EQ(root.QueryText("SELECT NodeDescription FROM Node_General_Pool WHERE PartID = 1 AND "
+                             "NodeTypeID = 15 AND NodeNumber = 7"),
+              "Night line");
+
+    json again = Exported();
+    again["nodes"][3]["confirmation"]["exitPrompt"] = {{"type", "MSG"}, {"number", 51}};
+    ApplyOptions create;
+    create.createMissing = true;
+    const ApplyResult created = Apply(again, create);
+    EXPECT_EQ(created.createdReferences, (std::vector<std::string>{"MSG 50", "MSG 51"}));
+    EXPECT_TRUE(created.missingReferences.empty());
+    EXPECT_EQ(
+        root.QueryText("SELECT OrvFilename FROM Node_MSG WHERE PartID = 1 AND NodeNumber = 51"),
+        "P01M051.wav");
+}
+
+}  // namespace
+}  // namespace dbn::testing
