@@ -71,7 +71,7 @@ void NodeListWindow::TakeChanges() {
         for (std::int16_t number : changed) {
             marked_.erase(number);
         }
-        FillTable();
+        FillTable(true);
     });
 }
 
