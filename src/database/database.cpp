@@ -56,25 +56,40 @@ bool DataBase::ChangesCommitted() {
     return Engine().ChangesCommitted();
 }
 
-long DataBase::Execute(std::string_view commandName, const std::vector<std::string>& args) {
-    const CatalogueCommand& command = CommandNamed(commandName);
-    if (args.size() != static_cast<std::size_t>(command.parameterCount)) {
+const CatalogueCommand& DataBase::CheckedCommand(std::string_view name,
+                                                 std::size_t argCount) const {
+    const CatalogueCommand& command = CommandNamed(name);
+    if (argCount != static_cast<std::size_t>(command.parameterCount)) {
         RaiseDatabaseError(kErrArgumentCount,
                            "The command " + std::string(command.name) + " takes " +
                                std::to_string(command.parameterCount) + " arguments; " +
-                               std::to_string(args.size()) + " were given.");
+                               std::to_string(argCount) + " were given.");
     }
+    return command;
+}
+
+long DataBase::Execute(std::string_view commandName, const std::vector<std::string>& args) {
+    const CatalogueCommand& command = CheckedCommand(commandName, args.size());
     RowSet* rowSet = nullptr;
     if (command.kind == CommandKind::RowReturning) {
         rowSet = &Recordset(command.name);
         if (rowSet->IsOpen()) {
             RaiseDatabaseError(kErrObjectOpen, kMsgObjectOpen);
         }
+    } else {
+        // A write may change what was read ahead.
+        ForgetReadAhead();
     }
+    std::optional<BatchAnswer> kept = TakeReadAhead(command.name, args);
     DatabaseEngine& engine = Engine();
     ++executed_;
     if (observer_) {
         observer_({DataBaseStep::Execute, command.name, &args, {}});
+    }
+    if (kept) {
+        std::vector<std::string> columns = kept->rows.Columns();
+        rowSet->Open(std::move(columns), kept->rows.TakeRows());
+        return kept->count;
     }
     CommandResult result = engine.Run(command, args);
     if (rowSet == nullptr) {
@@ -83,6 +98,111 @@ long DataBase::Execute(std::string_view commandName, const std::vector<std::stri
     const long count = static_cast<long>(result.rows.size());
     rowSet->Open(std::move(result.columns), std::move(result.rows));
     return count;
+}
+
+std::vector<BatchAnswer> DataBase::ExecuteBatch(const std::vector<BatchStep>& steps) {
+    if (steps.empty()) {
+        return {};
+    }
+    std::vector<EngineStep> engineSteps;
+    engineSteps.reserve(steps.size());
+    for (const BatchStep& step : steps) {
+        switch (step.kind) {
+            case BatchStep::Kind::Command:
+                engineSteps.push_back({EngineStep::Kind::Command,
+                                       &CheckedCommand(step.command, step.args.size()),
+                                       &step.args});
+                if (engineSteps.back().command->kind != CommandKind::RowReturning) {
+                    ForgetReadAhead();  // a write may change what was read ahead
+                }
+                break;
+            case BatchStep::Kind::BeginTrans:
+                ForgetReadAhead();
+                engineSteps.push_back({EngineStep::Kind::BeginWrite});
+                break;
+            case BatchStep::Kind::CommitTrans:
+                ForgetReadAhead();
+                engineSteps.push_back({EngineStep::Kind::Commit});
+                break;
+        }
+    }
+    DatabaseEngine& engine = Engine();
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        const BatchStep& step = steps[i];
+        if (step.kind == BatchStep::Kind::Command) {
+            ++executed_;
+            if (observer_) {
+                observer_({DataBaseStep::Execute, step.command, &step.args, {}});
+                // A batch's rows are read from its answers, never from the
+                // command's row set, which is left closed.
+                if (engineSteps[i].command->kind == CommandKind::RowReturning) {
+                    observer_({DataBaseStep::Close, step.command, nullptr, {}});
+                }
+            }
+        } else {
+            Notify(step.kind == BatchStep::Kind::BeginTrans ? DataBaseStep::BeginTrans
+                                                            : DataBaseStep::CommitTrans);
+        }
+    }
+    std::vector<CommandResult> results = engine.RunBatch(engineSteps);
+    std::vector<BatchAnswer> answers(results.size());
+    for (std::size_t i = 0; i < results.size(); ++i) {
+        const EngineStep& step = engineSteps[i];
+        if (step.kind == EngineStep::Kind::Command &&
+            step.command->kind == CommandKind::RowReturning) {
+            answers[i].count = static_cast<long>(results[i].rows.size());
+            answers[i].rows = RowSet("rs" + std::string(step.command->name));
+            answers[i].rows.Open(std::move(results[i].columns), std::move(results[i].rows));
+        } else {
+            answers[i].count = results[i].changes;
+        }
+    }
+    return answers;
+}
+
+std::vector<BatchAnswer> DataBase::ReadAhead(const std::vector<BatchStep>& reads) {
+    for (const BatchStep& step : reads) {
+        if (step.kind != BatchStep::Kind::Command ||
+            CheckedCommand(step.command, step.args.size()).kind != CommandKind::RowReturning) {
+            RaiseDatabaseError(kErrArgumentCount, "Only row-returning commands can be read ahead.");
+        }
+    }
+    // Reading ahead is not itself a command of the session: it is not
+    // counted or reported; each command is when its answer is taken.
+    DataBaseObserver observer = std::move(observer_);
+    observer_ = nullptr;
+    const long executed = executed_;
+    std::vector<BatchAnswer> answers;
+    try {
+        answers = ExecuteBatch(reads);
+    } catch (const std::exception&) {
+        observer_ = std::move(observer);
+        executed_ = executed;
+        if (InTransaction()) {
+            throw;
+        }
+        return {};
+    }
+    observer_ = std::move(observer);
+    executed_ = executed;
+    for (std::size_t i = 0; i < reads.size(); ++i) {
+        KeptAnswer kept{reads[i], answers[i]};
+        readAhead_.push_back(std::move(kept));
+    }
+    return answers;
+}
+
+std::optional<BatchAnswer> DataBase::TakeReadAhead(std::string_view command,
+                                                   const std::vector<std::string>& args) {
+    for (const KeptAnswer& kept : readAhead_) {
+        if (kept.step.command == command && kept.step.args == args) {
+            BatchAnswer answer;
+            answer.count = kept.answer.count;
+            answer.rows = kept.answer.rows;
+            return answer;
+        }
+    }
+    return std::nullopt;
 }
 
 RowSet& DataBase::Recordset(std::string_view commandName) {
@@ -113,31 +233,37 @@ void DataBase::Notify(DataBaseStep step) {
 }
 
 void DataBase::BeginTrans() {
+    ForgetReadAhead();
     Notify(DataBaseStep::BeginTrans);
     Engine().BeginWrite();
 }
 
 void DataBase::CommitTrans() {
+    ForgetReadAhead();
     Notify(DataBaseStep::CommitTrans);
     Engine().Exec("COMMIT", "CommitTrans");
 }
 
 void DataBase::RollbackTrans() {
+    ForgetReadAhead();
     Notify(DataBaseStep::RollbackTrans);
     Engine().Exec("ROLLBACK", "RollbackTrans");
 }
 
 void DataBase::BeginSavepoint() {
+    ForgetReadAhead();
     Notify(DataBaseStep::BeginSavepoint);
     Engine().Exec("SAVEPOINT nested", "BeginSavepoint");
 }
 
 void DataBase::ReleaseSavepoint() {
+    ForgetReadAhead();
     Notify(DataBaseStep::ReleaseSavepoint);
     Engine().Exec("RELEASE nested", "ReleaseSavepoint");
 }
 
 void DataBase::RollbackToSavepoint() {
+    ForgetReadAhead();
     Notify(DataBaseStep::RollbackToSavepoint);
     // Rolling back to a savepoint keeps it open; releasing it then ends it.
     Engine().Exec("ROLLBACK TO nested; RELEASE nested", "RollbackToSavepoint");

@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,25 @@
 namespace dbn {
 
 class DatabaseEngine;
+struct CatalogueCommand;
+
+// One step of a batch: a catalogue command with its arguments (bound as text
+// in order), or the start or the commit of a writing transaction.
+struct BatchStep {
+    enum class Kind { Command, BeginTrans, CommitTrans };
+    std::string command;
+    std::vector<std::string> args;
+    Kind kind = Kind::Command;
+
+    static BatchStep BeginTrans() { return {{}, {}, Kind::BeginTrans}; }
+    static BatchStep CommitTrans() { return {{}, {}, Kind::CommitTrans}; }
+};
+
+// What one step of a batch gave back.
+struct BatchAnswer {
+    RowSet rows{""};  // a row-returning command's rows, open at the first
+    long count = 0;   // its row count, or the rows an action command changed
+};
 
 // One connection to the configuration database and its catalogue of named
 // commands, on either engine. The target is fixed at creation; the
@@ -39,6 +59,25 @@ public:
     // order. A row-returning command leaves its rows in Recordset(command)
     // and answers the row count; an action command answers the rows changed.
     long Execute(std::string_view command, const std::vector<std::string>& args = {});
+
+    // Runs the steps as one batch and answers one BatchAnswer per step, in
+    // order. On the server the whole batch travels in one round trip; on
+    // the file the steps run one after another. A failing step raises its
+    // own error and no step after it is applied. Outside a transaction the
+    // server also undoes the steps before it; inside one, the transaction
+    // is then failed, as after any failed command.
+    std::vector<BatchAnswer> ExecuteBatch(const std::vector<BatchStep>& steps);
+
+    // Runs row-returning commands as one batch and keeps their answers with
+    // those kept before: a later Execute of the same command with the same
+    // arguments opens its row set from the kept answer instead of asking the
+    // database again. Any action command, transaction step or
+    // ForgetReadAhead drops what is kept. When the batch fails outside a transaction nothing is
+    // kept and each command reports its own error when it runs. Answers the batch's answers (empty
+    // when it failed).
+    std::vector<BatchAnswer> ReadAhead(const std::vector<BatchStep>& reads);
+    void ForgetReadAhead() noexcept { readAhead_.clear(); }
+    bool HasReadAhead() const noexcept { return !readAhead_.empty(); }
 
     // The row set "rs" + command of a row-returning command.
     RowSet& Recordset(std::string_view command);
@@ -91,6 +130,15 @@ public:
 private:
     DatabaseEngine& Engine();
     void Notify(DataBaseStep step);
+    const CatalogueCommand& CheckedCommand(std::string_view name, std::size_t argCount) const;
+    // A copy of the kept answer of this command and arguments, if any.
+    std::optional<BatchAnswer> TakeReadAhead(std::string_view command,
+                                             const std::vector<std::string>& args);
+
+    struct KeptAnswer {
+        BatchStep step;
+        BatchAnswer answer;
+    };
 
     DatabaseTarget target_;
     std::chrono::milliseconds busyTimeout_{30000};
@@ -100,6 +148,20 @@ private:
     std::map<std::string, RowSet, std::less<>> rowSets_;
     long executed_ = 0;
     DataBaseObserver observer_;
+    std::vector<KeptAnswer> readAhead_;
+};
+
+// Drops the answers read ahead on a DataBase when the scope ends, so that
+// they never outlive the operation that asked for them.
+class ReadAheadScope {
+public:
+    explicit ReadAheadScope(DataBase& db) : db_(db) {}
+    ~ReadAheadScope() { db_.ForgetReadAhead(); }
+    ReadAheadScope(const ReadAheadScope&) = delete;
+    ReadAheadScope& operator=(const ReadAheadScope&) = delete;
+
+private:
+    DataBase& db_;
 };
 
 }  // namespace dbn

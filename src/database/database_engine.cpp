@@ -14,6 +14,27 @@ void CheckParameterCount(const CatalogueCommand& command, const TranslatedStatem
     }
 }
 
+std::vector<CommandResult> DatabaseEngine::RunBatch(const std::vector<EngineStep>& steps) {
+    std::vector<CommandResult> results;
+    results.reserve(steps.size());
+    for (const EngineStep& step : steps) {
+        switch (step.kind) {
+            case EngineStep::Kind::Command:
+                results.push_back(Run(*step.command, *step.args));
+                break;
+            case EngineStep::Kind::BeginWrite:
+                BeginWrite();
+                results.emplace_back();
+                break;
+            case EngineStep::Kind::Commit:
+                Exec("COMMIT", "CommitTrans");
+                results.emplace_back();
+                break;
+        }
+    }
+    return results;
+}
+
 std::unique_ptr<DatabaseEngine> ConnectEngine(const DatabaseTarget& target,
                                               std::chrono::milliseconds lockTimeout,
                                               OpenMode mode) {

@@ -28,9 +28,23 @@ struct CommandResult {
     long changes = 0;  // rows changed by an action command
 };
 
+// One step of a batch as the engine runs it: a catalogue command with its
+// arguments, or the start or the commit of a writing transaction.
+struct EngineStep {
+    enum class Kind { Command, BeginWrite, Commit };
+    Kind kind = Kind::Command;
+    const CatalogueCommand* command = nullptr;
+    const std::vector<std::string>* args = nullptr;
+};
+
 class DatabaseEngine {
 public:
     virtual ~DatabaseEngine() = default;
+
+    // Runs the steps in order and answers one result per step. A failing
+    // step raises its error and no step after it is applied. This default
+    // runs them one after another; the server sends them all at once.
+    virtual std::vector<CommandResult> RunBatch(const std::vector<EngineStep>& steps);
 
     // Runs a catalogue command, its arguments bound as text in order.
     virtual CommandResult Run(const CatalogueCommand& command,

@@ -141,6 +141,7 @@ public:
 
     CommandResult Run(const CatalogueCommand& command,
                       const std::vector<std::string>& args) override;
+    std::vector<CommandResult> RunBatch(const std::vector<EngineStep>& steps) override;
     void BeginWrite() override;
     void Exec(const std::string& sql, std::string_view doing) override;
     bool InTransaction() const override { return PQtransactionStatus(conn_.get()) != PQTRANS_IDLE; }
@@ -200,9 +201,14 @@ private:
     // Runs sql (one or more statements) as PQexec does; while the server has
     // not answered, the wait handler is called between short waits.
     PGresult* ExecWaiting(const std::string& sql);
-    PGresult* ExecPreparedWaiting(const std::string& name, const std::vector<const char*>& values);
     // Collects the answer of the query just sent, as PQexec would return it.
     PGresult* AwaitResult();
+    // Waits (calling the wait handler) until a result can be read without
+    // blocking; false when the connection failed.
+    bool AwaitReadable();
+    // Sends one batch step into the open pipeline; answers how many results
+    // it will give back (a statement prepared on the way gives one more).
+    int SendStep(const EngineStep& step);
 
     std::string conninfo_;
     std::string name_;
@@ -224,6 +230,14 @@ PostgresEngine::PostgresEngine(const std::string& conninfo, std::chrono::millise
         keywords.push_back("application_name");
         values.push_back("dbn-node-editor");
     }
+    // Settings the session needs travel with the connection request rather
+    // than as statements of their own, each a round trip.
+    const std::string options = "-c client_min_messages=warning -c lock_timeout=" +
+                                std::to_string(std::max<long long>(1, lockTimeout.count()));
+    keywords.push_back("client_encoding");
+    values.push_back("UTF8");
+    keywords.push_back("options");
+    values.push_back(options.c_str());
     keywords.push_back("dbname");
     values.push_back(conninfo_.c_str());
     keywords.push_back(nullptr);
@@ -249,9 +263,6 @@ PostgresEngine::PostgresEngine(const std::string& conninfo, std::chrono::millise
                              "\" cannot be reached: it is not running or does not accept "
                              "connections.");
     }
-    PQsetClientEncoding(conn_.get(), "UTF8");
-    Exec("SET client_min_messages = warning", "opening");
-    SetLockTimeout(lockTimeout);
 }
 
 void PostgresEngine::RaiseFailure(const PGresult* result, std::string_view doing) const {
@@ -298,40 +309,8 @@ Result PostgresEngine::Checked(PGresult* raw, std::string_view doing) const {
 
 CommandResult PostgresEngine::Run(const CatalogueCommand& command,
                                   const std::vector<std::string>& args) {
-    const TranslatedStatement& statement = PostgresTextOf(command);
-    if (!prepared_.contains(command.name)) {
-        Checked(PQprepare(conn_.get(), std::string(command.name).c_str(), statement.sql.c_str(),
-                          static_cast<int>(statement.parameters.size()), nullptr),
-                command.name);
-        prepared_.emplace(command.name);
-    }
-    std::vector<const char*> values;
-    values.reserve(args.size());
-    for (const std::string& arg : args) {
-        values.push_back(arg.c_str());
-    }
-    Result result = Checked(ExecPreparedWaiting(std::string(command.name), values), command.name);
-    CommandResult out;
-    if (command.kind == CommandKind::Action) {
-        const char* changed = PQcmdTuples(result.get());
-        out.changes = changed != nullptr && *changed != '\0' ? std::atol(changed) : 0;
-        return out;
-    }
-    const int columns = PQnfields(result.get());
-    const int rows = PQntuples(result.get());
-    for (int column = 0; column < columns; ++column) {
-        out.columns.emplace_back(PQfname(result.get(), column));
-    }
-    out.rows.reserve(static_cast<std::size_t>(rows));
-    for (int row = 0; row < rows; ++row) {
-        std::vector<FieldValue> values;
-        values.reserve(static_cast<std::size_t>(columns));
-        for (int column = 0; column < columns; ++column) {
-            values.push_back(ReadValue(result.get(), row, column));
-        }
-        out.rows.push_back(std::move(values));
-    }
-    return out;
+    // A statement not yet prepared is prepared in the same round trip.
+    return std::move(RunBatch({{EngineStep::Kind::Command, &command, &args}}).front());
 }
 
 void PostgresEngine::Exec(const std::string& sql, std::string_view doing) {
@@ -348,35 +327,9 @@ PGresult* PostgresEngine::ExecWaiting(const std::string& sql) {
     return AwaitResult();
 }
 
-PGresult* PostgresEngine::ExecPreparedWaiting(const std::string& name,
-                                              const std::vector<const char*>& values) {
-    const int count = static_cast<int>(values.size());
-    if (!waitHandler_) {
-        return PQexecPrepared(conn_.get(), name.c_str(), count, values.data(), nullptr, nullptr, 0);
-    }
-    if (PQsendQueryPrepared(conn_.get(), name.c_str(), count, values.data(), nullptr, nullptr, 0) ==
-        0) {
-        return nullptr;
-    }
-    return AwaitResult();
-}
-
 PGresult* PostgresEngine::AwaitResult() {
-    constexpr int kStepMilliseconds = 20;
     PGconn* conn = conn_.get();
-    while (PQisBusy(conn) != 0) {
-        pollfd socket{PQsocket(conn), POLLIN, 0};
-        const int ready = ::poll(&socket, 1, kStepMilliseconds);
-        if (ready > 0) {
-            if (PQconsumeInput(conn) == 0) {
-                break;  // the connection failed; PQgetResult reports it
-            }
-        } else if (ready == 0) {
-            waitHandler_();
-        } else if (errno != EINTR) {
-            break;
-        }
-    }
+    AwaitReadable();  // a failed connection is reported by PQgetResult
     // As PQexec: the last result, or the first failure, of all statements.
     PGresult* kept = nullptr;
     while (PGresult* next = PQgetResult(conn)) {
@@ -391,6 +344,189 @@ PGresult* PostgresEngine::AwaitResult() {
         kept = next;
     }
     return kept;
+}
+
+bool PostgresEngine::AwaitReadable() {
+    constexpr int kStepMilliseconds = 20;
+    PGconn* conn = conn_.get();
+    while (PQisBusy(conn) != 0) {
+        pollfd socket{PQsocket(conn), POLLIN, 0};
+        const int ready = ::poll(&socket, 1, kStepMilliseconds);
+        if (ready > 0) {
+            if (PQconsumeInput(conn) == 0) {
+                return false;
+            }
+        } else if (ready == 0) {
+            if (waitHandler_) {
+                waitHandler_();
+            }
+        } else if (errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+int PostgresEngine::SendStep(const EngineStep& step) {
+    PGconn* conn = conn_.get();
+    switch (step.kind) {
+        case EngineStep::Kind::BeginWrite:
+            return PQsendQueryParams(conn, "BEGIN", 0, nullptr, nullptr, nullptr, nullptr, 0) !=
+                               0 &&
+                           PQsendQueryParams(conn, "SELECT pg_advisory_xact_lock(4473422)", 0,
+                                             nullptr, nullptr, nullptr, nullptr, 0) != 0
+                       ? 2
+                       : -1;
+        case EngineStep::Kind::Commit:
+            return PQsendQueryParams(conn, "COMMIT", 0, nullptr, nullptr, nullptr, nullptr, 0) != 0
+                       ? 1
+                       : -1;
+        case EngineStep::Kind::Command:
+            break;
+    }
+    const CatalogueCommand& command = *step.command;
+    const TranslatedStatement& statement = PostgresTextOf(command);
+    const std::string name(command.name);
+    int results = 1;
+    if (!prepared_.contains(command.name)) {
+        if (PQsendPrepare(conn, name.c_str(), statement.sql.c_str(),
+                          static_cast<int>(statement.parameters.size()), nullptr) == 0) {
+            return -1;
+        }
+        ++results;
+    }
+    std::vector<const char*> values;
+    values.reserve(step.args->size());
+    for (const std::string& arg : *step.args) {
+        values.push_back(arg.c_str());
+    }
+    return PQsendQueryPrepared(conn, name.c_str(), static_cast<int>(values.size()), values.data(),
+                               nullptr, nullptr, 0) != 0
+               ? results
+               : -1;
+}
+
+std::vector<CommandResult> PostgresEngine::RunBatch(const std::vector<EngineStep>& steps) {
+    PGconn* conn = conn_.get();
+    if (PQenterPipelineMode(conn) == 0) {
+        RaiseFailure(nullptr, "sending a batch");
+    }
+    // The results each step gives back; a prepared statement is named as
+    // prepared only once its preparation succeeded.
+    std::vector<int> expected;
+    expected.reserve(steps.size());
+    bool sent = true;
+    std::set<std::string, std::less<>> preparing;
+    for (const EngineStep& step : steps) {
+        const bool prepares = step.kind == EngineStep::Kind::Command &&
+                              !prepared_.contains(step.command->name) &&
+                              !preparing.contains(step.command->name);
+        const int results = sent ? SendStep(step) : -1;
+        if (results < 0) {
+            sent = false;
+            break;
+        }
+        if (prepares) {
+            preparing.emplace(step.command->name);
+            prepared_.emplace(step.command->name);  // later steps use it
+        }
+        expected.push_back(results);
+    }
+    if (!sent || PQpipelineSync(conn) == 0) {
+        for (const std::string& name : preparing) {
+            prepared_.erase(name);
+        }
+        PQexitPipelineMode(conn);
+        RaiseFailure(nullptr, "sending a batch");
+    }
+    // Reads every result up to the batch's end, keeping the first failure.
+    std::vector<CommandResult> out(steps.size());
+    Result failure;
+    std::string failedDoing;
+    std::set<std::string, std::less<>> confirmed;
+    bool lost = false;
+    auto nextResult = [&]() -> Result {
+        if (!AwaitReadable()) {
+            lost = true;
+            return nullptr;
+        }
+        return Result(PQgetResult(conn));
+    };
+    for (std::size_t i = 0; i < steps.size() && !lost; ++i) {
+        const EngineStep& step = steps[i];
+        for (int part = 0; part < expected[i] && !lost; ++part) {
+            Result result = nextResult();
+            if (!result) {
+                lost = true;
+                break;
+            }
+            const ExecStatusType status = PQresultStatus(result.get());
+            // Each query's results end with a null one.
+            Result end = nextResult();
+            (void)end;
+            if (status == PGRES_PIPELINE_ABORTED) {
+                continue;
+            }
+            if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
+                if (!failure) {
+                    failure = std::move(result);
+                    failedDoing = step.kind == EngineStep::Kind::Command
+                                      ? std::string(step.command->name)
+                                  : step.kind == EngineStep::Kind::BeginWrite ? "BeginTrans"
+                                                                              : "CommitTrans";
+                }
+                continue;
+            }
+            const bool isPrepare =
+                part == 0 && expected[i] == 2 && step.kind == EngineStep::Kind::Command;
+            if (isPrepare) {
+                confirmed.emplace(step.command->name);
+                continue;
+            }
+            if (step.kind != EngineStep::Kind::Command) {
+                continue;
+            }
+            CommandResult& answer = out[i];
+            if (step.command->kind == CommandKind::Action) {
+                const char* changed = PQcmdTuples(result.get());
+                answer.changes = changed != nullptr && *changed != '\0' ? std::atol(changed) : 0;
+                continue;
+            }
+            const int columns = PQnfields(result.get());
+            const int rows = PQntuples(result.get());
+            for (int column = 0; column < columns; ++column) {
+                answer.columns.emplace_back(PQfname(result.get(), column));
+            }
+            answer.rows.reserve(static_cast<std::size_t>(rows));
+            for (int row = 0; row < rows; ++row) {
+                std::vector<FieldValue> values;
+                values.reserve(static_cast<std::size_t>(columns));
+                for (int column = 0; column < columns; ++column) {
+                    values.push_back(ReadValue(result.get(), row, column));
+                }
+                answer.rows.push_back(std::move(values));
+            }
+        }
+    }
+    if (!lost) {
+        // The batch's end.
+        Result sync = nextResult();
+        if (!sync || PQresultStatus(sync.get()) != PGRES_PIPELINE_SYNC) {
+            lost = true;
+        }
+    }
+    PQexitPipelineMode(conn);
+    // Statements whose preparation did not take place are prepared again
+    // next time.
+    for (const std::string& name : preparing) {
+        if (!confirmed.contains(name)) {
+            prepared_.erase(name);
+        }
+    }
+    if (failure || lost) {
+        RaiseFailure(failure.get(), failure ? failedDoing : "sending a batch");
+    }
+    return out;
 }
 
 void PostgresEngine::BeginWrite() {

@@ -93,4 +93,10 @@ void RowSet::Open(std::vector<std::string> columns, std::vector<std::vector<Fiel
     open_ = true;
 }
 
+std::vector<std::vector<FieldValue>> RowSet::TakeRows() {
+    open_ = false;
+    position_ = 0;
+    return std::move(rows_);
+}
+
 }  // namespace dbn

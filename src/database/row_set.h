@@ -30,6 +30,9 @@ public:
     // The column names, in the order the command returned them.
     const std::vector<std::string>& Columns() const noexcept { return columns_; }
 
+    // Moves the rows out, leaving the row set closed (used by DataBase).
+    std::vector<std::vector<FieldValue>> TakeRows();
+
     // Used by DataBase when a command has run.
     void Open(std::vector<std::string> columns, std::vector<std::vector<FieldValue>> rows);
     // Used by DataBase: reads are reported to observer while it is set.

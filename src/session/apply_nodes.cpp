@@ -384,15 +384,17 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
     TransactionScope transaction(db);
     for (const PlannedNode& plan : planned) {
         if (plan.outcome == NodeOutcome::Created) {
-            CopyTemplateNode(db, config, partition, "0", std::to_string(plan.node.number),
-                             kDbnType);
+            // Its history row is the one its write adds.
+            CopyTemplateNode(db, config, partition, "0", std::to_string(plan.node.number), kDbnType,
+                             false);
         }
     }
     for (const PlannedNode& plan : planned) {
         if (plan.outcome != NodeOutcome::Unchanged) {
+            const bool created = plan.outcome == NodeOutcome::Created;
             WriteNode(db, config, partition, plan.node,
-                      plan.outcome == NodeOutcome::Created ||
-                          nodetext::Changed(plan.changes, "confirmation.prompts"));
+                      created || nodetext::Changed(plan.changes, "confirmation.prompts"),
+                      created ? ChangeKind::Created : ChangeKind::Saved);
         }
     }
     std::vector<const RequiredNode*> missing;

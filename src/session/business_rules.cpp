@@ -7,22 +7,30 @@
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "session/load_helpers.h"
+#include "session/read_ahead.h"
+
+#include <optional>
 
 namespace dbn {
 
-Business_Rules::Business_Rules(form::FormServices& services) : services_(services) {
+Business_Rules::Business_Rules(form::FormServices& services)
+    : services_(services), sharedDb_(std::make_shared<DataBase>()), db_(*sharedDb_) {
     KeepPaintingWhileWaiting();
 }
 
 Business_Rules::Business_Rules(form::FormServices& services, form::GUI& form)
-    : services_(services), form_(&form) {
+    : Business_Rules(services, form, std::make_shared<DataBase>()) {
     KeepPaintingWhileWaiting();
 }
+
+Business_Rules::Business_Rules(form::FormServices& services, form::GUI& form,
+                               std::shared_ptr<DataBase> db)
+    : services_(services), sharedDb_(std::move(db)), db_(*sharedDb_), form_(&form) {}
 
 void Business_Rules::KeepPaintingWhileWaiting() {
     // A save may wait up to the lock time-out for another program; the
     // window keeps painting meanwhile (the operator's input waits).
-    db_.SetWaitHandler([this] { services_.DoEvents(); });
+    db_.SetWaitHandler([&services = services_] { services.DoEvents(); });
 }
 
 Business_Rules::~Business_Rules() = default;
@@ -60,6 +68,7 @@ bool Business_Rules::OpenDatabase(std::int16_t Config_ID, std::int16_t Partition
                                   std::int16_t Node_Number) {
     databaseUnavailable_ = false;
     try {
+        ReadStartUpAhead(Config_ID, Partition_ID, Node_Number);
         db_.Execute(
             "Get_DBN_Node",
             {session::CommandArg(Config_ID), session::CommandArg(Partition_ID),
@@ -79,9 +88,36 @@ bool Business_Rules::OpenDatabase(std::int16_t Config_ID, std::int16_t Partition
     }
 }
 
+void Business_Rules::ReadStartUpAhead(std::int16_t Config_ID, std::int16_t Partition_ID,
+                                      std::int16_t Node_Number) {
+    const std::string config = session::CommandArg(Config_ID);
+    const std::string partition = session::CommandArg(Partition_ID);
+    const std::string dbn = session::CommandArg(node_type::kDialByName);
+    // What the start-up reads besides the node: the type catalogue, the
+    // picker rules and the record selector; then each type's limit.
+    session::ReadNodeAhead(
+        db_, Config_ID, Partition_ID, Node_Number,
+        {{"Get_Node_Names", {}},
+         {"Get_Node_Type_can_contain_nodes", {dbn, "1"}},
+         {"Get_Node_Type_can_contain_nodes", {dbn, "2"}},
+         {"Get_All_DBN_Nodes", {config, partition, dbn}}},
+        [&](std::vector<BatchAnswer>& answers) {
+            std::vector<BatchStep> limits;
+            for (RowSet& types = answers.at(0).rows; !types.Eof(); types.MoveNext()) {
+                limits.push_back(
+                    {"Get_Max_NodeNumber",
+                     {config, partition, session::CommandArg(types.Field("ID").ToInt16())}});
+            }
+            return limits;
+        });
+}
+
 bool Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partition_ID,
                                     std::int16_t Node_Number) {
     nodeShown_ = false;
+    // Everything the start-up reads arrives in two batches; none of it is
+    // kept once the form shows.
+    std::optional<ReadAheadScope> readAhead(std::in_place, db_);
     // A database that is missing or cannot be read is told once, before any
     // form exists, instead of by every loading step in turn.
     if (!OpenDatabase(Config_ID, Partition_ID, Node_Number)) {
@@ -94,8 +130,9 @@ bool Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partiti
         ownedForm_ = std::make_unique<form::GUI>(services_);
         form_ = ownedForm_.get();
         form::GUI& form = *form_;
-        form.MakeFormBusinessRules = [&services = services_, &form] {
-            return std::make_unique<Business_Rules>(services, form);
+        // The form's own object shares this object's connection.
+        form.MakeFormBusinessRules = [&services = services_, &form, db = sharedDb_] {
+            return std::make_unique<Business_Rules>(services, form, db);
         };
         form.Load();
         form.CreateCollections();
@@ -116,6 +153,7 @@ bool Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partiti
         form.cmdApply.SetEnabled(false);
         const bool found = LoadData(Node_Number);
         form.cmdApply.SetEnabled(false);
+        readAhead.reset();
 
         if (found) {
             nodeShown_ = true;

@@ -29,6 +29,8 @@ public:
     explicit Business_Rules(form::FormServices& services);
     // A second object working on an already loaded form (FormBusinessRules).
     Business_Rules(form::FormServices& services, form::GUI& form);
+    // The same, sharing the host object's DataBase: one connection a process.
+    Business_Rules(form::FormServices& services, form::GUI& form, std::shared_ptr<DataBase> db);
     ~Business_Rules() override;
 
     // Loads, fills and shows the editor for one node; returns when the form
@@ -76,6 +78,9 @@ private:
     // Opens the database and reads the node once; a failure is shown in one
     // box and answers false.
     bool OpenDatabase(std::int16_t Config_ID, std::int16_t Partition_ID, std::int16_t Node_Number);
+    // Reads what the start-up will read, in two batches.
+    void ReadStartUpAhead(std::int16_t Config_ID, std::int16_t Partition_ID,
+                          std::int16_t Node_Number);
 
     enum class WriteOutcome { Committed, Changed, Vanished };
     struct WriteResult {
@@ -91,7 +96,8 @@ private:
     void ReportMissingReferences(const std::string& node);
 
     form::FormServices& services_;
-    DataBase db_;
+    std::shared_ptr<DataBase> sharedDb_;
+    DataBase& db_;
     bool editingNodeZero_ = false;
     bool databaseUnavailable_ = false;
     bool nodeShown_ = false;

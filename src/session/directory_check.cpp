@@ -3,7 +3,10 @@
 #include "core/node_types.h"
 
 #include "core/component_error.h"
+#include "database/database.h"
 #include "session/load_helpers.h"
+
+#include <optional>
 
 namespace dbn::session {
 namespace {
@@ -52,6 +55,16 @@ directory::DirectoryReport CheckStoredNode(DataBase& db, std::int16_t config,
     directory::SearchSettings settings = StoredSearchSettings(row);
     const std::int16_t directory = StoredDirectoryNumber(row);
     row.Close();
+    // The directory node and its names in one batch.
+    std::optional<ReadAheadScope> readAhead;
+    if (!db.HasReadAhead()) {
+        readAhead.emplace(db);
+        db.ReadAhead({{"Get_DIR_Node",
+                       {CommandArg(config), CommandArg(partition), CommandArg(directory),
+                        CommandArg(kDirTypeID)}},
+                      {"Get_DIR_Names",
+                       {CommandArg(config), CommandArg(partition), CommandArg(directory)}}});
+    }
     return directory::MakeDirectoryReport(config, partition, node, directory, std::move(settings),
                                           ReadDirectoryNames(db, config, partition, directory));
 }

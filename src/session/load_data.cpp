@@ -9,6 +9,7 @@
 #include "form/gui.h"
 #include "session/load_helpers.h"
 #include "session/node_templates.h"
+#include "session/read_ahead.h"
 #include "session/stored_state.h"
 
 #include <array>
@@ -84,6 +85,13 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                     " cannot be edited: node numbers start at 1.");
                 SetNavigationButtons(form);
                 return;
+            }
+            // The node's reads in two batches, unless the start-up has read
+            // them already.
+            std::optional<ReadAheadScope> readAhead;
+            if (!db_.HasReadAhead()) {
+                readAhead.emplace(db_);
+                session::ReadNodeAhead(db_, config, partition, nodeNumber);
             }
             // Read first: a change made while the form is filled then shows
             // as a change at the next save rather than being overwritten. A

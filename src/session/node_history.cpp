@@ -5,6 +5,7 @@
 #include "database/schema_model.h"
 #include "nodestate/state_diff.h"
 #include "session/load_helpers.h"
+#include "session/stored_state.h"
 
 #include <pwd.h>
 #include <unistd.h>
@@ -155,6 +156,13 @@ std::optional<NodeState> ReadNodeState(DataBase& db, const NodeKey& key) {
     const std::string config = CommandArg(key.config);
     const std::string partition = CommandArg(key.partition);
     const std::string number = CommandArg(key.number);
+    // A dial-by-name node's three reads travel as one batch unless they were
+    // read ahead.
+    std::optional<ReadAheadScope> readAhead;
+    if (key.typeID == node_type::kDialByName && !db.HasReadAhead()) {
+        readAhead.emplace(db);
+        db.ReadAhead(StoredStateReads(key.config, key.partition, key.number));
+    }
     if (key.typeID == node_type::kDialByName) {
         db.Execute("Get_DBN_Node", {config, partition, number, CommandArg(key.typeID)});
         std::vector<Json> node = RowsJson(db.Recordset("Get_DBN_Node"), "Node_DBN");
@@ -171,6 +179,22 @@ std::optional<NodeState> ReadNodeState(DataBase& db, const NodeKey& key) {
         state.pool = std::move(pool.front());
     } else if (key.typeID != node_type::kDialByName) {
         return std::nullopt;
+    }
+    return state;
+}
+
+std::optional<NodeState> NodeStateOf(BatchAnswer& node, BatchAnswer& details, BatchAnswer& pool) {
+    std::vector<Json> nodeRows = RowsJson(node.rows, "Node_DBN");
+    std::vector<Json> detailRows = RowsJson(details.rows, "Detail_DBN_Prompts");
+    std::vector<Json> poolRows = RowsJson(pool.rows, "Node_General_Pool");
+    if (nodeRows.empty()) {
+        return std::nullopt;
+    }
+    NodeState state;
+    state.node = std::move(nodeRows.front());
+    state.details = std::move(detailRows);
+    if (!poolRows.empty()) {
+        state.pool = std::move(poolRows.front());
     }
     return state;
 }

@@ -16,6 +16,7 @@
 namespace dbn {
 
 class DataBase;
+struct BatchAnswer;
 
 namespace session {
 
@@ -39,6 +40,11 @@ std::string HistoryProgram();
 // pool row; for other types the pool row. std::nullopt when the node has no
 // row (for a dial-by-name node, no Node_DBN row).
 std::optional<nodestate::NodeState> ReadNodeState(DataBase& db, const NodeKey& key);
+
+// A dial-by-name node's state from the answers of StoredStateReads, in
+// order; std::nullopt when its Node_DBN row is gone.
+std::optional<nodestate::NodeState> NodeStateOf(BatchAnswer& node, BatchAnswer& details,
+                                                BatchAnswer& pool);
 
 // Writes one history row for a change inside the caller's open transaction:
 // the key, the node-type code, now (UTC), who (operating-system user and

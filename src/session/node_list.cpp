@@ -5,6 +5,7 @@
 #include "database/database.h"
 #include "session/load_helpers.h"
 #include "session/node_templates.h"
+#include "session/read_ahead.h"
 #include "session/transaction_scope.h"
 
 #include <algorithm>
@@ -62,6 +63,40 @@ private:
 
 constexpr const char* kActionRoles[] = {"ValidMatch", "Abort", "Star", "Pound", "Zero"};
 
+// The references of a node row and its prompt rows, as the referenced-node
+// check gathers them from the form showing the node.
+std::vector<RequiredNode> GatherTargets(const RowSet& node, const std::vector<StoredRef>& prompts) {
+    Gathering gathering;
+    gathering.AddPair(ReadRef(node, "Greeting"));
+    const std::string directory = CommandArg(node.Field("DirectoryNodeNumber").ToInt16());
+    gathering.Add("DIR " + directory, "16", directory);
+    for (const char* role : kActionRoles) {
+        gathering.AddRow(ReadRef(node, role));
+    }
+    // The prompts and error targets count for the custom method only; the
+    // confirmation rows only when confirmation is on.
+    if (node.Field("Method").ToInt16() == 0) {
+        for (const char* role : {"FirstPrompt", "SecondPrompt", "Timeout", "Invalid"}) {
+            gathering.AddPair(ReadRef(node, role));
+        }
+        const StoredRef exit = ReadRef(node, "ConfirmationExit");
+        if (node.Field("Confirm").ToInt16() == 1) {
+            const int maxMatch = node.Field("MaxMatch").ToInt16();
+            gathering.AddRow(ReadRef(node, "BeforePrompt"));
+            gathering.AddRow(ReadRef(node, "AfterPrompt"));
+            // The form shows at most MaxMatch name rows (every row for 0 or below).
+            for (std::size_t shown = 0;
+                 shown < prompts.size() &&
+                 (maxMatch <= 0 || shown < static_cast<std::size_t>(maxMatch));
+                 ++shown) {
+                gathering.AddRow(prompts[shown]);
+            }
+        }
+        gathering.AddPair(exit);
+    }
+    return gathering.Nodes();
+}
+
 }  // namespace
 
 std::vector<PartitionKey> NodeList::Partitions() {
@@ -76,38 +111,62 @@ std::vector<PartitionKey> NodeList::Partitions() {
 }
 
 std::vector<NodeListRow> NodeList::Nodes(PartitionKey where) {
+    const std::string config = CommandArg(where.config);
+    const std::string partition = CommandArg(where.partition);
+    // The partition's nodes, its whole pool and every prompt row at once:
+    // a fixed number of statements, whatever the number of nodes.
+    std::vector<BatchAnswer> answers =
+        db_.ExecuteBatch({{"Get_All_DBN_Nodes", {config, partition, kDbnType}},
+                          {"Get_Partition_Pool", {config, partition}},
+                          {"Get_Partition_DBN_Prompts", {config, partition}}});
+    // Pool rows by type ID and number, with their modification times.
+    std::map<std::pair<std::string, std::string>, std::string> pool;
+    for (RowSet& rows = answers[1].rows; !rows.Eof(); rows.MoveNext()) {
+        pool.emplace(
+            std::pair{rows.Field("NodeTypeID").ToText(), rows.Field("NodeNumber").ToText()},
+            rows.Field("DateModified").ToText());
+    }
+    std::map<std::int16_t, std::vector<StoredRef>> prompts;
+    for (RowSet& rows = answers[2].rows; !rows.Eof(); rows.MoveNext()) {
+        prompts[rows.Field("NodeMasterID").ToInt16()].push_back(ReadRef(rows, "Prompt"));
+    }
+
     std::vector<NodeListRow> nodes;
     // Each node's search as the directory check reads it from the same row.
     std::vector<std::pair<directory::SearchSettings, std::int16_t>> searches;
-    {
-        db_.Execute("Get_All_DBN_Nodes",
-                    {CommandArg(where.config), CommandArg(where.partition), kDbnType});
-        RowSet& rows = db_.Recordset("Get_All_DBN_Nodes");
-        RowSetCloser closer(rows);
-        for (; !rows.Eof(); rows.MoveNext()) {
-            NodeListRow row;
-            row.number = rows.Field("NodeNumber").ToInt16();
-            row.label = rows.Field("NodeDescription").ToText();
-            row.method = rows.Field("Method").ToInt16() == 0 ? "Custom" : "Default Last Name";
-            row.directory = rows.Field("DirectoryNodeNumber").ToInt16();
-            row.isTemplate = row.number == 0;
-            nodes.push_back(std::move(row));
-            searches.emplace_back(StoredSearchSettings(rows), StoredDirectoryNumber(rows));
+    std::vector<BatchStep> directoryReads;
+    for (RowSet& rows = answers[0].rows; !rows.Eof(); rows.MoveNext()) {
+        NodeListRow row;
+        row.number = rows.Field("NodeNumber").ToInt16();
+        row.label = rows.Field("NodeDescription").ToText();
+        row.method = rows.Field("Method").ToInt16() == 0 ? "Custom" : "Default Last Name";
+        row.directory = rows.Field("DirectoryNodeNumber").ToInt16();
+        row.isTemplate = row.number == 0;
+        if (auto found = pool.find({kDbnType, CommandArg(row.number)}); found != pool.end()) {
+            row.modified = found->second;
         }
+        for (const RequiredNode& target : GatherTargets(rows, prompts[row.number])) {
+            if (!pool.contains({LookedUpTypeID(target.typeID), target.number})) {
+                ++row.missingTargets;
+            }
+        }
+        searches.emplace_back(StoredSearchSettings(rows), StoredDirectoryNumber(rows));
+        const std::string directory = CommandArg(searches.back().second);
+        if (std::none_of(searches.begin(), searches.end() - 1,
+                         [&](const auto& kept) { return kept.second == searches.back().second; })) {
+            directoryReads.push_back(
+                {"Get_DIR_Node", {config, partition, directory, CommandArg(kDirTypeID)}});
+            directoryReads.push_back({"Get_DIR_Names", {config, partition, directory}});
+        }
+        nodes.push_back(std::move(row));
     }
-    // Nodes of a partition mostly share a directory: each is read once.
+    // Every directory the nodes search, once, in one batch.
+    ReadAheadScope readAhead(db_);
+    db_.ReadAhead(directoryReads);
     std::map<std::int16_t, std::optional<std::vector<directory::DirectoryName>>> directories;
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         NodeListRow& row = nodes[i];
         const auto& [settings, directoryNumber] = searches[i];
-        db_.Execute("Get_Description", {CommandArg(where.config), CommandArg(where.partition),
-                                        kDbnType, CommandArg(row.number)});
-        RowSet& pool = db_.Recordset("Get_Description");
-        if (!pool.Eof()) {
-            row.modified = pool.Field("DateModified").ToText();
-        }
-        pool.Close();
-        row.missingTargets = CountMissingTargets(where, row.number);
         auto [names, unread] = directories.try_emplace(directoryNumber);
         if (unread) {
             names->second = ReadDirectoryIfAny(where, directoryNumber);
@@ -132,54 +191,6 @@ std::optional<std::vector<directory::DirectoryName>> NodeList::ReadDirectoryIfAn
         }
     }
     return std::nullopt;
-}
-
-int NodeList::CountMissingTargets(PartitionKey where, std::int16_t number) {
-    Gathering gathering;
-    db_.Execute("Get_DBN_Node", {CommandArg(where.config), CommandArg(where.partition),
-                                 CommandArg(number), kDbnType});
-    RowSet& node = db_.Recordset("Get_DBN_Node");
-    RowSetCloser closer(node);
-    if (node.Eof()) {
-        return 0;
-    }
-    gathering.AddPair(ReadRef(node, "Greeting"));
-    const std::string directory = CommandArg(node.Field("DirectoryNodeNumber").ToInt16());
-    gathering.Add("DIR " + directory, "16", directory);
-    for (const char* role : kActionRoles) {
-        gathering.AddRow(ReadRef(node, role));
-    }
-    // The prompts and error targets count for the custom method only; the
-    // confirmation rows only when confirmation is on.
-    if (node.Field("Method").ToInt16() == 0) {
-        for (const char* role : {"FirstPrompt", "SecondPrompt", "Timeout", "Invalid"}) {
-            gathering.AddPair(ReadRef(node, role));
-        }
-        const StoredRef exit = ReadRef(node, "ConfirmationExit");
-        if (node.Field("Confirm").ToInt16() == 1) {
-            const int maxMatch = node.Field("MaxMatch").ToInt16();
-            gathering.AddRow(ReadRef(node, "BeforePrompt"));
-            gathering.AddRow(ReadRef(node, "AfterPrompt"));
-            db_.Execute("Get_DBN_PromptsNode", {CommandArg(where.config),
-                                                CommandArg(where.partition), CommandArg(number)});
-            RowSet& prompts = db_.Recordset("Get_DBN_PromptsNode");
-            RowSetCloser promptsCloser(prompts);
-            // The form shows at most MaxMatch name rows (every row for 0 or below).
-            for (int shown = 0; !prompts.Eof() && (maxMatch <= 0 || shown < maxMatch);
-                 ++shown, prompts.MoveNext()) {
-                gathering.AddRow(ReadRef(prompts, "Prompt"));
-            }
-        }
-        gathering.AddPair(exit);
-    }
-    node.Close();
-    int missing = 0;
-    for (const RequiredNode& target : gathering.Nodes()) {
-        if (!NodeExists(db_, where.config, where.partition, target.typeID, target.number)) {
-            ++missing;
-        }
-    }
-    return missing;
 }
 
 std::string NodeList::WhyNoNodes() {

@@ -67,7 +67,6 @@ public:
     void CreateNode(PartitionKey where, std::int16_t number);
 
 private:
-    int CountMissingTargets(PartitionKey where, std::int16_t number);
     // The names of a directory node, or nothing when it does not exist.
     std::optional<std::vector<directory::DirectoryName>> ReadDirectoryIfAny(PartitionKey where,
                                                                             std::int16_t directory);

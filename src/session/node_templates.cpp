@@ -160,33 +160,38 @@ bool CanCopyNodeType(std::string_view typeID) {
 
 bool CopyTemplateNode(DataBase& db, std::int16_t config, std::int16_t partition,
                       const std::string& templateNumber, const std::string& newNumber,
-                      std::string typeID) {
+                      std::string typeID, bool recordCreation) {
     const CopyPlan* plan = FindCopyPlan(typeID);
     if (plan == nullptr) {
         return false;
     }
     const std::string configText = std::to_string(config);
     const std::string partitionText = std::to_string(partition);
-    long nodeRows = 0;
+    // The node row, its detail rows and its pool row travel as one batch.
+    // Its first command copies the node row; when the template has none the
+    // caller's unit of work undoes the rest.
+    std::vector<BatchStep> batch;
     if (plan->message) {
         typeID = kMessageTypeID;
-        nodeRows = db.Execute("Duplicate_MSG_NODE", {newNumber, SoundFileName(partition, newNumber),
-                                                     configText, partitionText, templateNumber});
+        batch.push_back({"Duplicate_MSG_NODE",
+                         {newNumber, SoundFileName(partition, newNumber), configText, partitionText,
+                          templateNumber}});
     }
     for (const char* command : plan->commands) {
-        const long rows =
-            db.Execute(command, {newNumber, configText, partitionText, templateNumber});
-        if (command == plan->commands.front()) {
-            nodeRows = rows;
-        }
+        batch.push_back({command, {newNumber, configText, partitionText, templateNumber}});
     }
+    batch.push_back({"Duplicate_Node_In_General_Pool",
+                     {newNumber, CurrentModificationTime(), configText, partitionText,
+                      templateNumber, typeID}});
+    const std::vector<BatchAnswer> answers = db.ExecuteBatch(batch);
     // A template without a node row in its type's table creates nothing.
-    if (nodeRows == 0) {
+    const std::size_t nodeRow = plan->message && !plan->commands.empty() ? 1 : 0;
+    if (answers[nodeRow].count == 0) {
         return false;
     }
-    db.Execute("Duplicate_Node_In_General_Pool", {newNumber, CurrentModificationTime(), configText,
-                                                  partitionText, templateNumber, typeID});
-    RecordCreatedNode(db, config, partition, typeID, newNumber);
+    if (recordCreation) {
+        RecordCreatedNode(db, config, partition, typeID, newNumber);
+    }
     return true;
 }
 

@@ -143,8 +143,11 @@ nodetext::NodeDocument ExportNodes(DataBase& db, std::int16_t config, std::int16
     return document;
 }
 
-void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition, const TextNode& node,
-               bool promptsChanged) {
+namespace {
+
+// The node's rows as a save writes them.
+void WriteNodeRows(DataBase& db, std::int16_t config, std::int16_t partition, const TextNode& node,
+                   bool promptsChanged) {
     const std::string configText = CommandArg(config);
     const std::string partitionText = CommandArg(partition);
     const std::string number = std::to_string(node.number);
@@ -205,6 +208,17 @@ void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition, const 
     while (promptNumber < kDefaultPromptCount) {
         add("MSG", "1", "0");
     }
+}
+
+}  // namespace
+
+void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition, const TextNode& node,
+               bool promptsChanged, ChangeKind kind) {
+    const NodeKey key{config, partition, node_type::kDialByName, node.number};
+    const std::optional<nodestate::NodeState> before =
+        kind == ChangeKind::Created ? std::nullopt : ReadNodeState(db, key);
+    WriteNodeRows(db, config, partition, node, promptsChanged);
+    WriteHistoryEntry(db, key, node_type::kDialByNameCode, kind, before, ReadNodeState(db, key));
 }
 
 }  // namespace dbn::session

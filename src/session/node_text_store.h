@@ -3,6 +3,7 @@
 // as they are stored, and writing one node's text form back.
 
 #include "nodetext/node_text.h"
+#include "session/node_history.h"
 
 #include <cstdint>
 #include <map>
@@ -30,9 +31,11 @@ nodetext::NodeDocument ExportNodes(DataBase& db, std::int16_t config, std::int16
 // Writes one node as a save does: its Node_DBN row in two statements, its
 // pool row's description and modification time and, when they changed, its
 // prompt rows (padded with message node 1 up to prompt 9). Every reference's
-// type ID must be set. The one place a written node passes through.
+// type ID must be set. The one place a written node passes through: each
+// write adds a history row of the kind given (a created node's row has no
+// state before).
 void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition,
-               const nodetext::TextNode& node, bool promptsChanged);
+               const nodetext::TextNode& node, bool promptsChanged, ChangeKind kind);
 
 }  // namespace session
 }  // namespace dbn

@@ -11,6 +11,7 @@
 #include "session/confirmation_dialog.h"
 #include "session/form_references.h"
 #include "session/node_templates.h"
+#include "session/read_ahead.h"
 #include "session/transaction_scope.h"
 
 #include <exception>
@@ -191,13 +192,27 @@ void Business_Rules::CheckForUnReferencedNodes() {
             gatherPair(gui.cmbExitPromptNode, gui.cmbExitPromptNumber);
         }
 
+        // Whether each node and its type's template exist, asked in one
+        // batch. A copy creates only the node it was asked for, which no
+        // later row names again (the rows' keys are distinct).
+        std::vector<std::pair<std::string, std::string>> lookups;
+        for (int i = 0; i < gui.lstNodeTypeName.ListCount(); ++i) {
+            lookups.emplace_back(gui.lstNodeTypeID.List(i), gui.lstNodeNumber.List(i));
+            lookups.emplace_back(gui.lstNodeTypeID.List(i), kTemplateNumber);
+        }
+        const std::vector<BatchAnswer> found =
+            db_.ExecuteBatch(session::ExistenceReads(gui.ConfigID(), gui.PartitionID(), lookups));
+        auto exists = [&](int row, bool templateNode) {
+            return found[static_cast<std::size_t>(2 * row + (templateNode ? 1 : 0))].count > 0;
+        };
+
         long answer = 0;
         referenceFound_.assign(static_cast<std::size_t>(gui.lstNodeTypeName.ListCount()), false);
         for (int i = 0; i < gui.lstNodeTypeName.ListCount(); ++i) {
             const std::string key = gui.lstNodeTypeName.List(i);
             const std::string typeID = gui.lstNodeTypeID.List(i);
             const std::string number = gui.lstNodeNumber.List(i);
-            if (IsNodeExisted(typeID, number)) {
+            if (exists(i, false)) {
                 referenceFound_[static_cast<std::size_t>(i)] = true;
                 continue;
             }
@@ -222,7 +237,7 @@ void Business_Rules::CheckForUnReferencedNodes() {
                     copies.Commit();
                     gui.ShowInformation(key +
                                         " could not be created: its type cannot be created here.");
-                } else if (!IsNodeExisted(typeID, kTemplateNumber)) {
+                } else if (!exists(i, true)) {
                     copies.Commit();
                     gui.ShowInformation(
                         key + " could not be created: there is no template node 0 of its type.");

@@ -107,27 +107,28 @@ std::vector<std::string> Part2Arguments(form::GUI& gui, const NodeKeyText& key) 
     return args;
 }
 
-void AddPromptRow(DataBase& db, const NodeKeyText& key, int promptNumber,
-                  const StoredNodeRef& prompt) {
-    db.Execute("Add_DBN_PromptsNode", {key.config, key.partition, std::to_string(promptNumber),
-                                       prompt.typeID, prompt.number, key.number, prompt.type});
+BatchStep PromptRow(const NodeKeyText& key, int promptNumber, const StoredNodeRef& prompt) {
+    return {"Add_DBN_PromptsNode",
+            {key.config, key.partition, std::to_string(promptNumber), prompt.typeID, prompt.number,
+             key.number, prompt.type}};
 }
 
 // The name prompts of the confirmation list (or, while the section is off,
 // the rows it set aside), then the name rows set aside beyond them, then
 // message node 1 for every prompt number up to nine still open; prompt
 // numbers start at 1 even when there are none.
-void WritePromptRows(DataBase& db, form::GUI& gui, const NodeKeyText& key) {
+void AddPromptRows(std::vector<BatchStep>& batch, form::GUI& gui, const NodeKeyText& key) {
     int nextPrompt = 1;
     const form::ListView& prompts = PromptRows(gui);
     for (int position = kFixedConfirmRows; position < prompts.ItemCount(); ++position) {
-        AddPromptRow(db, key, nextPrompt++, RowReference(prompts, position));
+        batch.push_back(PromptRow(key, nextPrompt++, RowReference(prompts, position)));
     }
     for (const form::list_rows::RowCells& aside : gui.AsideNameRows()) {
-        AddPromptRow(db, key, nextPrompt++, {aside.nodeName, aside.nodeNumber, aside.typeId});
+        batch.push_back(
+            PromptRow(key, nextPrompt++, {aside.nodeName, aside.nodeNumber, aside.typeId}));
     }
     for (; nextPrompt <= kDefaultPromptCount; ++nextPrompt) {
-        AddPromptRow(db, key, nextPrompt, kDefaultPrompt);
+        batch.push_back(PromptRow(key, nextPrompt, kDefaultPrompt));
     }
 }
 
@@ -243,16 +244,30 @@ Business_Rules::WriteResult Business_Rules::WriteShownNode(std::int16_t nodeNumb
         return {WriteOutcome::Changed, std::nullopt,
                 session::ChangeDetails(db_, nodeKey, *gui.StoredState, *before)};
     }
-    db_.Execute("Delete_DBN_PromptsNode", {key.config, key.partition, key.number});
-    if (db_.Execute("Update_DBN_Node_Part1", Part1Arguments(gui, key)) == 0) {
+    // Every write, then the state just written (what the next save compares
+    // with), in one batch.
+    std::vector<BatchStep> batch{
+        {"Delete_DBN_PromptsNode", {key.config, key.partition, key.number}},
+        {"Update_DBN_Node_Part1", Part1Arguments(gui, key)},
+        {"Update_DBN_Node_Part2", Part2Arguments(gui, key)},
+        {"Update_Node_General_Pool",
+         {gui.txtDescription.Text(), CurrentModificationTime(), key.config, key.partition,
+          kDbnTypeID, key.number}}};
+    AddPromptRows(batch, gui, key);
+    const std::size_t stateAt = batch.size();
+    for (BatchStep& read :
+         session::StoredStateReads(gui.ConfigID(), gui.PartitionID(), nodeNumber)) {
+        batch.push_back(std::move(read));
+    }
+    std::vector<BatchAnswer> answers = db_.ExecuteBatch(batch);
+    if (answers[1].count == 0) {
+        // The node row is gone: the scope undoes the batch's other writes.
         return {WriteOutcome::Vanished, std::nullopt};
     }
-    db_.Execute("Update_DBN_Node_Part2", Part2Arguments(gui, key));
-    db_.Execute("Update_Node_General_Pool", {gui.txtDescription.Text(), CurrentModificationTime(),
-                                             key.config, key.partition, kDbnTypeID, key.number});
-    WritePromptRows(db_, gui, key);
-    // What the next save compares with: the state just written.
-    const std::optional<nodestate::NodeState> after = session::ReadNodeState(db_, nodeKey);
+    // The history row needs the state just written, so it follows the batch
+    // inside the same unit of work.
+    const std::optional<nodestate::NodeState> after =
+        session::NodeStateOf(answers[stateAt], answers[stateAt + 1], answers[stateAt + 2]);
     session::WriteHistoryEntry(db_, nodeKey, node_type::kDialByNameCode, session::ChangeKind::Saved,
                                before, after);
     transaction.Commit();

@@ -1,9 +1,22 @@
 #include "session/stored_state.h"
 
 #include "core/node_types.h"
+#include "session/load_helpers.h"
 #include "session/node_history.h"
 
 namespace dbn::session {
+
+std::vector<BatchStep> StoredStateReads(std::int16_t configID, std::int16_t partitionID,
+                                        std::int16_t nodeNumber) {
+    return {{"Get_DBN_Node",
+             {CommandArg(configID), CommandArg(partitionID), CommandArg(nodeNumber),
+              CommandArg(node_type::kDialByName)}},
+            {"Get_DBN_PromptsNode",
+             {CommandArg(configID), CommandArg(partitionID), CommandArg(nodeNumber)}},
+            {"Get_Description",
+             {CommandArg(configID), CommandArg(partitionID), CommandArg(node_type::kDialByName),
+              CommandArg(nodeNumber)}}};
+}
 
 std::optional<std::string> ReadStoredState(DataBase& db, std::int16_t configID,
                                            std::int16_t partitionID, std::int16_t nodeNumber) {

@@ -5,19 +5,22 @@
 // fingerprint of the node it loaded and compares it before every save, so
 // that a change made meanwhile by another program is not overwritten unasked.
 
+#include "database/database.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
-namespace dbn {
-
-class DataBase;
-
-namespace session {
+namespace dbn::session {
 
 // Reads the node's stored state; std::nullopt when its Node_DBN row is gone.
+// Its three reads travel as one batch unless they were read ahead.
 std::optional<std::string> ReadStoredState(DataBase& db, std::int16_t configID,
                                            std::int16_t partitionID, std::int16_t nodeNumber);
 
-}  // namespace session
-}  // namespace dbn
+// The three reads of the stored state, to send in a batch of one's own.
+std::vector<BatchStep> StoredStateReads(std::int16_t configID, std::int16_t partitionID,
+                                        std::int16_t nodeNumber);
+
+}  // namespace dbn::session

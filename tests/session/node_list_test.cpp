@@ -75,6 +75,100 @@ TEST_F(NodeListTest, MissingTargetsAreWhatTheReferencedNodeCheckAsksAbout) {
     EXPECT_GT(counted, 3);
 }
 
+// Node 1 of partition 1 with every reference on a node of its own: MSG 101
+// to 111 for the roles, MSG 121 to 123 for the confirmation rows, DIR 1.
+// Removing one target's pool row makes exactly that reference missing.
+class MissingTargetCountTest : public NodeListTest {
+protected:
+    struct Reference {
+        const char* role;  // "" for a confirmation row or the directory
+        int typeID;
+        int number;
+    };
+    static constexpr Reference kReferences[] = {{"Greeting", 0, 101},
+                                                {"ValidMatch", 0, 102},
+                                                {"Abort", 0, 103},
+                                                {"Star", 0, 104},
+                                                {"Pound", 0, 105},
+                                                {"Zero", 0, 106},
+                                                {"FirstPrompt", 0, 107},
+                                                {"SecondPrompt", 0, 108},
+                                                {"Timeout", 0, 109},
+                                                {"Invalid", 0, 110},
+                                                {"BeforePrompt", 0, 111},
+                                                {"AfterPrompt", 0, 112},
+                                                {"ConfirmationExit", 0, 113},
+                                                {"", 0, 121},
+                                                {"", 0, 122},
+                                                {"", 0, 123},
+                                                {"", 16, 1}};
+
+    void PlantDistinctTargets() {
+        std::string sql =
+            "UPDATE Node_DBN SET Method = 0, Confirm = 1, MaxMatch = 0, DirectoryNodeNumber = 1";
+        for (const Reference& ref : kReferences) {
+            if (*ref.role != '\0') {
+                sql += std::string(", ") + ref.role + "NodeType = 'MSG', " + ref.role +
+                       "NodeNumber = " + std::to_string(ref.number) + ", " + ref.role +
+                       "NodeTypeID = 0";
+            }
+        }
+        sql +=
+            " WHERE PartID = 1 AND NodeNumber = 1;"
+            "DELETE FROM Detail_DBN_Prompts WHERE PartID = 1 AND NodeMasterID = 1;";
+        for (int row = 1; row <= 3; ++row) {
+            sql +=
+                "INSERT INTO Detail_DBN_Prompts (ConfigID, PartID, PromptNumber, "
+                "PromptNodeTypeID, PromptNodeNumber, NodeMasterID, PromptNodeType) VALUES (1, "
+                "1, " +
+                std::to_string(row) + ", 0, " + std::to_string(120 + row) + ", 1, 'MSG');";
+        }
+        for (const Reference& ref : kReferences) {
+            if (ref.typeID == 0) {
+                sql += Restoration(ref);
+            }
+        }
+        root.Exec(sql);
+    }
+    static std::string Restoration(const Reference& ref) {
+        return "INSERT INTO Node_General_Pool (ConfigID, PartID, NodeTypeID, NodeNumber, "
+               "NodeType, NodeDescription, DateModified) VALUES (1, 1, " +
+               std::to_string(ref.typeID) + ", " + std::to_string(ref.number) + ", '" +
+               (ref.typeID == 0 ? "MSG" : "DIR") + "', 'target', '2024-03-04 09:15:00');";
+    }
+    static std::string Removal(const Reference& ref) {
+        return "DELETE FROM Node_General_Pool WHERE PartID = 1 AND NodeTypeID = " +
+               std::to_string(ref.typeID) + " AND NodeNumber = " + std::to_string(ref.number) + ";";
+    }
+    int CountOfNodeOne() {
+        DataBase db;
+        const std::vector<NodeListRow> rows = NodeList(db).Nodes({1, 1});
+        return rows.at(1).missingTargets;
+    }
+
+    TempDataRoot root{TempDataRoot::Content::Demo};
+};
+
+TEST_F(MissingTargetCountTest, EachReferenceMissingAloneCountsOnce) {
+    PlantDistinctTargets();
+    EXPECT_EQ(CountOfNodeOne(), 0);
+    for (const Reference& ref : kReferences) {
+        root.Exec(Removal(ref));
+        EXPECT_EQ(CountOfNodeOne(), 1) << ref.role << " " << ref.typeID << " " << ref.number;
+        root.Exec(Restoration(ref));
+    }
+}
+
+TEST_F(MissingTargetCountTest, EveryReferenceMissingCountsEach) {
+    PlantDistinctTargets();
+    std::string sql;
+    for (const Reference& ref : kReferences) {
+        sql += Removal(ref);
+    }
+    root.Exec(sql);
+    EXPECT_EQ(CountOfNodeOne(), static_cast<int>(std::size(kReferences)));
+}
+
 TEST_F(NodeListTest, FilterKeepsRowsWhoseNumberOrLabelHoldsTheText) {
     std::vector<NodeListRow> rows(3);
     rows[0].number = 1;

@@ -1,0 +1,171 @@
+// Round trips to a configuration server, counted by the relay between the
+// editor and the test server: every operation waits for the server a fixed,
+// small number of times, connection included where it opens one, whatever
+// the number of nodes. A change that adds a round trip fails here.
+
+#include "network_relay.h"
+#include "session/session_support.h"
+#include "test_server.h"
+
+#include "database/database.h"
+#include "database/database_setup.h"
+#include "form/list_rows.h"
+#include "session/directory_check.h"
+#include "session/node_list.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace dbn::testing {
+namespace {
+
+// The editor's connection goes through the relay to a demo configuration
+// of its own on the test server.
+class RoundTrips : public SessionTest {
+protected:
+    void SetUp() override {
+        DBN_REQUIRE_TEST_SERVER();
+        scratch_ = std::make_unique<ScratchServerDatabase>();
+        CreateConfigurationDatabase(DatabaseTarget::Server(scratch_->Uri()), true,
+                                    ExistingDatabase::Refuse);
+        relay_ = std::make_unique<NetworkRelay>(NetworkRelay::UpstreamOfUri(scratch_->Uri()));
+        ::setenv("DBN_DATABASE", relay_->RelayedUri(scratch_->Uri()).c_str(), 1);
+    }
+    void TearDown() override { ::unsetenv("DBN_DATABASE"); }
+
+    void Sql(const std::string& sql) { PgExec(ConnectTo(scratch_->Uri()).get(), sql); }
+    long Count(const std::string& sql) {
+        PgConnection conn = ConnectTo(scratch_->Uri());
+        PGresult* result = PQexec(conn.get(), sql.c_str());
+        const long count = PQntuples(result) == 1 ? std::atol(PQgetvalue(result, 0, 0)) : -1;
+        PQclear(result);
+        return count;
+    }
+
+    // The round trips of one step of the open editor.
+    long CountWhileShown(const std::function<void(form::GUI&)>& step) {
+        long counted = -1;
+        Open(1, 1, [&](form::GUI& gui) {
+            relay_->ResetCounts();
+            step(gui);
+            counted = relay_->RoundTrips();
+        });
+        return counted;
+    }
+
+    // Copies node 1 of partition 1 to nodes 1001 up to 1000 + count, with
+    // its prompt rows and pool row.
+    void AddNodes(int count) {
+        const std::string series = " FROM %s d, generate_series(1001, " +
+                                   std::to_string(1000 + count) + ") g WHERE d.PartID = 1 AND ";
+        auto copy = [&](const std::string& table, const std::string& key,
+                        const std::string& extra) {
+            std::string from = series;
+            from.replace(from.find("%s"), 2, table);
+            return "CREATE TEMP TABLE c AS SELECT d.*, g AS n" + from + key + " = 1" + extra +
+                   "; UPDATE c SET " + key + " = n; ALTER TABLE c DROP COLUMN n; INSERT INTO " +
+                   table + " SELECT * FROM c; DROP TABLE c;";
+        };
+        Sql(copy("Node_DBN", "NodeNumber", "") + copy("Detail_DBN_Prompts", "NodeMasterID", "") +
+            copy("Node_General_Pool", "NodeNumber", " AND d.NodeTypeID = 15"));
+    }
+
+    std::unique_ptr<ScratchServerDatabase> scratch_;
+    std::unique_ptr<NetworkRelay> relay_;
+};
+
+TEST_F(RoundTrips, StartUpNextAndApplyEachWaitAFixedNumberOfTimes) {
+    // Start-up up to the form showing, connection included (closing only
+    // sends the connection's end, which waits for nothing).
+    relay_->ResetCounts();
+    long startUp = -1;
+    Open(1, 1, [&](form::GUI&) { startUp = relay_->RoundTrips(); });
+    EXPECT_EQ(relay_->Connections(), 1);  // the host and the form share one
+    const long next = CountWhileShown([](form::GUI& gui) { gui.cmdNext_Click(); });
+    const long apply = CountWhileShown([](form::GUI& gui) {
+        gui.txtDescription.SetText("Staff directory (saved)");
+        gui.cmdApply_Click();
+        EXPECT_FALSE(gui.cmdApply.Enabled());
+    });
+    EXPECT_EQ(startUp, 3) << "start-up";
+    EXPECT_EQ(next, 2) << "Next";
+    EXPECT_EQ(apply, 5) << "Apply";
+}
+
+// Ten missing targets created under one "Yes to All".
+TEST_F(RoundTrips, ApplyCreatingTenNodes) {
+    struct Target {
+        const char* code;
+        int typeID;
+        int number;
+    };
+    const Target targets[] = {{"MSG", 0, 50},  {"LIST", 8, 15}, {"MSG", 0, 51}, {"VOX", 7, 8},
+                              {"XFER", 4, 40}, {"MSG", 0, 52},  {"CMD", 1, 15}, {"TIME", 2, 15},
+                              {"DTMF", 6, 25}, {"AUTO", 9, 25}};
+    const long apply = CountWhileShown([&](form::GUI& gui) {
+        const std::vector<std::pair<form::ListControl*, form::ListControl*>> pickers = {
+            {&gui.cmbGreetingNode, &gui.cmbGreetingNumber},
+            {&gui.cmbFirstMatchPrompt, &gui.cmbFirstMatchPromptNumber},
+            {&gui.cmbSecondMatchPrompt, &gui.cmbSecondMatchPromptNumber},
+            {&gui.cmbTimeoutNode, &gui.cmbTimeoutNumber},
+            {&gui.cmbInvalidNode, &gui.cmbInvalidNumber},
+            {&gui.cmbExitPromptNode, &gui.cmbExitPromptNumber}};
+        std::size_t next = 0;
+        for (const auto& [node, number] : pickers) {
+            node->SetText(targets[next].code);
+            number->SetText(std::to_string(targets[next].number));
+            ++next;
+        }
+        for (int row = 0; next < std::size(targets); ++row, ++next) {
+            form::ListItem& item = gui.LVActions.ItemAt(row);
+            const Target& target = targets[next];
+            item.SetSubItem(form::list_rows::kCommandNode,
+                            std::string(target.code) + " " + std::to_string(target.number));
+            item.SetSubItem(form::list_rows::kNodeName, target.code);
+            item.SetSubItem(form::list_rows::kNodeTypeID, std::to_string(target.typeID));
+            item.SetSubItem(form::list_rows::kNodeNumber, std::to_string(target.number));
+        }
+        services.confirmAnswers = {form::kConfirmYesToAll};
+        relay_->ResetCounts();
+        gui.cmdApply_Click();
+        EXPECT_FALSE(gui.cmdApply.Enabled());
+    });
+    std::string created = "SELECT count(*) FROM Node_General_Pool WHERE PartID = 1 AND (false";
+    for (const Target& target : targets) {
+        created += " OR (NodeTypeID = " + std::to_string(target.typeID) +
+                   " AND NodeNumber = " + std::to_string(target.number) + ")";
+    }
+    EXPECT_EQ(Count(created + ")"), 10);
+    // Each created node takes a savepoint, its copy and the savepoint's end.
+    EXPECT_EQ(apply, 37) << "Apply creating ten nodes";
+}
+
+// The node list and the check of one node open a connection of their own.
+TEST_F(RoundTrips, NodeListWhateverItsSizeAndCheck) {
+    // Each count on a connection of its own, all ended only at the end, so
+    // that no connection's end arrives while another one is counted.
+    std::vector<std::unique_ptr<DataBase>> connections;
+    auto listCount = [&] {
+        relay_->ResetCounts();
+        DataBase& db = *connections.emplace_back(std::make_unique<DataBase>());
+        const std::vector<session::NodeListRow> rows = session::NodeList(db).Nodes({1, 1});
+        return std::pair{relay_->RoundTrips(), rows.size()};
+    };
+    const auto [small, smallRows] = listCount();
+    AddNodes(300);
+    const auto [large, largeRows] = listCount();
+    EXPECT_EQ(largeRows, smallRows + 300);
+    EXPECT_EQ(small, large);
+    EXPECT_EQ(large, 3) << "node list";
+
+    relay_->ResetCounts();
+    session::CheckStoredNode(*connections.emplace_back(std::make_unique<DataBase>()), 1, 1, 1);
+    EXPECT_EQ(relay_->RoundTrips(), 3) << "check";
+}
+
+}  // namespace
+}  // namespace dbn::testing
