@@ -199,6 +199,26 @@ std::optional<NodeState> NodeStateOf(BatchAnswer& node, BatchAnswer& details, Ba
     return state;
 }
 
+std::vector<BatchStep> NodeStateReads(const NodeKey& key) {
+    if (key.typeID == node_type::kDialByName) {
+        return StoredStateReads(key.config, key.partition, key.number);
+    }
+    return {{"Get_Description", KeyArgs(key)}};
+}
+
+std::optional<NodeState> NodeStateOf(const NodeKey& key, BatchAnswer* answers) {
+    if (key.typeID == node_type::kDialByName) {
+        return NodeStateOf(answers[0], answers[1], answers[2]);
+    }
+    std::vector<Json> pool = RowsJson(answers[0].rows, "Node_General_Pool");
+    if (pool.empty()) {
+        return std::nullopt;
+    }
+    NodeState state;
+    state.pool = std::move(pool.front());
+    return state;
+}
+
 void WriteHistoryEntry(DataBase& db, const NodeKey& key, std::string_view typeCode, ChangeKind kind,
                        const std::optional<NodeState>& before,
                        const std::optional<NodeState>& after) {

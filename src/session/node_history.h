@@ -17,6 +17,7 @@ namespace dbn {
 
 class DataBase;
 struct BatchAnswer;
+struct BatchStep;
 
 namespace session {
 
@@ -40,6 +41,11 @@ std::string HistoryProgram();
 // pool row; for other types the pool row. std::nullopt when the node has no
 // row (for a dial-by-name node, no Node_DBN row).
 std::optional<nodestate::NodeState> ReadNodeState(DataBase& db, const NodeKey& key);
+
+// The reads of a node's state, to send in a batch, and its state from their
+// answers (consecutive, from the first given).
+std::vector<BatchStep> NodeStateReads(const NodeKey& key);
+std::optional<nodestate::NodeState> NodeStateOf(const NodeKey& key, BatchAnswer* answers);
 
 // A dial-by-name node's state from the answers of StoredStateReads, in
 // order; std::nullopt when its Node_DBN row is gone.
