@@ -13,6 +13,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -84,6 +85,10 @@ public:
     // False when the database can only be read (a read-only file or a
     // server user without the right to create tables).
     virtual bool CanChangeSchema() = 0;
+    // The stored schema version in one round trip, outside a transaction:
+    // std::nullopt when the version table is missing or the engine cannot
+    // tell that way (the caller then looks at the tables).
+    virtual std::optional<int> QuickSchemaVersion() { return std::nullopt; }
 
     // Starts hearing the changes other connections commit: answers the
     // socket that becomes readable when one is announced, or -1 when

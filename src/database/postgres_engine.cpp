@@ -177,6 +177,14 @@ public:
         return PQntuples(result.get()) == 1 &&
                std::string_view(PQgetvalue(result.get(), 0, 0)) == "t";
     }
+    std::optional<int> QuickSchemaVersion() override {
+        // A missing table only fails this statement: no transaction is open.
+        Result result(PQexec(conn_.get(), "SELECT max(version) FROM schema_version"));
+        if (PQresultStatus(result.get()) != PGRES_TUPLES_OK || PQntuples(result.get()) != 1) {
+            return std::nullopt;
+        }
+        return PQgetisnull(result.get(), 0, 0) != 0 ? 1 : std::atoi(PQgetvalue(result.get(), 0, 0));
+    }
     int ListenForChanges() override {
         Exec(std::string("LISTEN ") + kHistoryChannel, "watching for changes");
         return PQsocket(conn_.get());

@@ -124,7 +124,10 @@ int ReadSchemaVersion(DatabaseEngine& engine) {
 
 SchemaState PrepareSchema(DatabaseEngine& engine, const DatabaseTarget& target) {
     SchemaState state;
-    state.version = ReadSchemaVersion(engine);
+    state.version = engine.QuickSchemaVersion().value_or(0);
+    if (state.version == 0) {
+        state.version = ReadSchemaVersion(engine);
+    }
     if (state.version > kCurrentSchemaVersion) {
         RaiseDatabaseError(kErrSchemaTooNew, "The configuration database " + engine.Name() +
                                                  " is of version " + std::to_string(state.version) +
