@@ -214,7 +214,8 @@ void WriteNodeRows(DataBase& db, std::int16_t config, std::int16_t partition, co
 
 void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition, const TextNode& node,
                bool promptsChanged, ChangeKind kind) {
-    const NodeKey key{config, partition, node_type::kDialByName, node.number};
+    const NodeKey key{config, partition, node_type::kDialByName,
+                      static_cast<std::int16_t>(node.number)};
     const std::optional<nodestate::NodeState> before =
         kind == ChangeKind::Created ? std::nullopt : ReadNodeState(db, key);
     WriteNodeRows(db, config, partition, node, promptsChanged);
