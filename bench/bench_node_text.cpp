@@ -108,7 +108,8 @@ void ApplyFloor(benchmark::State& state) {
             const Clock::time_point start = Clock::now();
             db.BeginTrans();
             for (const auto& [number, node] : stored) {
-                session::WriteNode(db, kLargeConfig, kLargePartition, node, false);
+                session::WriteNode(db, kLargeConfig, kLargePartition, node, false,
+                                   session::ChangeKind::Saved);
             }
             db.CommitTrans();
             state.SetIterationTime(Seconds(Clock::now() - start));
