@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <set>
@@ -361,8 +362,28 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
             GatherReferences(plan.node, required, keys);
         }
     }
+    // Every reference's node is looked up in one batch; one found missing is
+    // asked again when it comes to be written, as creating an earlier one
+    // may have created it.
+    std::set<const RequiredNode*> found;
+    {
+        std::vector<BatchStep> lookups;
+        for (const RequiredNode& node : required) {
+            lookups.push_back({"Get_Description",
+                               {CommandArg(config), CommandArg(partition),
+                                LookedUpTypeID(node.typeID), node.number}});
+        }
+        std::vector<BatchAnswer> answers =
+            lookups.empty() ? std::vector<BatchAnswer>{} : db.ExecuteBatch(lookups);
+        for (std::size_t i = 0; i < answers.size(); ++i) {
+            if (!answers[i].rows.Eof()) {
+                found.insert(&required[i]);
+            }
+        }
+    }
     auto exists = [&](const RequiredNode& node) {
         return (node.typeID == kDbnType && creating.count(node.number) > 0) ||
+               found.count(&node) > 0 ||
                NodeExists(db, config, partition, node.typeID, node.number);
     };
 
@@ -388,13 +409,18 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
                              kDbnType);
         }
     }
+    // Every node's statements in one batch, whatever the number of nodes.
+    std::vector<BatchStep> statements;
     for (const PlannedNode& plan : planned) {
         if (plan.outcome != NodeOutcome::Unchanged) {
-            WriteNode(db, config, partition, plan.node,
-                      plan.outcome == NodeOutcome::Created ||
-                          nodetext::Changed(plan.changes, "confirmation.prompts"));
+            std::vector<BatchStep> steps =
+                WriteNodeSteps(config, partition, plan.node,
+                               plan.outcome == NodeOutcome::Created ||
+                                   nodetext::Changed(plan.changes, "confirmation.prompts"));
+            std::move(steps.begin(), steps.end(), std::back_inserter(statements));
         }
     }
+    db.ExecuteBatch(statements);
     std::vector<const RequiredNode*> missing;
     for (const RequiredNode& node : required) {
         if (exists(node)) {

@@ -54,28 +54,6 @@ const std::vector<std::string>& StoredColumns() {
     return columns;
 }
 
-void ReadPrompts(DataBase& db, const std::string& config, const std::string& partition,
-                 TextNode& node) {
-    db.Execute("Get_DBN_PromptsNode", {config, partition, std::to_string(node.number)});
-    RowSet& rows = db.Recordset("Get_DBN_PromptsNode");
-    RowSetCloser closer(rows);
-    for (; !rows.Eof(); rows.MoveNext()) {
-        node.prompts.push_back({StoredValue(rows.Field("PromptNodeType")),
-                                StoredValue(rows.Field("PromptNodeNumber")),
-                                StoredValue(rows.Field("PromptNodeTypeID"))});
-    }
-}
-
-void ReadModified(DataBase& db, const std::string& config, const std::string& partition,
-                  TextNode& node) {
-    db.Execute("Get_Description", {config, partition, kDbnType, std::to_string(node.number)});
-    RowSet& rows = db.Recordset("Get_Description");
-    RowSetCloser closer(rows);
-    if (!rows.Eof()) {
-        node.modified = StoredValue(rows.Field("DateModified"));
-    }
-}
-
 // A column's value as a command argument; a Null number is written as 0.
 std::string Argument(const TextNode& node, const std::string& column) {
     auto found = node.columns.find(column);
@@ -93,31 +71,46 @@ void AppendRef(std::vector<std::string>& args, const TextNode& node, const std::
 
 }  // namespace
 
+// One batch whatever the number of nodes: the nodes, the partition's pool
+// (for the modification times) and its prompt rows.
 std::map<std::int64_t, TextNode> ReadStoredNodes(
     DataBase& db, std::int16_t config, std::int16_t partition,
     const std::optional<std::vector<std::int16_t>>& only) {
     const std::string configText = CommandArg(config);
     const std::string partitionText = CommandArg(partition);
+    std::vector<BatchAnswer> answers =
+        db.ExecuteBatch({{"Get_All_DBN_Nodes", {configText, partitionText, kDbnType}},
+                         {"Get_Partition_Pool", {configText, partitionText}},
+                         {"Get_Partition_DBN_Prompts", {configText, partitionText}}});
     std::map<std::int64_t, TextNode> nodes;
-    db.Execute("Get_All_DBN_Nodes", {configText, partitionText, kDbnType});
-    {
-        RowSet& rows = db.Recordset("Get_All_DBN_Nodes");
-        RowSetCloser closer(rows);
-        for (; !rows.Eof(); rows.MoveNext()) {
-            TextNode node;
-            node.number = rows.Field("NodeNumber").ToInt16();
-            if (only && std::find(only->begin(), only->end(), node.number) == only->end()) {
-                continue;
-            }
-            for (const std::string& column : StoredColumns()) {
-                node.columns[column] = StoredValue(rows.Field(column));
-            }
-            nodes.emplace(node.number, std::move(node));
+    for (RowSet& rows = answers[0].rows; !rows.Eof(); rows.MoveNext()) {
+        TextNode node;
+        node.number = rows.Field("NodeNumber").ToInt16();
+        if (only && std::find(only->begin(), only->end(), node.number) == only->end()) {
+            continue;
+        }
+        for (const std::string& column : StoredColumns()) {
+            node.columns[column] = StoredValue(rows.Field(column));
+        }
+        nodes.emplace(node.number, std::move(node));
+    }
+    for (RowSet& rows = answers[1].rows; !rows.Eof(); rows.MoveNext()) {
+        if (rows.Field("NodeTypeID").ToText() != kDbnType) {
+            continue;
+        }
+        auto found = nodes.find(rows.Field("NodeNumber").ToInt16());
+        if (found != nodes.end() &&
+            std::holds_alternative<std::monostate>(found->second.modified)) {
+            found->second.modified = StoredValue(rows.Field("DateModified"));
         }
     }
-    for (auto& [number, node] : nodes) {
-        ReadPrompts(db, configText, partitionText, node);
-        ReadModified(db, configText, partitionText, node);
+    for (RowSet& rows = answers[2].rows; !rows.Eof(); rows.MoveNext()) {
+        auto found = nodes.find(rows.Field("NodeMasterID").ToInt16());
+        if (found != nodes.end()) {
+            found->second.prompts.push_back({StoredValue(rows.Field("PromptNodeType")),
+                                             StoredValue(rows.Field("PromptNodeNumber")),
+                                             StoredValue(rows.Field("PromptNodeTypeID"))});
+        }
     }
     return nodes;
 }
@@ -143,8 +136,8 @@ nodetext::NodeDocument ExportNodes(DataBase& db, std::int16_t config, std::int16
     return document;
 }
 
-void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition, const TextNode& node,
-               bool promptsChanged) {
+std::vector<BatchStep> WriteNodeSteps(std::int16_t config, std::int16_t partition,
+                                      const TextNode& node, bool promptsChanged) {
     const std::string configText = CommandArg(config);
     const std::string partitionText = CommandArg(partition);
     const std::string number = std::to_string(node.number);
@@ -182,21 +175,21 @@ void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition, const 
     part2.push_back(node_type::kDialByNameCode);
     part2.insert(part2.end(), keys.begin(), keys.end());
 
-    db.Execute("Update_DBN_Node_Part1", part1);
-    db.Execute("Update_DBN_Node_Part2", part2);
-    db.Execute("Update_Node_General_Pool",
-               {Argument(node, "NodeDescription"), CurrentModificationTime(), configText,
-                partitionText, kDbnType, number});
+    std::vector<BatchStep> steps{{"Update_DBN_Node_Part1", part1},
+                                 {"Update_DBN_Node_Part2", part2},
+                                 {"Update_Node_General_Pool",
+                                  {Argument(node, "NodeDescription"), CurrentModificationTime(),
+                                   configText, partitionText, kDbnType, number}}};
     if (!promptsChanged) {
-        return;
+        return steps;
     }
-    db.Execute("Delete_DBN_PromptsNode", {configText, partitionText, number});
+    steps.push_back({"Delete_DBN_PromptsNode", {configText, partitionText, number}});
     int promptNumber = 0;
     auto add = [&](const std::string& type, const std::string& typeNumber,
                    const std::string& typeID) {
-        db.Execute("Add_DBN_PromptsNode",
-                   {configText, partitionText, std::to_string(++promptNumber), typeID, typeNumber,
-                    number, type});
+        steps.push_back({"Add_DBN_PromptsNode",
+                         {configText, partitionText, std::to_string(++promptNumber), typeID,
+                          typeNumber, number, type}});
     };
     for (const nodetext::StoredRef& prompt : node.prompts) {
         add(nodetext::ValueText(prompt.type), std::to_string(nodetext::WholeOr(prompt.number, 0)),
@@ -205,6 +198,12 @@ void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition, const 
     while (promptNumber < kDefaultPromptCount) {
         add("MSG", "1", "0");
     }
+    return steps;
+}
+
+void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition, const TextNode& node,
+               bool promptsChanged) {
+    db.ExecuteBatch(WriteNodeSteps(config, partition, node, promptsChanged));
 }
 
 }  // namespace dbn::session

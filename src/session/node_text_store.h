@@ -2,6 +2,7 @@
 // Stored dial-by-name nodes as their text form: reading a partition's nodes
 // as they are stored, and writing one node's text form back.
 
+#include "database/database.h"
 #include "nodetext/node_text.h"
 
 #include <cstdint>
@@ -10,8 +11,6 @@
 #include <vector>
 
 namespace dbn {
-
-class DataBase;
 
 namespace session {
 
@@ -30,7 +29,10 @@ nodetext::NodeDocument ExportNodes(DataBase& db, std::int16_t config, std::int16
 // Writes one node as a save does: its Node_DBN row in two statements, its
 // pool row's description and modification time and, when they changed, its
 // prompt rows (padded with message node 1 up to prompt 9). Every reference's
-// type ID must be set. The one place a written node passes through.
+// type ID must be set. The one place a written node passes through:
+// WriteNodeSteps gives its statements for a batch, WriteNode sends them as one.
+std::vector<BatchStep> WriteNodeSteps(std::int16_t config, std::int16_t partition,
+                                      const nodetext::TextNode& node, bool promptsChanged);
 void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition,
                const nodetext::TextNode& node, bool promptsChanged);
 

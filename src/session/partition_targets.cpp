@@ -18,10 +18,7 @@ std::string Upper(std::string text) {
     return text;
 }
 
-std::vector<std::int16_t> RuleTypes(DataBase& db, const char* setID) {
-    db.Execute("Get_Node_Type_can_contain_nodes", {CommandArg(node_type::kDialByName), setID});
-    RowSet& rules = db.Recordset("Get_Node_Type_can_contain_nodes");
-    RowSetCloser closer(rules);
+std::vector<std::int16_t> RuleTypes(RowSet& rules) {
     std::vector<std::int16_t> types;
     for (; !rules.Eof(); rules.MoveNext()) {
         types.push_back(rules.Field("Child_Node_Type_ID").ToInt16());
@@ -31,29 +28,35 @@ std::vector<std::int16_t> RuleTypes(DataBase& db, const char* setID) {
 
 }  // namespace
 
+// Two batches whatever the number of node types: the type names with both
+// rule sets, then every type's number limit.
 PartitionTargets::PartitionTargets(DataBase& db, std::int16_t config, std::int16_t partition) {
+    const std::string dbnType = CommandArg(node_type::kDialByName);
+    std::vector<BatchAnswer> lists =
+        db.ExecuteBatch({{"Get_Node_Names", {}},
+                         {"Get_Node_Type_can_contain_nodes", {dbnType, "1"}},
+                         {"Get_Node_Type_can_contain_nodes", {dbnType, "2"}}});
     std::vector<std::int16_t> typeIDs;
-    db.Execute("Get_Node_Names");
-    {
-        RowSet& types = db.Recordset("Get_Node_Names");
-        RowSetCloser closer(types);
-        for (; !types.Eof(); types.MoveNext()) {
-            const std::int16_t id = types.Field("ID").ToInt16();
-            idByCode_.emplace(Upper(types.Field("English_Name").ToText()), id);
-            typeIDs.push_back(id);
-        }
+    for (RowSet& types = lists[0].rows; !types.Eof(); types.MoveNext()) {
+        const std::int16_t id = types.Field("ID").ToInt16();
+        idByCode_.emplace(Upper(types.Field("English_Name").ToText()), id);
+        typeIDs.push_back(id);
     }
+    std::vector<BatchStep> limitReads;
     for (const std::int16_t id : typeIDs) {
-        db.Execute("Get_Max_NodeNumber",
-                   {CommandArg(config), CommandArg(partition), CommandArg(id)});
-        RowSet& limit = db.Recordset("Get_Max_NodeNumber");
-        RowSetCloser closer(limit);
+        limitReads.push_back(
+            {"Get_Max_NodeNumber", {CommandArg(config), CommandArg(partition), CommandArg(id)}});
+    }
+    std::vector<BatchAnswer> limits =
+        limitReads.empty() ? std::vector<BatchAnswer>{} : db.ExecuteBatch(limitReads);
+    for (std::size_t i = 0; i < limits.size(); ++i) {
+        RowSet& limit = limits[i].rows;
         if (!limit.Eof()) {
-            limits_[id] = limit.Field("Max_Number").ToInt32();
+            limits_[typeIDs[i]] = limit.Field("Max_Number").ToInt32();
         }
     }
     // Prompts: the rule set's types, less those the partition allows no node of.
-    for (const std::int16_t id : RuleTypes(db, "1")) {
+    for (const std::int16_t id : RuleTypes(lists[1].rows)) {
         const auto limit = Limit(id);
         if (!limit || *limit > 0) {
             promptTypes_.insert(id);
@@ -62,7 +65,7 @@ PartitionTargets::PartitionTargets(DataBase& db, std::int16_t config, std::int16
     // Instructions: as the pickers offer them; the message on/off types
     // without a limit of their own follow the message type's.
     std::int32_t messageLimit = 0;
-    for (const std::int16_t id : RuleTypes(db, "2")) {
+    for (const std::int16_t id : RuleTypes(lists[2].rows)) {
         const auto limit = Limit(id);
         if (limit && *limit > 0) {
             instructionTypes_.insert(id);

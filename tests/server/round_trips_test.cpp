@@ -10,8 +10,10 @@
 #include "database/database.h"
 #include "database/database_setup.h"
 #include "form/list_rows.h"
+#include "session/apply_nodes.h"
 #include "session/directory_check.h"
 #include "session/node_list.h"
+#include "session/node_text_store.h"
 
 #include <gtest/gtest.h>
 
@@ -168,6 +170,38 @@ TEST_F(RoundTrips, NodeListWhateverItsSizeAndCheck) {
     relay_->ResetCounts();
     session::CheckStoredNode(*connections.emplace_back(std::make_unique<DataBase>()), 1, 1, 1);
     EXPECT_EQ(relay_->RoundTrips(), 3) << "check";
+}
+
+// A 999-node partition applied from its text with the label of every node
+// changed: the reads, the lookups of the references and the writes each
+// travel in a fixed number of batches.
+TEST_F(RoundTrips, ApplyOfNodesAsTextWhateverTheirNumber) {
+    const long stored = Count(
+        "SELECT count(*) FROM Node_DBN WHERE ConfigID = 1 AND PartID = 1 AND NodeTypeID = 15");
+    AddNodes(static_cast<int>(999 - stored));
+    nodetext::NodeDocument document = [] {
+        DataBase db;
+        return session::ExportNodes(db, 1, 1);
+    }();
+    ASSERT_EQ(document.nodes.size(), 999u);
+    for (nodetext::TextNode& node : document.nodes) {
+        node.columns["NodeDescription"] = "Desk " + std::to_string(node.number);
+    }
+    relay_->ResetCounts();
+    {
+        DataBase db;
+        const session::ApplyResult result = session::ApplyNodes(db, document, {});
+        ASSERT_TRUE(result.problems.empty());
+        EXPECT_TRUE(result.written);
+    }
+    const long roundTrips = relay_->RoundTrips();
+    EXPECT_EQ(Count("SELECT count(*) FROM Node_DBN WHERE ConfigID = 1 AND PartID = 1 AND "
+                    "NodeDescription = 'Desk ' || NodeNumber"),
+              999);
+    // The connection, the partition's targets in two batches, its nodes in
+    // one, the references' lookups in one, and the transaction with every
+    // node's writes in one batch: the same count for 9 nodes or 999.
+    EXPECT_EQ(roundTrips, 9) << "apply of 999 nodes as text";
 }
 
 }  // namespace
