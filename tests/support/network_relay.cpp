@@ -173,7 +173,44 @@ private:
     struct Chunk {
         Clock::time_point due;
         std::string bytes;
+        bool endsAnAnswer = false;  // the program may send again once it has this
     };
+
+    // Follows the server's messages (a type byte and a length each) and tells
+    // whether these bytes complete one after which the program may send:
+    // ready-for-query, an authentication request, the start of a copy.
+    bool CompletesAnAnswer(const char* bytes, std::size_t count) {
+        bool completes = false;
+        for (std::size_t at = 0; at < count;) {
+            if (serverHeader_.size() < 5) {
+                serverHeader_ += bytes[at++];
+                if (serverHeader_.size() == 5) {
+                    const auto* header =
+                        reinterpret_cast<const unsigned char*>(serverHeader_.data());
+                    serverRemaining_ = ReadBigEndian32(header + 1) - 4;
+                    serverBody_.clear();
+                }
+            } else {
+                const std::size_t take = std::min<std::size_t>(serverRemaining_, count - at);
+                if (serverBody_.size() < 4) {
+                    serverBody_.append(bytes + at, std::min<std::size_t>(take, 4));
+                }
+                at += take;
+                serverRemaining_ -= take;
+            }
+            if (serverHeader_.size() == 5 && serverRemaining_ == 0) {
+                const char type = serverHeader_[0];
+                const bool authRequest =
+                    type == 'R' && serverBody_.size() == 4 &&
+                    ReadBigEndian32(reinterpret_cast<const unsigned char*>(serverBody_.data())) !=
+                        0;
+                completes = completes || type == 'Z' || type == 'G' || type == 'H' || type == 'W' ||
+                            authRequest;
+                serverHeader_.clear();
+            }
+        }
+        return completes;
+    }
 
     std::chrono::milliseconds PollTimeout() const {
         if (toClient_.empty()) {
@@ -244,7 +281,8 @@ private:
         }
         if (count > 0) {
             const auto delay = std::chrono::microseconds(shared_.delayMicroseconds.load());
-            toClient_.push_back({Clock::now() + delay, std::string(buffer, count)});
+            const bool ends = CompletesAnAnswer(buffer, static_cast<std::size_t>(count));
+            toClient_.push_back({Clock::now() + delay, std::string(buffer, count), ends});
         }
         return true;
     }
@@ -276,9 +314,9 @@ private:
             if (count < 0) {
                 return errno == EAGAIN || errno == EINTR;
             }
-            answered_ = true;
             chunk.bytes.erase(0, static_cast<std::size_t>(count));
             if (chunk.bytes.empty()) {
+                answered_ = answered_ || chunk.endsAnAnswer;
                 toClient_.pop_front();
             }
         }
@@ -307,6 +345,11 @@ private:
     std::string pending_;
     std::string toServer_;
     std::deque<Chunk> toClient_;
+    // The server message being read: its type and length, and what it has
+    // left.
+    std::string serverHeader_;
+    std::string serverBody_;
+    std::size_t serverRemaining_ = 0;
 };
 
 void AcceptLoop(NetworkRelay::Shared& shared) {

@@ -6,7 +6,9 @@
 // - add a round-trip time: every answer of the server reaches the program
 //   that much later;
 // - count the program's round trips: the times it sends after it has been
-//   answered (the first message of a connection counts as one);
+//   answered, that is after the server said it is ready for the next query
+//   (or asked for a password, or started a copy); the first message of a
+//   connection counts as one;
 // - cut connections: all at once, or when the program's Nth message (counted
 //   in protocol messages, over all connections) or a message whose text
 //   contains a given string arrives, before or after forwarding it;
