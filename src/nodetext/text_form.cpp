@@ -31,17 +31,17 @@ const std::vector<std::pair<int, std::string>> kFirstModes = {
 const std::vector<std::pair<int, std::string>> kSecondModes = {
     {0, "None"}, {1, "Last Name"}, {2, "First Name"}};
 
-FieldSpec Field(std::string pointer, FieldKind kind, std::string column) {
-    FieldSpec spec;
-    spec.pointer = std::move(pointer);
-    spec.kind = kind;
-    spec.column = std::move(column);
+FieldRule Field(std::string pointer, FieldKind kind, std::string column) {
+    FieldRule rule;
+    rule.pointer = std::move(pointer);
+    rule.kind = kind;
+    rule.column = std::move(column);
     // "/stages/0/minDigits" reads "stages[0].minDigits".
     std::string path;
     std::size_t at = 1;
-    while (at <= spec.pointer.size()) {
-        const std::size_t next = std::min(spec.pointer.find('/', at), spec.pointer.size());
-        const std::string segment = spec.pointer.substr(at, next - at);
+    while (at <= rule.pointer.size()) {
+        const std::size_t next = std::min(rule.pointer.find('/', at), rule.pointer.size());
+        const std::string segment = rule.pointer.substr(at, next - at);
         if (!segment.empty() && std::all_of(segment.begin(), segment.end(), ::isdigit)) {
             path += "[" + segment + "]";
         } else {
@@ -49,32 +49,32 @@ FieldSpec Field(std::string pointer, FieldKind kind, std::string column) {
         }
         at = next + 1;
     }
-    spec.path = path;
-    return spec;
+    rule.path = path;
+    return rule;
 }
 
-FieldSpec Named(std::string pointer, std::string column,
+FieldRule Named(std::string pointer, std::string column,
                 std::vector<std::pair<int, std::string>> names) {
-    FieldSpec spec = Field(std::move(pointer), FieldKind::Named, std::move(column));
-    spec.names = std::move(names);
-    return spec;
+    FieldRule rule = Field(std::move(pointer), FieldKind::Named, std::move(column));
+    rule.names = std::move(names);
+    return rule;
 }
 
-FieldSpec Whole(std::string pointer, std::string column, int low, int high) {
-    FieldSpec spec = Field(std::move(pointer), FieldKind::Whole, std::move(column));
-    spec.low = low;
-    spec.high = high;
-    return spec;
+FieldRule Whole(std::string pointer, std::string column, int low, int high) {
+    FieldRule rule = Field(std::move(pointer), FieldKind::Whole, std::move(column));
+    rule.low = low;
+    rule.high = high;
+    return rule;
 }
 
-FieldSpec Target(std::string pointer, std::string role, TargetRole targets) {
-    FieldSpec spec = Field(std::move(pointer), FieldKind::Target, std::move(role));
-    spec.role = targets;
-    return spec;
+FieldRule Target(std::string pointer, std::string role, TargetRole targets) {
+    FieldRule rule = Field(std::move(pointer), FieldKind::Target, std::move(role));
+    rule.role = targets;
+    return rule;
 }
 
-std::vector<FieldSpec> MakeFields() {
-    std::vector<FieldSpec> fields = {
+std::vector<FieldRule> MakeFields() {
+    std::vector<FieldRule> fields = {
         Field("/label", FieldKind::Text, "NodeDescription"),
         Named("/method", "Method", kMethods),
         Whole("/directory", "DirectoryNodeNumber", 1, 99),
@@ -106,7 +106,7 @@ std::vector<FieldSpec> MakeFields() {
     fields.push_back(Whole("/confirmation/maxMatches", "MaxMatch", 1, 9));
     fields.push_back(Target("/confirmation/beforeNames", "BeforePrompt", TargetRole::Prompt));
     fields.push_back(Target("/confirmation/afterNames", "AfterPrompt", TargetRole::Prompt));
-    FieldSpec prompts = Field("/confirmation/prompts", FieldKind::Prompts, "");
+    FieldRule prompts = Field("/confirmation/prompts", FieldKind::Prompts, "");
     prompts.role = TargetRole::Prompt;
     fields.push_back(prompts);
     fields.push_back(Target("/confirmation/exitPrompt", "ConfirmationExit", TargetRole::Prompt));
@@ -134,19 +134,19 @@ Json RefJson(const StoredRef& ref) {
     return json;
 }
 
-Json FieldJson(const FieldSpec& spec, const TextNode& node) {
+Json FieldJson(const FieldRule& rule, const TextNode& node) {
     auto column = [&]() -> Value {
-        auto found = node.columns.find(spec.column);
+        auto found = node.columns.find(rule.column);
         return found == node.columns.end() ? Value{} : found->second;
     };
-    switch (spec.kind) {
+    switch (rule.kind) {
         case FieldKind::Text:
         case FieldKind::Whole:
             return ValueJson(column());
         case FieldKind::Named: {
             const Value value = column();
             if (const auto* number = std::get_if<std::int64_t>(&value)) {
-                for (const auto& [stored, name] : spec.names) {
+                for (const auto& [stored, name] : rule.names) {
                     if (stored == *number) {
                         return name;
                     }
@@ -163,7 +163,7 @@ Json FieldJson(const FieldSpec& spec, const TextNode& node) {
             return ValueJson(value);
         }
         case FieldKind::Target:
-            return RefJson(RefColumns(node, spec.column));
+            return RefJson(RefColumns(node, rule.column));
         case FieldKind::Prompts: {
             Json list = Json::array();
             for (const StoredRef& prompt : node.prompts) {
@@ -182,8 +182,8 @@ Json NodeJson(const TextNode& node) {
     if (node.number == 0) {
         json["template"] = true;
     }
-    for (const FieldSpec& spec : Fields()) {
-        json[Json::json_pointer(spec.pointer)] = FieldJson(spec, node);
+    for (const FieldRule& rule : Fields()) {
+        json[Json::json_pointer(rule.pointer)] = FieldJson(rule, node);
     }
     json["modified"] = ValueJson(node.modified);
     return json;
@@ -292,46 +292,46 @@ public:
         return good ? std::optional<StoredRef>(ref) : std::nullopt;
     }
 
-    void ReadField(const FieldSpec& spec, const Json& json, TextNode& node) {
-        const std::string& path = spec.path;
-        switch (spec.kind) {
+    void ReadField(const FieldRule& rule, const Json& json, TextNode& node) {
+        const std::string& path = rule.path;
+        switch (rule.kind) {
             case FieldKind::Text:
                 if (auto value = Text(json, path, kLongestLabel)) {
-                    node.columns[spec.column] = *value;
+                    node.columns[rule.column] = *value;
                 }
                 return;
             case FieldKind::Whole:
                 if (auto value = Number(json, path)) {
-                    node.columns[spec.column] = *value;
+                    node.columns[rule.column] = *value;
                 }
                 return;
             case FieldKind::Named:
                 if (json.is_string()) {
-                    for (const auto& [stored, name] : spec.names) {
+                    for (const auto& [stored, name] : rule.names) {
                         if (name == json.get_ref<const std::string&>()) {
-                            node.columns[spec.column] = std::int64_t{stored};
+                            node.columns[rule.column] = std::int64_t{stored};
                             return;
                         }
                     }
                     std::string allowed;
-                    for (const auto& entry : spec.names) {
+                    for (const auto& entry : rule.names) {
                         allowed += (allowed.empty() ? "\"" : ", \"") + entry.second + "\"";
                     }
                     Fail(path, Shown(json) + " is not one of " + allowed);
                 } else if (auto value = Number(json, path)) {
-                    node.columns[spec.column] = *value;
+                    node.columns[rule.column] = *value;
                 }
                 return;
             case FieldKind::Flag:
                 if (json.is_boolean()) {
-                    node.columns[spec.column] = std::int64_t{json.get<bool>() ? 1 : 0};
+                    node.columns[rule.column] = std::int64_t{json.get<bool>() ? 1 : 0};
                 } else if (auto value = Number(json, path)) {
-                    node.columns[spec.column] = *value;
+                    node.columns[rule.column] = *value;
                 }
                 return;
             case FieldKind::Target:
                 if (auto ref = Ref(json, path)) {
-                    SetRefColumns(node, spec.column, *ref);
+                    SetRefColumns(node, rule.column, *ref);
                 }
                 return;
             case FieldKind::Prompts:
@@ -367,8 +367,8 @@ const Json& NodeShape() {
         for (const char* leaf : {"/number", "/template", "/modified", "/stored"}) {
             json[Json::json_pointer(leaf)] = "leaf";
         }
-        for (const FieldSpec& spec : Fields()) {
-            json[Json::json_pointer(spec.pointer)] = "leaf";
+        for (const FieldRule& rule : Fields()) {
+            json[Json::json_pointer(rule.pointer)] = "leaf";
         }
         return json;
     }();
@@ -431,8 +431,8 @@ std::optional<TextNode> ReadNode(const Json& json, std::vector<Problem>& problem
             reader.Fail("stored", "must be a text, not " + Shown(json["stored"]));
         }
     }
-    for (const FieldSpec& spec : Fields()) {
-        reader.ReadField(spec, json[Json::json_pointer(spec.pointer)], node);
+    for (const FieldRule& rule : Fields()) {
+        reader.ReadField(rule, json[Json::json_pointer(rule.pointer)], node);
     }
     if (reader.Failed()) {
         return std::nullopt;
@@ -467,8 +467,8 @@ std::optional<std::int64_t> DocumentKey(const Json& json, const char* key,
 
 }  // namespace
 
-const std::vector<FieldSpec>& Fields() {
-    static const std::vector<FieldSpec> fields = MakeFields();
+const std::vector<FieldRule>& Fields() {
+    static const std::vector<FieldRule> fields = MakeFields();
     return fields;
 }
 
@@ -579,11 +579,11 @@ ReadResult ReadDocument(std::string_view text) {
 
 std::vector<FieldChange> Changes(const TextNode& before, const TextNode& after) {
     std::vector<FieldChange> changes;
-    for (const FieldSpec& spec : Fields()) {
-        const Json old = FieldJson(spec, before);
-        const Json now = FieldJson(spec, after);
+    for (const FieldRule& rule : Fields()) {
+        const Json old = FieldJson(rule, before);
+        const Json now = FieldJson(rule, after);
         if (old != now) {
-            changes.push_back({spec.path, Dump(old), Dump(now)});
+            changes.push_back({rule.path, Dump(old), Dump(now)});
         }
     }
     return changes;

@@ -20,7 +20,7 @@ enum class FieldKind { Text, Whole, Named, Flag, Target, Prompts };
 enum class TargetRole { None, Prompt, Instruction };
 
 // One field of a node's text form and where it is stored.
-struct FieldSpec {
+struct FieldRule {
     std::string pointer;  // JSON pointer inside the node: "/stages/0/minDigits"
     std::string path;     // as messages name it: "stages[0].minDigits"
     FieldKind kind = FieldKind::Whole;
@@ -34,7 +34,7 @@ struct FieldSpec {
 };
 
 // Every field of a node, in the order the text form writes them.
-const std::vector<FieldSpec>& Fields();
+const std::vector<FieldRule>& Fields();
 
 // The fingerprint of a node's stored state: 16 hexadecimal digits over
 // every field of its text form, its number and its modification time.

@@ -22,7 +22,7 @@ namespace {
 
 using nodetext::FieldChange;
 using nodetext::FieldKind;
-using nodetext::FieldSpec;
+using nodetext::FieldRule;
 using nodetext::TextNode;
 using nodetext::Value;
 
@@ -62,12 +62,12 @@ nodetext::StoredRef Resolved(nodetext::StoredRef ref, const nodetext::StoredRef&
 TextNode Merged(const TextNode& base, const TextNode& file, const PartitionTargets& targets) {
     TextNode merged = base;
     merged.number = file.number;
-    for (const FieldSpec& spec : nodetext::Fields()) {
-        if (spec.kind == FieldKind::Target) {
-            nodetext::SetRefColumns(merged, spec.column,
-                                    Resolved(nodetext::RefColumns(file, spec.column),
-                                             nodetext::RefColumns(base, spec.column), targets));
-        } else if (spec.kind == FieldKind::Prompts) {
+    for (const FieldRule& rule : nodetext::Fields()) {
+        if (rule.kind == FieldKind::Target) {
+            nodetext::SetRefColumns(merged, rule.column,
+                                    Resolved(nodetext::RefColumns(file, rule.column),
+                                             nodetext::RefColumns(base, rule.column), targets));
+        } else if (rule.kind == FieldKind::Prompts) {
             merged.prompts.clear();
             for (std::size_t i = 0; i < file.prompts.size(); ++i) {
                 merged.prompts.push_back(Resolved(
@@ -75,8 +75,8 @@ TextNode Merged(const TextNode& base, const TextNode& file, const PartitionTarge
                     i < base.prompts.size() ? base.prompts[i] : nodetext::StoredRef{}, targets));
             }
         } else {
-            auto found = file.columns.find(spec.column);
-            merged.columns[spec.column] = found == file.columns.end() ? Value{} : found->second;
+            auto found = file.columns.find(rule.column);
+            merged.columns[rule.column] = found == file.columns.end() ? Value{} : found->second;
         }
     }
     return merged;
@@ -116,51 +116,51 @@ public:
 
     // A changed field: the values the editor offers and the targets the
     // partition allows.
-    void CheckField(const FieldSpec& spec, const TextNode& node) {
+    void CheckField(const FieldRule& rule, const TextNode& node) {
         auto value = [&]() -> Value {
-            auto found = node.columns.find(spec.column);
+            auto found = node.columns.find(rule.column);
             return found == node.columns.end() ? Value{} : found->second;
         };
-        switch (spec.kind) {
+        switch (rule.kind) {
             case FieldKind::Text:
                 return;
             case FieldKind::Whole: {
                 const Value stored = value();
                 const auto* number = std::get_if<std::int64_t>(&stored);
-                if (number == nullptr || *number < spec.low || *number > spec.high) {
-                    Fail(spec.path, (number ? std::to_string(*number) : std::string("null")) +
-                                        " is outside " + std::to_string(spec.low) + " to " +
-                                        std::to_string(spec.high));
+                if (number == nullptr || *number < rule.low || *number > rule.high) {
+                    Fail(rule.path, (number ? std::to_string(*number) : std::string("null")) +
+                                        " is outside " + std::to_string(rule.low) + " to " +
+                                        std::to_string(rule.high));
                 }
                 return;
             }
             case FieldKind::Named: {
                 const std::int64_t number = nodetext::WholeOr(value(), -1);
                 const bool named =
-                    std::any_of(spec.names.begin(), spec.names.end(),
+                    std::any_of(rule.names.begin(), rule.names.end(),
                                 [&](const auto& entry) { return entry.first == number; });
                 if (!named) {
                     std::string allowed;
-                    for (const auto& entry : spec.names) {
+                    for (const auto& entry : rule.names) {
                         allowed += (allowed.empty() ? "\"" : ", \"") + entry.second + "\"";
                     }
-                    Fail(spec.path, "must be one of " + allowed);
+                    Fail(rule.path, "must be one of " + allowed);
                 }
                 return;
             }
             case FieldKind::Flag: {
                 const std::int64_t number = nodetext::WholeOr(value(), -1);
                 if (number != 0 && number != 1) {
-                    Fail(spec.path, "must be true or false");
+                    Fail(rule.path, "must be true or false");
                 }
                 return;
             }
             case FieldKind::Target:
-                CheckTarget(spec.path, spec.role, nodetext::RefColumns(node, spec.column));
+                CheckTarget(rule.path, rule.role, nodetext::RefColumns(node, rule.column));
                 return;
             case FieldKind::Prompts:
                 for (std::size_t i = 0; i < node.prompts.size(); ++i) {
-                    CheckTarget(spec.path + "[" + std::to_string(i) + "]", spec.role,
+                    CheckTarget(rule.path + "[" + std::to_string(i) + "]", rule.role,
                                 node.prompts[i]);
                 }
                 return;
@@ -335,9 +335,9 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
             plan.outcome = plan.changes.empty() ? NodeOutcome::Unchanged : NodeOutcome::Changed;
         }
         if (plan.outcome != NodeOutcome::Unchanged) {
-            for (const FieldSpec& spec : nodetext::Fields()) {
-                if (nodetext::Changed(plan.changes, spec.path)) {
-                    checker.CheckField(spec, plan.node);
+            for (const FieldRule& rule : nodetext::Fields()) {
+                if (nodetext::Changed(plan.changes, rule.path)) {
+                    checker.CheckField(rule, plan.node);
                 }
             }
             checker.CheckSave(plan.node);

@@ -40,13 +40,13 @@ Value StoredValue(const FieldValue& field) {
 const std::vector<std::string>& StoredColumns() {
     static const std::vector<std::string> columns = [] {
         std::vector<std::string> names;
-        for (const nodetext::FieldSpec& spec : nodetext::Fields()) {
-            if (spec.kind == nodetext::FieldKind::Target) {
+        for (const nodetext::FieldRule& rule : nodetext::Fields()) {
+            if (rule.kind == nodetext::FieldKind::Target) {
                 for (const char* suffix : {"NodeType", "NodeNumber", "NodeTypeID"}) {
-                    names.push_back(spec.column + suffix);
+                    names.push_back(rule.column + suffix);
                 }
-            } else if (spec.kind != nodetext::FieldKind::Prompts) {
-                names.push_back(spec.column);
+            } else if (rule.kind != nodetext::FieldKind::Prompts) {
+                names.push_back(rule.column);
             }
         }
         return names;
