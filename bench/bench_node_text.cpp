@@ -92,8 +92,8 @@ void Apply(benchmark::State& state) {
     }
 }
 
-// The writes alone: every node's row, pool entry and label in one bare
-// transaction, with nothing read, compared or checked.
+// The writes alone: every node's row, pool entry, label and history row in
+// one bare transaction, with nothing compared or checked.
 void ApplyFloor(benchmark::State& state) {
     try {
         LargeRoot().Use();
@@ -107,9 +107,11 @@ void ApplyFloor(benchmark::State& state) {
             }
             const Clock::time_point start = Clock::now();
             db.BeginTrans();
+            std::vector<session::NodeWrite> writes;
             for (const auto& [number, node] : stored) {
-                session::WriteNode(db, kLargeConfig, kLargePartition, node, false);
+                writes.push_back({&node, false, session::ChangeKind::Saved});
             }
+            session::WriteNodes(db, kLargeConfig, kLargePartition, writes);
             db.CommitTrans();
             state.SetIterationTime(Seconds(Clock::now() - start));
         }

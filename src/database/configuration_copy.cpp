@@ -1,6 +1,7 @@
 #include "database/configuration_copy.h"
 
 #include "core/component_error.h"
+#include "database/configuration_tables.h"
 #include "database/database_engine.h"
 #include "database/database_errors.h"
 #include "database/sqlite_file_replacement.h"
@@ -15,10 +16,7 @@ constexpr std::chrono::milliseconds kLockWait{30000};
 
 std::vector<TableRows> ReadConfiguration(DatabaseEngine& source) {
     source.BeginRead();
-    std::vector<TableRows> tables;
-    for (const SchemaTable& table : ConfigurationSchema()) {
-        tables.push_back(source.ReadTable(table));
-    }
+    std::vector<TableRows> tables = ReadConfigurationTables(source);
     source.Exec("COMMIT", "reading");
     return tables;
 }
@@ -59,7 +57,7 @@ void CheckRanges(const std::vector<TableRows>& rows) {
 bool HoldsConfigurationRows(DatabaseEngine& target) {
     const auto& tables = ConfigurationSchema();
     return std::any_of(tables.begin(), tables.end(), [&target](const SchemaTable& table) {
-        return target.HasTable(table) && target.HasRows(table);
+        return table.name != "Schema_Version" && target.HasTable(table) && target.HasRows(table);
     });
 }
 
@@ -70,11 +68,7 @@ bool HoldsConfigurationRows(DatabaseEngine& target) {
 }
 
 void WriteConfiguration(DatabaseEngine& target, const std::vector<TableRows>& rows) {
-    const auto& tables = ConfigurationSchema();
-    target.CreateSchema();
-    for (std::size_t i = 0; i < tables.size(); ++i) {
-        target.AppendRows(tables[i], rows[i]);
-    }
+    WriteConfigurationTables(target, rows);
     target.Exec("COMMIT", "copying");
 }
 
@@ -120,7 +114,8 @@ std::vector<CopiedTable> CopyConfiguration(const DatabaseTarget& from, const Dat
     std::vector<CopiedTable> counts;
     const auto& tables = ConfigurationSchema();
     for (std::size_t i = 0; i < tables.size(); ++i) {
-        counts.push_back({tables[i].name, rows[i].size()});
+        // The target's version row is its own, written with its schema.
+        counts.push_back({tables[i].name, tables[i].name == "Schema_Version" ? 1 : rows[i].size()});
     }
     return counts;
 }

@@ -4,6 +4,8 @@
 #include "database/database_engine.h"
 #include "database/database_errors.h"
 
+#include <utility>
+
 namespace dbn {
 namespace {
 
@@ -31,10 +33,29 @@ std::string DataBase::ConnectionString() const {
 
 DatabaseEngine& DataBase::Engine() {
     if (!engine_) {
-        engine_ = ConnectEngine(target_, busyTimeout_);
-        engine_->SetWaitHandler(waitHandler_);
+        std::unique_ptr<DatabaseEngine> engine = ConnectEngine(target_, busyTimeout_);
+        schema_ = PrepareSchema(*engine, target_);
+        engine->SetWaitHandler(waitHandler_);
+        engine_ = std::move(engine);
     }
     return *engine_;
+}
+
+int DataBase::SchemaVersion() {
+    Engine();
+    return schema_.version;
+}
+
+std::string DataBase::UserName() {
+    return Engine().UserName();
+}
+
+int DataBase::ListenForChanges() {
+    return Engine().ListenForChanges();
+}
+
+bool DataBase::ChangesCommitted() {
+    return Engine().ChangesCommitted();
 }
 
 const CatalogueCommand& DataBase::CheckedCommand(std::string_view name,
@@ -61,6 +82,7 @@ long DataBase::Execute(std::string_view commandName, const std::vector<std::stri
         // A write may change what was read ahead.
         ForgetReadAhead();
     }
+    SendQueuedWrites();
     std::optional<BatchAnswer> kept = TakeReadAhead(command.name, args);
     DatabaseEngine& engine = Engine();
     ++executed_;
@@ -81,7 +103,38 @@ long DataBase::Execute(std::string_view commandName, const std::vector<std::stri
     return count;
 }
 
+void DataBase::QueueWrite(BatchStep step) {
+    if (step.kind != BatchStep::Kind::Command ||
+        CheckedCommand(step.command, step.args.size()).kind == CommandKind::RowReturning) {
+        RaiseDatabaseError(kErrArgumentCount, "Only action commands can be queued.");
+    }
+    ForgetReadAhead();  // a write may change what was read ahead
+    queued_.push_back(std::move(step));
+    if (!InTransaction()) {
+        SendQueuedWrites();
+    }
+}
+
+void DataBase::SendQueuedWrites() {
+    if (!queued_.empty()) {
+        RunBatch(std::exchange(queued_, {}));
+    }
+}
+
 std::vector<BatchAnswer> DataBase::ExecuteBatch(const std::vector<BatchStep>& steps) {
+    if (queued_.empty()) {
+        return RunBatch(steps);
+    }
+    // The queued writes go first, in the same round trip.
+    std::vector<BatchStep> all = std::exchange(queued_, {});
+    const auto queued = static_cast<std::ptrdiff_t>(all.size());
+    all.insert(all.end(), steps.begin(), steps.end());
+    std::vector<BatchAnswer> answers = RunBatch(all);
+    answers.erase(answers.begin(), answers.begin() + queued);
+    return answers;
+}
+
+std::vector<BatchAnswer> DataBase::RunBatch(const std::vector<BatchStep>& steps) {
     if (steps.empty()) {
         return {};
     }
@@ -148,6 +201,7 @@ std::vector<BatchAnswer> DataBase::ReadAhead(const std::vector<BatchStep>& reads
             RaiseDatabaseError(kErrArgumentCount, "Only row-returning commands can be read ahead.");
         }
     }
+    SendQueuedWrites();
     // Reading ahead is not itself a command of the session: it is not
     // counted or reported; each command is when its answer is taken.
     DataBaseObserver observer = std::move(observer_);
@@ -214,36 +268,45 @@ void DataBase::Notify(DataBaseStep step) {
 }
 
 void DataBase::BeginTrans() {
+    SendQueuedWrites();
     ForgetReadAhead();
     Notify(DataBaseStep::BeginTrans);
     Engine().BeginWrite();
 }
 
 void DataBase::CommitTrans() {
+    if (!queued_.empty()) {
+        ExecuteBatch({BatchStep::CommitTrans()});
+        return;
+    }
     ForgetReadAhead();
     Notify(DataBaseStep::CommitTrans);
     Engine().Exec("COMMIT", "CommitTrans");
 }
 
 void DataBase::RollbackTrans() {
+    queued_.clear();
     ForgetReadAhead();
     Notify(DataBaseStep::RollbackTrans);
     Engine().Exec("ROLLBACK", "RollbackTrans");
 }
 
 void DataBase::BeginSavepoint() {
+    SendQueuedWrites();
     ForgetReadAhead();
     Notify(DataBaseStep::BeginSavepoint);
     Engine().Exec("SAVEPOINT nested", "BeginSavepoint");
 }
 
 void DataBase::ReleaseSavepoint() {
+    SendQueuedWrites();
     ForgetReadAhead();
     Notify(DataBaseStep::ReleaseSavepoint);
     Engine().Exec("RELEASE nested", "ReleaseSavepoint");
 }
 
 void DataBase::RollbackToSavepoint() {
+    queued_.clear();
     ForgetReadAhead();
     Notify(DataBaseStep::RollbackToSavepoint);
     // Rolling back to a savepoint keeps it open; releasing it then ends it.
@@ -261,6 +324,7 @@ std::optional<std::string> DataBase::ReadOnlyNotice() {
 }
 
 void DataBase::LockRows(const std::vector<RowLock>& locks) {
+    SendQueuedWrites();
     Engine().LockRows(locks);
 }
 

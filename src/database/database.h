@@ -4,6 +4,7 @@
 #include "database/database_target.h"
 #include "database/row_lock.h"
 #include "database/row_set.h"
+#include "database/schema_version.h"
 
 #include <chrono>
 #include <functional>
@@ -68,6 +69,12 @@ public:
     // is then failed, as after any failed command.
     std::vector<BatchAnswer> ExecuteBatch(const std::vector<BatchStep>& steps);
 
+    // A write whose answer nobody needs, sent in front of the next
+    // statements that go to the database (a batch, a commit) instead of in a
+    // round trip of its own; a failure is that step's. Outside a transaction
+    // it runs at once. Rolling back (to a savepoint) drops it with the rest.
+    void QueueWrite(BatchStep step);
+
     // Runs row-returning commands as one batch and keeps their answers with
     // those kept before: a later Execute of the same command with the same
     // arguments opens its row set from the kept answer instead of asking the
@@ -117,6 +124,23 @@ public:
     // Number of commands executed through this object (for measurements).
     long ExecutedCount() const noexcept { return executed_; }
 
+    // The schema version in use; connects first. An older database is
+    // upgraded on connecting (see schema_version.h).
+    int SchemaVersion();
+    // True when the database keeps the node history (not an older one
+    // opened read-only).
+    bool KeepsHistory() { return SchemaVersion() >= kHistorySchemaVersion; }
+    // The database user on a server; empty for a file.
+    std::string UserName();
+
+    // Starts hearing changes committed by other connections: answers the
+    // socket to watch for them, or -1 when ChangesCommitted must be asked on
+    // a short timer.
+    int ListenForChanges();
+    // True when another connection committed (or announced) a change since
+    // the last call.
+    bool ChangesCommitted();
+
     // Reports every command, row-set read and transaction step to observer
     // until it is replaced; an empty observer stops the reports.
     void SetObserver(DataBaseObserver observer);
@@ -124,6 +148,9 @@ public:
 private:
     DatabaseEngine& Engine();
     void Notify(DataBaseStep step);
+    // Sends the queued writes, in a round trip of their own.
+    void SendQueuedWrites();
+    std::vector<BatchAnswer> RunBatch(const std::vector<BatchStep>& steps);
     const CatalogueCommand& CheckedCommand(std::string_view name, std::size_t argCount) const;
     // A copy of the kept answer of this command and arguments, if any.
     std::optional<BatchAnswer> TakeReadAhead(std::string_view command,
@@ -138,7 +165,9 @@ private:
     std::chrono::milliseconds busyTimeout_{30000};
     std::function<void()> waitHandler_;
     std::unique_ptr<DatabaseEngine> engine_;
+    SchemaState schema_;
     std::map<std::string, RowSet, std::less<>> rowSets_;
+    std::vector<BatchStep> queued_;
     long executed_ = 0;
     DataBaseObserver observer_;
     std::vector<KeptAnswer> readAhead_;

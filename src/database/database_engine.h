@@ -91,6 +91,23 @@ public:
 
     // The database as messages name it (no password).
     virtual const std::string& Name() const = 0;
+    // The database user on a server; empty for a file.
+    virtual std::string UserName() const { return {}; }
+    // False when the database can only be read (a read-only file or a
+    // server user without the right to create tables).
+    virtual bool CanChangeSchema() = 0;
+    // The stored schema version in one round trip, outside a transaction:
+    // std::nullopt when the version table is missing or the engine cannot
+    // tell that way (the caller then looks at the tables).
+    virtual std::optional<int> QuickSchemaVersion() { return std::nullopt; }
+
+    // Starts hearing the changes other connections commit: answers the
+    // socket that becomes readable when one is announced, or -1 when
+    // ChangesCommitted must be asked on a short timer instead.
+    virtual int ListenForChanges() = 0;
+    // True when another connection has committed a change (or announced
+    // one) since the last call. Cheap: reads no table.
+    virtual bool ChangesCommitted() = 0;
 };
 
 // Raises the catalogue fault of a command whose statement has another number
@@ -107,6 +124,9 @@ std::unique_ptr<DatabaseEngine> ConnectEngine(const DatabaseTarget& target,
 
 std::unique_ptr<DatabaseEngine> ConnectSqlite(const std::string& path,
                                               std::chrono::milliseconds lockTimeout, OpenMode mode);
+// Copies the SQLite database at from, consistently, to a new file at to.
+void BackupSqliteFile(const std::string& from, const std::string& to);
+
 std::unique_ptr<DatabaseEngine> ConnectPostgres(const std::string& conninfo,
                                                 std::chrono::milliseconds lockTimeout);
 

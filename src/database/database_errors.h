@@ -48,6 +48,8 @@ inline bool IsDatabaseUnavailable(long number) {
            number == kErrCommitUncertain || number == kErrDatabaseMissing ||
            number == kErrDatabaseLocked || number == kSqliteIoError || number == kSqliteCannotOpen;
 }
+// A schema newer than this program knows.
+inline constexpr long kErrSchemaTooNew = 4030;
 
 // Misuse of the catalogue.
 inline constexpr long kErrUnknownCommand = 4010;

@@ -1,10 +1,12 @@
 #include "database/database_setup.h"
 
 #include "core/component_error.h"
+#include "database/configuration_tables.h"
 #include "database/database_engine.h"
 #include "database/database_errors.h"
 #include "database/demo_content_sql.h"
 #include "database/schema_sql.h"
+#include "database/schema_version.h"
 #include "database/sqlite_file_replacement.h"
 
 #include "database/data_location.h"
@@ -51,18 +53,11 @@ void WriteServerBackup(DatabaseEngine& server, const std::string& path) {
     if (detail::IsExistingRegularFile(path)) {
         RaiseExists(path);
     }
-    std::vector<TableRows> rows;
-    for (const SchemaTable& table : ConfigurationSchema()) {
-        rows.push_back(server.HasTable(table) ? server.ReadTable(table) : TableRows{});
-    }
+    const std::vector<TableRows> rows = ReadConfigurationTables(server);
     detail::SqliteFileReplacement backup(path);
     backup.WriteNew([&rows](DatabaseEngine& file) {
         file.BeginWrite();
-        file.CreateSchema();
-        const auto& tables = ConfigurationSchema();
-        for (std::size_t i = 0; i < tables.size(); ++i) {
-            file.AppendRows(tables[i], rows[i]);
-        }
+        WriteConfigurationTables(file, rows);
         file.Exec("COMMIT", "writing the backup");
     });
 }
@@ -127,7 +122,8 @@ std::optional<std::string> CreateConfigurationDatabase(const std::string& filePa
     }
     replacement.WriteNew([withDemoContent](DatabaseEngine& file) {
         file.Exec(std::string("BEGIN;\n") + sql::k_schema +
-                      (withDemoContent ? sql::k_demo_content : "") + "\nCOMMIT;\n",
+                      (withDemoContent ? sql::k_demo_content : "") + "\n" + SchemaVersionRowSql() +
+                      "COMMIT;\n",
                   "creating the configuration");
     });
     return backup;

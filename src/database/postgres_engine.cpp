@@ -1,6 +1,7 @@
 // The server engine: one libpq connection to a PostgreSQL database.
 #include "database/database_engine.h"
 #include "database/database_errors.h"
+#include "database/schema_version.h"
 #include "database/sql_translation.h"
 
 #include <libpq-fe.h>
@@ -171,6 +172,42 @@ public:
     void AppendRows(const SchemaTable& table, const TableRows& rows) override;
     void CreateSchema() override;
     const std::string& Name() const override { return name_; }
+    std::string UserName() const override {
+        const char* user = PQuser(conn_.get());
+        return user != nullptr ? user : "";
+    }
+    bool CanChangeSchema() override {
+        Result result =
+            Checked(PQexec(conn_.get(),
+                           "SELECT has_schema_privilege(current_schema(), 'CREATE') AND "
+                           "current_setting('transaction_read_only') = 'off'"),
+                    "reading the schema");
+        return PQntuples(result.get()) == 1 &&
+               std::string_view(PQgetvalue(result.get(), 0, 0)) == "t";
+    }
+    std::optional<int> QuickSchemaVersion() override {
+        // A missing table only fails this statement: no transaction is open.
+        Result result(PQexec(conn_.get(), "SELECT max(version) FROM schema_version"));
+        if (PQresultStatus(result.get()) != PGRES_TUPLES_OK || PQntuples(result.get()) != 1) {
+            return std::nullopt;
+        }
+        return PQgetisnull(result.get(), 0, 0) != 0 ? 1 : std::atoi(PQgetvalue(result.get(), 0, 0));
+    }
+    int ListenForChanges() override {
+        Exec(std::string("LISTEN ") + kHistoryChannel, "watching for changes");
+        return PQsocket(conn_.get());
+    }
+    bool ChangesCommitted() override {
+        if (PQconsumeInput(conn_.get()) == 0) {
+            RaiseFailure(nullptr, "watching for changes");
+        }
+        bool heard = false;
+        while (PGnotify* note = PQnotifies(conn_.get())) {
+            heard = true;
+            PQfreemem(note);
+        }
+        return heard;
+    }
 
 private:
     // Raises the clear error for a failed result (or a lost connection).
@@ -764,7 +801,9 @@ void PostgresEngine::CreateSchema() {
     for (const SchemaTable& table : ConfigurationSchema()) {
         drops += "DROP TABLE IF EXISTS " + Quoted(Lowered(table.name)) + ";\n";
     }
-    Exec(drops + PostgresSchemaSql(), "creating the tables");
+    Exec("DROP FUNCTION IF EXISTS dbn_announce_history() CASCADE;\n" + drops + PostgresSchemaSql() +
+             SchemaVersionRowSql(),
+         "creating the tables");
 }
 
 }  // namespace

@@ -515,3 +515,31 @@ CREATE TABLE Detail_DIR (
     NodeMasterID INTEGER NOT NULL CHECK (NodeMasterID BETWEEN -32768 AND 32767),
     PRIMARY KEY (ConfigID, PartID, NodeMasterID, SequenceNo)
 ) STRICT;
+
+-- One row per change of a node, written in the change's own transaction:
+-- who, when, with which program, and the node's whole stored state before
+-- and after as JSON (empty when there was none). EntryID numbers the changes
+-- in the order they were committed.
+CREATE TABLE Node_History (
+    EntryID     INTEGER NOT NULL,
+    ConfigID    INTEGER NOT NULL CHECK (ConfigID BETWEEN -32768 AND 32767),
+    PartID      INTEGER NOT NULL CHECK (PartID BETWEEN -32768 AND 32767),
+    NodeTypeID  INTEGER NOT NULL CHECK (NodeTypeID BETWEEN -32768 AND 32767),
+    NodeNumber  INTEGER NOT NULL CHECK (NodeNumber BETWEEN -32768 AND 32767),
+    NodeType    TEXT,
+    ChangedAt   TEXT NOT NULL,
+    OsUser      TEXT,
+    Host        TEXT,
+    DbUser      TEXT,
+    Program     TEXT,
+    Kind        TEXT NOT NULL,
+    StateBefore TEXT NOT NULL,
+    StateAfter  TEXT NOT NULL,
+    PRIMARY KEY (EntryID)
+) STRICT;
+
+-- The schema's version: one row. A database without this table is version 1.
+CREATE TABLE Schema_Version (
+    Version INTEGER NOT NULL,
+    PRIMARY KEY (Version)
+) STRICT;

@@ -131,21 +131,54 @@ std::string PostgresColumnType(const SchemaColumn& column) {
     return "text";
 }
 
+std::string PostgresCreateTableSql(const SchemaTable& table) {
+    std::string sql = "CREATE TABLE " + PostgresName(table.name) + " (\n";
+    for (const SchemaColumn& column : table.columns) {
+        sql += "    " + PostgresName(column.name) + " " + PostgresColumnType(column) +
+               (column.notNull ? " NOT NULL" : "") + ",\n";
+    }
+    sql += "    PRIMARY KEY (";
+    for (std::size_t i = 0; i < table.primaryKey.size(); ++i) {
+        sql += (i == 0 ? "" : ", ") + PostgresName(table.primaryKey[i]);
+    }
+    return sql + ")\n);\n";
+}
+
+std::string SqliteCreateTableSql(const SchemaTable& table) {
+    std::string sql = "CREATE TABLE \"" + table.name + "\" (\n";
+    for (const SchemaColumn& column : table.columns) {
+        const char* type = column.type == ColumnType::Integer ? "INTEGER"
+                           : column.type == ColumnType::Real  ? "REAL"
+                                                              : "TEXT";
+        sql += "    \"" + column.name + "\" " + type + (column.notNull ? " NOT NULL" : "");
+        if (column.low != std::numeric_limits<std::int64_t>::min() ||
+            column.high != std::numeric_limits<std::int64_t>::max()) {
+            sql += " CHECK (\"" + column.name + "\" BETWEEN " + std::to_string(column.low) +
+                   " AND " + std::to_string(column.high) + ")";
+        }
+        sql += ",\n";
+    }
+    sql += "    PRIMARY KEY (";
+    for (std::size_t i = 0; i < table.primaryKey.size(); ++i) {
+        sql += (i == 0 ? "\"" : ", \"") + table.primaryKey[i] + "\"";
+    }
+    return sql + ")\n) STRICT;\n";
+}
+
+std::string PostgresAnnouncementSql() {
+    return "CREATE OR REPLACE FUNCTION dbn_announce_history() RETURNS trigger LANGUAGE plpgsql "
+           "AS $$ BEGIN PERFORM pg_notify('dbn_node_history', NEW.entryid::text); RETURN NEW; "
+           "END $$;\n"
+           "CREATE TRIGGER node_history_announce AFTER INSERT ON node_history FOR EACH ROW "
+           "EXECUTE FUNCTION dbn_announce_history();\n";
+}
+
 std::string PostgresSchemaSql() {
     std::string sql;
     for (const SchemaTable& table : ConfigurationSchema()) {
-        sql += "CREATE TABLE " + PostgresName(table.name) + " (\n";
-        for (const SchemaColumn& column : table.columns) {
-            sql += "    " + PostgresName(column.name) + " " + PostgresColumnType(column) +
-                   (column.notNull ? " NOT NULL" : "") + ",\n";
-        }
-        sql += "    PRIMARY KEY (";
-        for (std::size_t i = 0; i < table.primaryKey.size(); ++i) {
-            sql += (i == 0 ? "" : ", ") + PostgresName(table.primaryKey[i]);
-        }
-        sql += ")\n);\n";
+        sql += PostgresCreateTableSql(table);
     }
-    return sql;
+    return sql + PostgresAnnouncementSql();
 }
 
 }  // namespace dbn

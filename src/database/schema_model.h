@@ -45,4 +45,12 @@ std::string PostgresColumnType(const SchemaColumn& column);
 // case, as PostgreSQL folds the catalogue's unquoted names.
 std::string PostgresSchemaSql();
 
+// The CREATE TABLE statement of one table, for each engine.
+std::string PostgresCreateTableSql(const SchemaTable& table);
+std::string SqliteCreateTableSql(const SchemaTable& table);
+
+// The trigger by which a server announces each new history entry on
+// kHistoryChannel, its entry number as the payload, at commit.
+std::string PostgresAnnouncementSql();
+
 }  // namespace dbn

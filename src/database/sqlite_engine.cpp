@@ -3,6 +3,7 @@
 #include "database/database_errors.h"
 #include "database/database_file.h"
 #include "database/schema_sql.h"
+#include "database/schema_version.h"
 #include "database/sql_translation.h"
 
 #include <sqlite3.h>
@@ -129,6 +130,12 @@ public:
     void AppendRows(const SchemaTable& table, const TableRows& rows) override;
     void CreateSchema() override;
     const std::string& Name() const override { return path_; }
+    bool CanChangeSchema() override { return sqlite3_db_readonly(db_.get(), "main") == 0; }
+    int ListenForChanges() override {
+        ChangesCommitted();
+        return -1;
+    }
+    bool ChangesCommitted() override;
 
 private:
     // SQLite's busy handler: waits for another connection's lock in short
@@ -146,7 +153,17 @@ private:
     std::chrono::milliseconds lockTimeout_{0};
     std::chrono::steady_clock::time_point waitStart_;
     std::function<void()> waitHandler_;
+    std::int64_t dataVersion_ = -1;
 };
+
+bool SqliteEngine::ChangesCommitted() {
+    Statement statement = Prepare("PRAGMA data_version", "watching for changes");
+    const TableRows rows = StepAll(statement.get(), "watching for changes");
+    const std::int64_t version = rows.empty() ? 0 : std::stoll(rows[0][0].ToText());
+    const bool changed = dataVersion_ >= 0 && version != dataVersion_;
+    dataVersion_ = version;
+    return changed;
+}
 
 int SqliteEngine::OnBusy(void* self, int attempt) {
     constexpr std::chrono::milliseconds kStep{20};
@@ -305,10 +322,36 @@ void SqliteEngine::CreateSchema() {
     for (const SchemaTable& table : ConfigurationSchema()) {
         drops += "DROP TABLE IF EXISTS " + Quoted(table.name) + ";\n";
     }
-    Exec(drops + sql::k_schema, "creating the tables");
+    Exec(drops + sql::k_schema + SchemaVersionRowSql(), "creating the tables");
 }
 
 }  // namespace
+
+void BackupSqliteFile(const std::string& from, const std::string& to) {
+    sqlite3* rawSource = nullptr;
+    ConnectionHandle source;
+    int rc = sqlite3_open_v2(from.c_str(), &rawSource, SQLITE_OPEN_READONLY, nullptr);
+    source.reset(rawSource);
+    if (rc != SQLITE_OK) {
+        RaiseEngineError(source.get(), rc, from, "copying");
+    }
+    sqlite3* rawTarget = nullptr;
+    rc = sqlite3_open_v2(to.c_str(), &rawTarget, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
+                         nullptr);
+    ConnectionHandle target(rawTarget);
+    if (rc != SQLITE_OK) {
+        RaiseDatabaseError(kErrDatabaseCreate, "The copy " + to + " cannot be written.");
+    }
+    sqlite3_backup* backup = sqlite3_backup_init(target.get(), "main", source.get(), "main");
+    if (backup == nullptr) {
+        RaiseDatabaseError(kErrDatabaseCreate, "The copy " + to + " cannot be written.");
+    }
+    rc = sqlite3_backup_step(backup, -1);
+    sqlite3_backup_finish(backup);
+    if (rc != SQLITE_DONE) {
+        RaiseDatabaseError(kErrDatabaseCreate, "The copy " + to + " cannot be written.");
+    }
+}
 
 std::unique_ptr<DatabaseEngine> ConnectSqlite(const std::string& path,
                                               std::chrono::milliseconds lockTimeout,

@@ -32,6 +32,9 @@ public:
     // Shows a message box and answers the button chosen (kAnswer*).
     virtual int MsgBox(const std::string& text, MsgBoxButtons buttons, MsgBoxIcon icon,
                        const std::string& title) = 0;
+    // Details the next MsgBox shows besides its text (one line, may be
+    // long); hosts without room for them drop them.
+    virtual void SetNextBoxDetails(const std::string& details) { (void)details; }
     // Asks whether to create a missing node: "Yes" (2), "Yes to All" (4),
     // "No" (7), "Cancel" (5); closing the dialog answers 5.
     virtual long Confirm(const std::string& text, const std::string& title) = 0;

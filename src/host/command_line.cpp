@@ -4,6 +4,7 @@
 #include "database/database_target.h"
 #include "database/temporary_files.h"
 #include "host/host_command.h"
+#include "session/node_history.h"
 
 #include <QCommandLineParser>
 #include <QStringList>
@@ -166,9 +167,12 @@ CommandArgs Parse(const HostCommand& command, const std::vector<std::string>& ar
     for (const QString& positional : parser.positionalArguments()) {
         positionals.push_back(Shown(positional));
     }
-    const bool countFits = command.moreArguments.empty()
-                               ? positionals.size() == command.arguments.size()
-                               : positionals.size() >= command.arguments.size();
+    const auto required = static_cast<std::size_t>(
+        std::count_if(command.arguments.begin(), command.arguments.end(),
+                      [](const CommandArgument& argument) { return !argument.optional; }));
+    const bool countFits =
+        positionals.size() >= required &&
+        (!command.moreArguments.empty() || positionals.size() <= command.arguments.size());
     if (!helpWanted && !countFits) {
         std::string names;
         for (const CommandArgument& argument : command.arguments) {
@@ -248,7 +252,7 @@ std::string UsageLine(const HostCommand& command) {
         line += " [" + OptionText(option) + "]";
     }
     for (const CommandArgument& argument : command.arguments) {
-        line += " " + argument.name;
+        line += argument.optional ? " [" + argument.name + "]" : " " + argument.name;
     }
     if (!command.moreArguments.empty()) {
         line += " [" + command.moreArguments + "]";
@@ -265,6 +269,7 @@ int RunProgram(const std::vector<std::string>& args) {
         std::cout << kProgram << " " << DBN_VERSION << "\n";
         return kExitOk;
     }
+    session::SetHistoryProgram(std::string(kProgram) + " " + DBN_VERSION);
     std::vector<std::string> rest = args;
     std::string name = kDefaultCommand;
     if (!rest.empty() && !rest[0].starts_with("-")) {

@@ -40,10 +40,11 @@ struct CommandOption {
     std::string description;  // one line
 };
 
-// A positional argument; every one a command declares is required.
+// A positional argument; required unless optional (optional ones come last).
 struct CommandArgument {
     std::string name;
     std::string description;  // one line
+    bool optional = false;
 };
 
 // What a command was given: option values and positional arguments.

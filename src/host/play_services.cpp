@@ -2,6 +2,8 @@
 
 #include <ostream>
 
+#include <utility>
+
 namespace dbn::host {
 
 std::string OneLine(const std::string& text) {
@@ -41,11 +43,27 @@ int PlayServices::MsgBox(const std::string& text, form::MsgBoxButtons buttons, f
     if (title == "Error") {
         failed_ = true;
     }
+    // The details belong to this box only; printed after its answer.
+    const std::string details = std::exchange(nextDetails_, std::string());
+    auto printDetails = [&] {
+        if (!details.empty()) {
+            out_ << "details: " << OneLine(details) << "\n";
+        }
+    };
     if (buttons == form::MsgBoxButtons::OK) {
         out_ << line << " => " << form::kAnswerOK << "\n";
+        printDetails();
         return form::kAnswerOK;
     }
-    return static_cast<int>(Answer(line));
+    int answer = 0;
+    try {
+        answer = static_cast<int>(Answer(line));
+    } catch (const RunStopped&) {
+        printDetails();
+        throw;
+    }
+    printDetails();
+    return answer;
 }
 
 long PlayServices::Confirm(const std::string& text, const std::string&) {

@@ -50,6 +50,8 @@ public:
     void ShowModal(form::GUI& form) override;
     void EndModal(form::GUI& form) override;
     void SaveRefused() override { failed_ = true; }
+    // Printed after the next box's line as "details: ...".
+    void SetNextBoxDetails(const std::string& details) override { nextDetails_ = details; }
 
     // An "Error" box was shown or a save was refused since the run began.
     bool Failed() const noexcept { return failed_; }
@@ -61,6 +63,7 @@ private:
     std::ostream& out_;
     std::deque<long> answers_;
     bool failed_ = false;
+    std::string nextDetails_;
 };
 
 // A shown text on one line: each CR LF becomes the two characters \n.

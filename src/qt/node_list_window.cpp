@@ -6,6 +6,7 @@
 #include "qt/event_hook.h"
 #include "qt/node_text_actions.h"
 #include "qt/screen_fit.h"
+#include "session/change_watcher.h"
 #include "session/directory_check.h"
 
 #include <QAction>
@@ -133,6 +134,7 @@ NodeListWindow::NodeListWindow(DataBase& db, std::string databasePath, OpenNode 
     } catch (const ComponentError&) {
         // The list has told the database's failure already.
     }
+    StartWatching();
     KeepOnScreen(*this);
     table_->setFocus();
 }
@@ -147,6 +149,9 @@ void NodeListWindow::BuildMenus() {
     QAction* check =
         file->addAction(QStringLiteral("&Directory Check"), this, [this] { CheckSelected(); });
     check->setShortcut(Qt::Key_F7);
+    QAction* history =
+        file->addAction(QStringLiteral("&History\u2026"), this, [this] { ShowHistory(); });
+    history->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_H));
     file->addAction(QStringLiteral("&Export\u2026"), this, [this] {
         if (auto shown = ShownPartition()) {
             ExportPartitionToFile(this, list_.Database(), *shown);
@@ -270,6 +275,7 @@ void NodeListWindow::FillTable(bool keepSelection) {
                                            : QStringLiteral("no directory"),
                              Qt::AlignRight));
     }
+    MarkRows(marked_);
     table_->resizeColumnsToContents();
     // The node selected before stays selected while it is shown; otherwise
     // the first row, or at the start the first node after the template.

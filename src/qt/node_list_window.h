@@ -7,17 +7,23 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 class QComboBox;
 class QLabel;
 class QLineEdit;
+class QSocketNotifier;
 class QTableWidget;
+class QTimer;
 
 namespace dbn {
 class DataBase;
+namespace session {
+class ChangeWatcher;
 }
+}  // namespace dbn
 
 namespace dbn::qt {
 
@@ -30,7 +36,9 @@ class EventHook;
 // (through openNode, which returns when the editor closes); the table is
 // then read again. File > New... creates a node from the template and opens it;
 // File > Directory Check (F7) shows who callers can reach in the selected
-// node's directory.
+// node's directory; File > History... (Ctrl+H) the selected node's changes.
+// Changes committed by other programs show within two seconds, their rows
+// marked for a few seconds.
 class NodeListWindow : public QMainWindow {
 public:
     using OpenNode = std::function<void(session::PartitionKey, std::int16_t)>;
@@ -49,12 +57,23 @@ public:
     // Asks for a number, creates that node from the template and opens it.
     void NewNode();
     void ShowAbout();
+    // Opens the history of the selected node; answers the window (owned by
+    // this one) or nullptr when no node is selected.
+    class HistoryWindow* ShowHistory(bool modal = true);
+    // Reads the changes other programs committed and shows them (called by
+    // the watch's socket or timer).
+    void TakeChanges();
+    // The node numbers whose rows are marked as just changed.
+    const std::set<std::int16_t>& MarkedNumbers() const noexcept { return marked_; }
 
     // The node number of each shown row, in order.
     std::vector<std::int16_t> ShownNumbers() const;
 
 private:
     void BuildMenus();
+    // Starts hearing other programs' changes (when the database keeps history).
+    void StartWatching();
+    void MarkRows(const std::set<std::int16_t>& numbers);
     // Fills the partition chooser for the chosen configuration, choosing
     // `preferred` when it is there, and reads that partition's nodes.
     void FillPartitions(std::optional<std::int16_t> preferred);
@@ -81,6 +100,10 @@ private:
     QLineEdit* filter_ = nullptr;
     QTableWidget* table_ = nullptr;
     DirectoryCheckWindow* report_ = nullptr;
+    std::unique_ptr<session::ChangeWatcher> watcher_;
+    QSocketNotifier* notifier_ = nullptr;
+    QTimer* checkTimer_ = nullptr;
+    std::set<std::int16_t> marked_;
     QLabel* empty_ = nullptr;
     std::unique_ptr<EventHook> filterKeys_;
 };

@@ -1,4 +1,5 @@
 #include "qt/qt_form_services.h"
+#include "qt/change_bar.h"
 
 #include "form/gui.h"
 #include "qt/form_view.h"
@@ -94,6 +95,9 @@ int QtFormServices::MsgBox(const std::string& text, form::MsgBoxButtons buttons,
                                            QMessageBox::Cancel);
     QMessageBox box(IconOf(icon), QString::fromStdString(title), DialogText(text), shown, view_);
     box.setEscapeButton(buttons == form::MsgBoxButtons::OK ? QMessageBox::Ok : QMessageBox::Cancel);
+    if (!nextDetails_.empty()) {
+        box.setDetailedText(QString::fromStdString(std::exchange(nextDetails_, std::string())));
+    }
     PlainButtons(box);
     Run(box);
     if (box.clickedButton() == nullptr) {
@@ -151,6 +155,7 @@ void QtFormServices::DoEvents() {
 void QtFormServices::ShowModal(form::GUI& form) {
     FormView view(form);
     const ViewScope scope(view_, view);
+    ChangeBar::Attach(view, form);
     if (whenShown) {
         QTimer::singleShot(0, &view, [this, &form, &view] {
             whenShown(form, view);

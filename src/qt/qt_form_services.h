@@ -32,6 +32,8 @@ public:
     int MsgBox(const std::string& text, form::MsgBoxButtons buttons, form::MsgBoxIcon icon,
                const std::string& title) override;
     long Confirm(const std::string& text, const std::string& title) override;
+    // Shown behind the next box's "Show Details..." button.
+    void SetNextBoxDetails(const std::string& details) override { nextDetails_ = details; }
     void SetBusyCursor(bool busy) override;
     void DoEvents() override;
     void ShowModal(form::GUI& form) override;
@@ -48,6 +50,7 @@ private:
 
     FormView* view_ = nullptr;
     bool busy_ = false;
+    std::string nextDetails_;
 };
 
 }  // namespace dbn::qt

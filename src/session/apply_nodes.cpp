@@ -405,22 +405,22 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
     TransactionScope transaction(db);
     for (const PlannedNode& plan : planned) {
         if (plan.outcome == NodeOutcome::Created) {
-            CopyTemplateNode(db, config, partition, "0", std::to_string(plan.node.number),
-                             kDbnType);
+            // Its history row is the one its write adds.
+            CopyTemplateNode(db, config, partition, "0", std::to_string(plan.node.number), kDbnType,
+                             false);
         }
     }
     // Every node's statements in one batch, whatever the number of nodes.
-    std::vector<BatchStep> statements;
+    std::vector<NodeWrite> nodeWrites;
     for (const PlannedNode& plan : planned) {
         if (plan.outcome != NodeOutcome::Unchanged) {
-            std::vector<BatchStep> steps =
-                WriteNodeSteps(config, partition, plan.node,
-                               plan.outcome == NodeOutcome::Created ||
-                                   nodetext::Changed(plan.changes, "confirmation.prompts"));
-            std::move(steps.begin(), steps.end(), std::back_inserter(statements));
+            const bool created = plan.outcome == NodeOutcome::Created;
+            nodeWrites.push_back(
+                {&plan.node, created || nodetext::Changed(plan.changes, "confirmation.prompts"),
+                 created ? ChangeKind::Created : ChangeKind::Saved});
         }
     }
-    db.ExecuteBatch(statements);
+    WriteNodes(db, config, partition, nodeWrites);
     std::vector<const RequiredNode*> missing;
     for (const RequiredNode& node : required) {
         if (exists(node)) {

@@ -88,6 +88,8 @@ private:
         WriteOutcome outcome;
         // The stored state after a committed write.
         std::optional<std::string> savedState;
+        // For a node changed meanwhile: who changed it, when, and how.
+        std::string changeDetails = {};
     };
     WriteResult WriteShownNode(std::int16_t nodeNumber, bool overwrite);
     // After a committed save: names the gathered references whose nodes are

@@ -1,4 +1,5 @@
 #include "session/node_templates.h"
+#include "session/node_history.h"
 
 #include "core/component_error.h"
 #include "core/node_types.h"
@@ -99,6 +100,29 @@ std::string SoundFileName(std::int16_t partition, const std::string& number) {
     return std::string(name.data(), static_cast<std::size_t>(length));
 }
 
+// The created node's key, when its type ID and number are whole numbers.
+std::optional<NodeKey> CreatedKey(std::int16_t config, std::int16_t partition,
+                                  const std::string& typeID, const std::string& number) {
+    const std::optional<long> type = TypeNumber(typeID);
+    const std::optional<long> node = TypeNumber(number);
+    if (!type || !node) {
+        return std::nullopt;
+    }
+    return NodeKey{config, partition, static_cast<std::int16_t>(*type),
+                   static_cast<std::int16_t>(*node)};
+}
+
+// The created node's history entry: its copied state as "after".
+void RecordCreatedNode(DataBase& db, const NodeKey& key,
+                       const std::optional<nodestate::NodeState>& after) {
+    std::string code;
+    if (after && after->pool.is_object() && after->pool.contains("NodeType") &&
+        after->pool["NodeType"].is_string()) {
+        code = after->pool["NodeType"].get<std::string>();
+    }
+    WriteHistoryEntry(db, key, code, ChangeKind::Created, std::nullopt, after);
+}
+
 }  // namespace
 
 std::optional<RequiredNode> GatheredReference(std::string key, std::string typeID,
@@ -140,7 +164,7 @@ bool CanCopyNodeType(std::string_view typeID) {
 
 bool CopyTemplateNode(DataBase& db, std::int16_t config, std::int16_t partition,
                       const std::string& templateNumber, const std::string& newNumber,
-                      std::string typeID) {
+                      std::string typeID, bool recordCreation) {
     const CopyPlan* plan = FindCopyPlan(typeID);
     if (plan == nullptr) {
         return false;
@@ -163,10 +187,26 @@ bool CopyTemplateNode(DataBase& db, std::int16_t config, std::int16_t partition,
     batch.push_back({"Duplicate_Node_In_General_Pool",
                      {newNumber, CurrentModificationTime(), configText, partitionText,
                       templateNumber, typeID}});
-    const std::vector<BatchAnswer> answers = db.ExecuteBatch(batch);
+    // The copied state, for the history row, is read in the same batch.
+    const std::optional<NodeKey> created = recordCreation && db.KeepsHistory()
+                                               ? CreatedKey(config, partition, typeID, newNumber)
+                                               : std::nullopt;
+    const std::size_t stateAt = batch.size();
+    if (created) {
+        for (BatchStep& read : NodeStateReads(*created)) {
+            batch.push_back(std::move(read));
+        }
+    }
+    std::vector<BatchAnswer> answers = db.ExecuteBatch(batch);
     // A template without a node row in its type's table creates nothing.
     const std::size_t nodeRow = plan->message && !plan->commands.empty() ? 1 : 0;
-    return answers[nodeRow].count != 0;
+    if (answers[nodeRow].count == 0) {
+        return false;
+    }
+    if (created) {
+        RecordCreatedNode(db, *created, NodeStateOf(*created, answers.data() + stateAt));
+    }
+    return true;
 }
 
 }  // namespace dbn::session

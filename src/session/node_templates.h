@@ -48,10 +48,11 @@ bool CanCopyNodeType(std::string_view typeID);
 // detail rows and its pool row, inside the caller's transaction. A message
 // node gets its own sound-file name. Answers false, having written no pool
 // row, for an unknown type or a template without a node row in its type's
-// table; the caller then rolls its transaction back.
+// table; the caller then rolls its transaction back. Adds a `created`
+// history row unless told not to.
 bool CopyTemplateNode(DataBase& db, std::int16_t config, std::int16_t partition,
                       const std::string& templateNumber, const std::string& newNumber,
-                      std::string typeID);
+                      std::string typeID, bool recordCreation = true);
 
 }  // namespace session
 }  // namespace dbn

@@ -136,6 +136,9 @@ nodetext::NodeDocument ExportNodes(DataBase& db, std::int16_t config, std::int16
     return document;
 }
 
+namespace {
+
+// The node's rows as a save writes them.
 std::vector<BatchStep> WriteNodeSteps(std::int16_t config, std::int16_t partition,
                                       const TextNode& node, bool promptsChanged) {
     const std::string configText = CommandArg(config);
@@ -201,9 +204,52 @@ std::vector<BatchStep> WriteNodeSteps(std::int16_t config, std::int16_t partitio
     return steps;
 }
 
-void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition, const TextNode& node,
-               bool promptsChanged) {
-    db.ExecuteBatch(WriteNodeSteps(config, partition, node, promptsChanged));
+}  // namespace
+
+void WriteNodes(DataBase& db, std::int16_t config, std::int16_t partition,
+                const std::vector<NodeWrite>& writes) {
+    const bool history = db.KeepsHistory();
+    auto keyOf = [&](const NodeWrite& write) {
+        return NodeKey{config, partition, node_type::kDialByName,
+                       static_cast<std::int16_t>(write.node->number)};
+    };
+    // Per node: its state before (unless created), its writes, its state after.
+    std::vector<BatchStep> batch;
+    std::vector<std::size_t> beforeAt;
+    std::vector<std::size_t> afterAt;
+    for (const NodeWrite& write : writes) {
+        const NodeKey key = keyOf(write);
+        auto addReads = [&](std::vector<std::size_t>& at) {
+            at.push_back(batch.size());
+            for (BatchStep& read : NodeStateReads(key)) {
+                batch.push_back(std::move(read));
+            }
+        };
+        if (history && write.kind != ChangeKind::Created) {
+            addReads(beforeAt);
+        } else {
+            beforeAt.push_back(0);
+        }
+        for (BatchStep& step :
+             WriteNodeSteps(config, partition, *write.node, write.promptsChanged)) {
+            batch.push_back(std::move(step));
+        }
+        if (history) {
+            addReads(afterAt);
+        }
+    }
+    std::vector<BatchAnswer> answers = db.ExecuteBatch(batch);
+    if (!history) {
+        return;
+    }
+    for (std::size_t i = 0; i < writes.size(); ++i) {
+        const NodeKey key = keyOf(writes[i]);
+        const std::optional<nodestate::NodeState> before =
+            writes[i].kind == ChangeKind::Created ? std::nullopt
+                                                  : NodeStateOf(key, answers.data() + beforeAt[i]);
+        WriteHistoryEntry(db, key, node_type::kDialByNameCode, writes[i].kind, before,
+                          NodeStateOf(key, answers.data() + afterAt[i]));
+    }
 }
 
 }  // namespace dbn::session

@@ -4,6 +4,7 @@
 
 #include "database/database.h"
 #include "nodetext/node_text.h"
+#include "session/node_history.h"
 
 #include <cstdint>
 #include <map>
@@ -26,15 +27,20 @@ std::map<std::int64_t, nodetext::TextNode> ReadStoredNodes(
 nodetext::NodeDocument ExportNodes(DataBase& db, std::int16_t config, std::int16_t partition,
                                    const std::vector<std::int16_t>& numbers = {});
 
-// Writes one node as a save does: its Node_DBN row in two statements, its
+// Writes nodes as a save does: each one's Node_DBN row in two statements, its
 // pool row's description and modification time and, when they changed, its
 // prompt rows (padded with message node 1 up to prompt 9). Every reference's
-// type ID must be set. The one place a written node passes through:
-// WriteNodeSteps gives its statements for a batch, WriteNode sends them as one.
-std::vector<BatchStep> WriteNodeSteps(std::int16_t config, std::int16_t partition,
-                                      const nodetext::TextNode& node, bool promptsChanged);
-void WriteNode(DataBase& db, std::int16_t config, std::int16_t partition,
-               const nodetext::TextNode& node, bool promptsChanged);
+// type ID must be set. The one place a written node passes through: the
+// nodes travel in one batch whatever their number, with each one's state
+// before and after, and each gets a history row of its kind (a created
+// node's has no state before) that travels with the commit.
+struct NodeWrite {
+    const nodetext::TextNode* node = nullptr;
+    bool promptsChanged = false;
+    ChangeKind kind = ChangeKind::Saved;
+};
+void WriteNodes(DataBase& db, std::int16_t config, std::int16_t partition,
+                const std::vector<NodeWrite>& writes);
 
 }  // namespace session
 }  // namespace dbn

@@ -10,6 +10,7 @@
 #include "session/form_references.h"
 #include "session/load_helpers.h"
 #include "session/modification_time.h"
+#include "session/node_history.h"
 #include "session/stored_state.h"
 #include "session/transaction_scope.h"
 
@@ -261,17 +262,19 @@ Business_Rules::WriteResult Business_Rules::WriteShownNode(std::int16_t nodeNumb
     form::GUI& gui = Form();
     const NodeKeyText key{std::to_string(gui.ConfigID()), std::to_string(gui.PartitionID()),
                           std::to_string(nodeNumber)};
+    const session::NodeKey nodeKey{gui.ConfigID(), gui.PartitionID(), node_type::kDialByName,
+                                   nodeNumber};
     TransactionScope transaction(db_);
     // Compare before any write, under the row locks of the node's rows.
     session::LockStoredState(db_, gui.ConfigID(), gui.PartitionID(), nodeNumber);
-    const std::optional<std::string> stored =
-        session::ReadStoredState(db_, gui.ConfigID(), gui.PartitionID(), nodeNumber);
-    if (!stored) {
+    const std::optional<nodestate::NodeState> before = session::ReadNodeState(db_, nodeKey);
+    if (!before) {
         // Deleted by another program since it was loaded.
         return {WriteOutcome::Vanished, std::nullopt};
     }
-    if (!overwrite && gui.StoredState && *stored != *gui.StoredState) {
-        return {WriteOutcome::Changed, std::nullopt};
+    if (!overwrite && gui.StoredState && nodestate::ToJson(*before) != *gui.StoredState) {
+        return {WriteOutcome::Changed, std::nullopt,
+                session::ChangeDetails(db_, nodeKey, *gui.StoredState, *before)};
     }
     // Every write, then the state just written (what the next save compares
     // with), in one batch.
@@ -293,10 +296,14 @@ Business_Rules::WriteResult Business_Rules::WriteShownNode(std::int16_t nodeNumb
         // The node row is gone: the scope undoes the batch's other writes.
         return {WriteOutcome::Vanished, std::nullopt};
     }
-    std::optional<std::string> saved =
-        session::StoredStateOf(answers[stateAt], answers[stateAt + 1], answers[stateAt + 2]);
+    // The history row, with the state just written, travels with the commit.
+    const std::optional<nodestate::NodeState> after =
+        session::NodeStateOf(answers[stateAt], answers[stateAt + 1], answers[stateAt + 2]);
+    session::WriteHistoryEntry(db_, nodeKey, node_type::kDialByNameCode, session::ChangeKind::Saved,
+                               before, after);
     transaction.Commit();
-    return {WriteOutcome::Committed, std::move(saved)};
+    return {WriteOutcome::Committed,
+            after ? std::optional<std::string>(nodestate::ToJson(*after)) : std::nullopt};
 }
 
 bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
@@ -371,6 +378,7 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
             // The form stays disabled while the save's question waits.
             gui.Frame1.SetEnabled(false);
             const FrameEnabledAfter enableAfter(gui);
+            services_.SetNextBoxDetails(result->changeDetails);
             answer = services_.MsgBox(nodeText() +
                                           " was changed by another program after it was opened "
                                           "here. Save your changes over it?",

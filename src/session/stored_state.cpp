@@ -1,34 +1,10 @@
 #include "session/stored_state.h"
+
 #include "core/node_types.h"
-
-#include "database/database.h"
 #include "session/load_helpers.h"
-
-#include <variant>
+#include "session/node_history.h"
 
 namespace dbn::session {
-
-namespace {
-
-// Appends every row of a command's row set: each value with its column name
-// and its kind, so that 1, "1" and Null never read alike.
-void AppendRows(std::string& state, RowSet& rows) {
-    RowSetCloser closer(rows);
-    const std::size_t columns = rows.Columns().size();
-    state += rows.Name() + ":" + std::to_string(rows.RowCount()) + "\n";
-    for (; !rows.Eof(); rows.MoveNext()) {
-        for (std::size_t column = 0; column < columns; ++column) {
-            const std::string& name = rows.Columns()[column];
-            const FieldValue value = rows.Field(name);
-            state += name + "=" + std::to_string(value.Raw().index()) + ":" + value.ToText();
-            state += '\x1f';
-        }
-        state += '\n';
-    }
-    rows.Close();
-}
-
-}  // namespace
 
 std::vector<BatchStep> StoredStateReads(std::int16_t configID, std::int16_t partitionID,
                                         std::int16_t nodeNumber) {
@@ -42,41 +18,14 @@ std::vector<BatchStep> StoredStateReads(std::int16_t configID, std::int16_t part
               CommandArg(nodeNumber)}}};
 }
 
-std::optional<std::string> StoredStateOf(BatchAnswer& node, BatchAnswer& prompts,
-                                         BatchAnswer& pool) {
-    if (node.rows.Eof()) {
-        return std::nullopt;
-    }
-    std::string state;
-    AppendRows(state, node.rows);
-    AppendRows(state, prompts.rows);
-    AppendRows(state, pool.rows);
-    return state;
-}
-
 std::optional<std::string> ReadStoredState(DataBase& db, std::int16_t configID,
                                            std::int16_t partitionID, std::int16_t nodeNumber) {
-    std::optional<ReadAheadScope> readAhead;
-    if (!db.HasReadAhead()) {
-        readAhead.emplace(db);
-        db.ReadAhead(StoredStateReads(configID, partitionID, nodeNumber));
-    }
-    std::string state;
-    db.Execute("Get_DBN_Node", {CommandArg(configID), CommandArg(partitionID),
-                                CommandArg(nodeNumber), CommandArg(node_type::kDialByName)});
-    RowSet& node = db.Recordset("Get_DBN_Node");
-    if (node.Eof()) {
-        node.Close();
+    const std::optional<nodestate::NodeState> state =
+        ReadNodeState(db, {configID, partitionID, node_type::kDialByName, nodeNumber});
+    if (!state) {
         return std::nullopt;
     }
-    AppendRows(state, node);
-    db.Execute("Get_DBN_PromptsNode",
-               {CommandArg(configID), CommandArg(partitionID), CommandArg(nodeNumber)});
-    AppendRows(state, db.Recordset("Get_DBN_PromptsNode"));
-    db.Execute("Get_Description", {CommandArg(configID), CommandArg(partitionID),
-                                   CommandArg(node_type::kDialByName), CommandArg(nodeNumber)});
-    AppendRows(state, db.Recordset("Get_Description"));
-    return state;
+    return nodestate::ToJson(*state);
 }
 
 void LockStoredState(DataBase& db, std::int16_t configID, std::int16_t partitionID,

@@ -1,7 +1,7 @@
 #pragma once
 
-// The stored state of one dial-by-name node, as a fingerprint: its Node_DBN
-// row, its prompt rows and its Node_General_Pool row. The editor keeps the
+// The stored state of one dial-by-name node, as a fingerprint: the JSON of
+// its Node_DBN row, its prompt rows and its Node_General_Pool row. The editor keeps the
 // fingerprint of the node it loaded and compares it before every save, so
 // that a change made meanwhile by another program is not overwritten unasked.
 
@@ -29,8 +29,5 @@ void LockStoredState(DataBase& db, std::int16_t configID, std::int16_t partition
 // The three reads of the stored state, to send in a batch of one's own.
 std::vector<BatchStep> StoredStateReads(std::int16_t configID, std::int16_t partitionID,
                                         std::int16_t nodeNumber);
-// The stored state from the answers of those three reads, in order.
-std::optional<std::string> StoredStateOf(BatchAnswer& node, BatchAnswer& prompts,
-                                         BatchAnswer& pool);
 
 }  // namespace dbn::session

@@ -81,6 +81,37 @@ foreach(picture editor list)
   endif()
 endforeach()
 
+# Who changed what: a save by play is in the history; restore writes back the
+# state before it; watch hears a change committed by another process.
+set(history_root ${WORK}/history)
+expect(STATUS 0 OUT "NewDB.mdb" ARGS init --data-root ${history_root})
+file(WRITE ${WORK}/save.play "open 1 1 1\ntype txtDescription \"Front desk\"\nclick cmdApply\nclick cmdOK\n")
+expect(STATUS 0 OUT "returned false" ARGS play --data-root ${history_root} ${WORK}/save.play)
+expect(STATUS 0
+  OUT "^1  [0-9-]+T[0-9:]+Z  [^ ]+@[^ ]*  dbn-node-editor ${VERSION}  saved\n    NodeDescription: \"Staff directory\" -> \"Front desk\"\n$"
+  ARGS history --data-root ${history_root} 1 1 1)
+expect(STATUS 0
+  OUT "^.\n  {\n    \"entry\": 1,\n    \"time\": \"[^\"]+Z\",\n    \"user\": .*\"kind\": \"saved\",\n    \"changes\": .\n      {\n        \"field\": \"NodeDescription\",\n        \"before\": \"Staff directory\",\n        \"after\": \"Front desk\"\n"
+  ARGS history --data-root ${history_root} --json 1 1 1)
+expect(STATUS 0 OUT "^\\[\\]\n$" ARGS history --data-root ${history_root} --json 1 1 2)
+expect(STATUS 2 ERR "--limit N must be a whole number from 1 up, not \"0\""
+  ARGS history --data-root ${history_root} --limit 0 1 1 1)
+expect(STATUS 0 OUT "^DBN 1 was restored to the state before entry 1 as entry 2.\n$"
+  ARGS restore --data-root ${history_root} --before 1 1 1 1)
+expect(STATUS 0 OUT "^2  [^\n]*  restored\n    NodeDescription: \"Front desk\" -> \"Staff directory\"\n1  "
+  ARGS history --data-root ${history_root} --limit 2 1 1 1)
+expect(STATUS 1 ERR "^dbn-node-editor: History entry 1 is not of DBN 2. Nothing was restored.\n$"
+  ARGS restore --data-root ${history_root} 1 1 2 1)
+expect(STATUS 2 ERR "watch needs both CONFIG and PARTITION, or neither"
+  ARGS watch --data-root ${history_root} 1)
+execute_process(COMMAND sh -c
+    "\"$0\" watch --data-root \"$1\" --json --count 1 1 1 > \"$2/watched\" & sleep 1; \"$0\" play --data-root \"$1\" \"$2/save.play\" > /dev/null; wait"
+    ${EDITOR} ${history_root} ${WORK}
+  TIMEOUT 20 RESULT_VARIABLE watch_status)
+file(READ ${WORK}/watched watched)
+if(NOT watch_status EQUAL 0 OR NOT watched MATCHES "^{\"entry\":3,\"configuration\":1,\"partition\":1,\"nodeType\":\"DBN\",\"node\":1,.*\"kind\":\"saved\",\"changes\":\\[{\"field\":\"NodeDescription\",\"before\":\"Staff directory\",\"after\":\"Front desk\"}\\]}\n$")
+  set(failures "${failures}\nwatch saw: ${watched} (status ${watch_status})")
+endif()
 # A node that does not exist, or is refused, fails after its box, which goes to
 # standard error with --screenshot.
 expect(STATUS 1

@@ -60,15 +60,18 @@ TEST(Catalogue, EveryStatementPreparesAndRunsWithItsDeclaredParameterCount) {
 
         const std::vector<std::string> args(static_cast<std::size_t>(command.parameterCount), "1");
         db.BeginTrans();
-        EXPECT_EQ(db.Execute(command.name, args), command.name == "Add_DBN_PromptsNode" ? 1 : 0);
+        const bool inserts =
+            command.name == "Add_DBN_PromptsNode" || command.name == "Add_Node_History";
+        const bool aggregates = command.name == "Get_Last_History_Entry";
+        EXPECT_EQ(db.Execute(command.name, args), inserts || aggregates ? 1 : 0);
         db.RollbackTrans();
         if (command.kind == CommandKind::RowReturning) {
             db.Recordset(command.name).Close();
         }
     }
-    EXPECT_EQ(names.size(), 46u);
-    EXPECT_EQ(rowReturning, 13);
-    EXPECT_EQ(db.ExecutedCount(), 46);
+    EXPECT_EQ(names.size(), 51u);
+    EXPECT_EQ(rowReturning, 17);
+    EXPECT_EQ(db.ExecutedCount(), 51);
     EXPECT_EQ(FindCatalogueCommand("Update_DBN_Node"), nullptr);  // never executed: left out
 }
 

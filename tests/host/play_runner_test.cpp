@@ -104,20 +104,23 @@ TEST(PlayRunner, EachLineRunsBeforeTheNextIsReadSoAChangeBetweenLinesIsAsked) {
     const std::string changed =
         "box Confirmation: DBN 1 was changed by another program after it was opened here. Save "
         "your changes over it? => ";
+    // The details name the other change's fields (no history entry: an SQL update).
+    const std::string details =
+        "details: Changed: NodeDescription: \"Staff directory\" -> \"Theirs\"\n";
     const auto theirs = [](testing::TempDataRoot& root) {
         root.Exec("UPDATE Node_DBN SET NodeDescription = 'Theirs'" + kNode1);
     };
     const ChangedBetweenLines cases[] = {
         {{"open 1 1 1", "type txtDescription Mine", "answer 6", "click cmdApply", "click cmdOK"},
          theirs,
-         "0|" + changed + "6\nreturned false\n|Mine"},
+         "0|" + changed + "6\n" + details + "returned false\n|Mine"},
         {{"open 1 1 1", "type txtDescription Mine", "answer 7", "click cmdApply", "click cmdOK"},
          theirs,
-         "0|" + changed + "7\nreturned false\n|Theirs"},
+         "0|" + changed + "7\n" + details + "returned false\n|Theirs"},
         {{"open 1 1 1", "type txtDescription Mine", "answer 2", "click cmdApply", "close"},
          theirs,
-         "1|" + changed +
-             "2\nno answer queued for: box Confirmation: Do you want to "
+         "1|" + changed + "2\n" + details +
+             "no answer queued for: box Confirmation: Do you want to "
              "save changes?\n|Theirs"},
     };
     for (const ChangedBetweenLines& c : cases) {

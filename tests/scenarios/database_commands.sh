@@ -54,7 +54,7 @@ expect 1 "" "dbn-node-editor: The configuration database $folder is a folder, no
 
 copied=$("$editor" copy "$work/-x;y=z/Corvell/Sonavis+/Database/NewDB.mdb" "$work/new/Copy.mdb")
 if [ "$(echo "$copied" | head -1)" != "SR_Node_Type_Names 18" ] ||
-  ! echo "$copied" | grep -qx "Node_DBN 5" || [ "$(echo "$copied" | wc -l)" != 32 ]; then
+  ! echo "$copied" | grep -qx "Node_DBN 5" || ! echo "$copied" | grep -qx "Schema_Version 1" || [ "$(echo "$copied" | wc -l)" != 34 ]; then
   echo "FAILED: copy printed: $copied"
   failures=$((failures + 1))
 fi

@@ -4,9 +4,11 @@
 #include "session_support.h"
 
 #include "core/component_error.h"
+#include "core/node_types.h"
 #include "database/database.h"
 #include "nodetext/text_form.h"
 #include "session/apply_nodes.h"
+#include "session/node_history.h"
 #include "session/node_text_store.h"
 
 #include <nlohmann/json.hpp>
@@ -379,6 +381,39 @@ TEST_F(NodeTextTest, NewNumbersAreCreatedFromTheTemplateAndMissingTargetsOnReque
     EXPECT_EQ(
         root.QueryText("SELECT OrvFilename FROM Node_MSG WHERE PartID = 1 AND NodeNumber = 51"),
         "P01M051.wav");
+}
+
+// Every node an apply writes gets one history row: `saved` with both states
+// for a changed node, `created` with no state before for a new number (its
+// copy from the template adds none of its own); unchanged nodes get none.
+TEST_F(NodeTextTest, EveryWrittenNodeGetsOneHistoryRow) {
+    json document = Exported();
+    document["nodes"][1]["label"] = "Staff directory (applied)";
+    json fresh = document["nodes"][1];
+    fresh["number"] = 7;
+    fresh.erase("stored");
+    document["nodes"].push_back(fresh);
+    ASSERT_TRUE(Apply(document).written);
+
+    const auto history = [&](std::int16_t number) {
+        return session::ReadNodeHistory(db, {1, 1, node_type::kDialByName, number}, std::nullopt);
+    };
+    const auto changed = history(1);
+    ASSERT_EQ(changed.size(), 1u);
+    EXPECT_EQ(changed[0].kind, "saved");
+    ASSERT_TRUE(changed[0].before && changed[0].after);
+    EXPECT_EQ(changed[0].before->node["NodeDescription"], "Staff directory");
+    EXPECT_EQ(changed[0].after->node["NodeDescription"], "Staff directory (applied)");
+
+    const auto created = history(7);
+    ASSERT_EQ(created.size(), 1u);
+    EXPECT_EQ(created[0].kind, "created");
+    EXPECT_FALSE(created[0].before.has_value());
+    ASSERT_TRUE(created[0].after.has_value());
+    EXPECT_EQ(created[0].after->node["NodeDescription"], "Staff directory (applied)");
+
+    EXPECT_TRUE(history(2).empty());
+    EXPECT_TRUE(history(0).empty());
 }
 
 }  // namespace

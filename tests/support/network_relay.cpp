@@ -262,14 +262,27 @@ private:
                 answered_ = false;
             }
             const long number = ++shared_.clientMessages;
+            const char type = startupDone_ && header == 5 ? message[0] : '\0';
             if (const auto cut = shared_.TakeCut(number, message)) {
-                if (*cut == NetworkRelay::CutPoint::AfterForwarding) {
+                if (*cut == NetworkRelay::CutPoint::BeforeForwarding) {
+                    return false;
+                }
+                // A simple query is a whole batch; a pipeline's statement is
+                // followed by the rest of its batch.
+                cutAfterSync_ = type != 'Q';
+                if (!cutAfterSync_) {
                     toServer_ += message;
                     FlushToServerBlocking();
+                    AwaitServerAnswer();
+                    return false;
                 }
-                return false;
             }
             toServer_ += message;
+            if (cutAfterSync_ && type == 'S') {
+                FlushToServerBlocking();
+                AwaitServerAnswer();
+                return false;
+            }
         }
     }
 
@@ -296,6 +309,27 @@ private:
             toServer_.erase(0, static_cast<std::size_t>(count));
         }
         return true;
+    }
+
+    // After a cut that the server should have acted on: waits until it has
+    // answered (so that closing cannot discard what it has not yet read),
+    // and drops the answer.
+    void AwaitServerAnswer() {
+        const auto deadline = Clock::now() + std::chrono::seconds(5);
+        char buffer[65536];
+        while (Clock::now() < deadline) {
+            pollfd fd{server_, POLLIN, 0};
+            if (::poll(&fd, 1, 100) < 0) {
+                return;
+            }
+            if ((fd.revents & (POLLIN | POLLHUP | POLLERR)) == 0) {
+                continue;
+            }
+            const ssize_t count = ::read(server_, buffer, sizeof(buffer));
+            if (count <= 0 || CompletesAnAnswer(buffer, static_cast<std::size_t>(count))) {
+                return;
+            }
+        }
     }
 
     void FlushToServerBlocking() {
@@ -342,6 +376,8 @@ private:
     long generation_;
     bool startupDone_ = false;
     bool answered_ = true;  // the first message of a connection is a round trip
+    // Set when a cut waits for the end of the batch it fell in.
+    bool cutAfterSync_ = false;
     std::string pending_;
     std::string toServer_;
     std::deque<Chunk> toClient_;

@@ -35,7 +35,9 @@ public:
     // Where a connection is cut relative to the message that triggers it.
     enum class CutPoint {
         BeforeForwarding,  // the server never sees the message
-        AfterForwarding,   // the server gets it; its answer never arrives
+        // The server gets it, and the rest of its batch (up to the client's
+        // next Sync); the answer never arrives.
+        AfterForwarding,
     };
 
     explicit NetworkRelay(Upstream upstream);

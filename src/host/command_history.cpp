@@ -1,0 +1,67 @@
+// The "history" sub-command: a node's changes, newest first, field by field.
+#include "database/database.h"
+#include "host/history_output.h"
+#include "host/host_command.h"
+#include "host/key_argument.h"
+#include "session/node_history.h"
+
+#include <charconv>
+#include <iostream>
+
+namespace dbn::host {
+namespace {
+
+// The node-type ID of a code given as NODE's type (dial-by-name unless told).
+constexpr std::int16_t kDialByName = 15;
+
+std::optional<long> Limit(const CommandArgs& args) {
+    const std::optional<std::string> text = args.Value("limit");
+    if (!text) {
+        return std::nullopt;
+    }
+    long value = 0;
+    const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), value);
+    if (error != std::errc() || end != text->data() + text->size() || value < 1) {
+        throw UsageError("--limit N must be a whole number from 1 up, not \"" + *text + "\"");
+    }
+    return value;
+}
+
+int RunHistory(const CommandArgs& args) {
+    const session::NodeKey key{KeyArgument("CONFIG", args.Positionals()[0]),
+                               KeyArgument("PARTITION", args.Positionals()[1]), kDialByName,
+                               KeyArgument("NODE", args.Positionals()[2])};
+    const std::optional<long> limit = Limit(args);
+    DataBase db;
+    const std::vector<session::HistoryEntry> entries = session::ReadNodeHistory(db, key, limit);
+    if (args.IsSet("json")) {
+        nodestate::Json list = nodestate::Json::array();
+        for (const session::HistoryEntry& entry : entries) {
+            list.push_back(session::EntryJson(entry, false));
+        }
+        std::cout << list.dump(2, ' ', false, nodestate::Json::error_handler_t::replace) << "\n";
+        return kExitOk;
+    }
+    for (const session::HistoryEntry& entry : entries) {
+        PrintHistoryEntry(std::cout, entry);
+    }
+    return kExitOk;
+}
+
+HostCommand HistoryCommand() {
+    HostCommand command;
+    command.name = "history";
+    command.summary = "list a dial-by-name node's changes, newest first, field by field";
+    command.options = {{"json", "", "print the entries as a JSON array"},
+                       {"limit", "N", "print only the newest N entries"}};
+    command.arguments = {{"CONFIG", "the configuration ID"},
+                         {"PARTITION", "the partition ID"},
+                         {"NODE", "the dial-by-name node's number"}};
+    command.run = RunHistory;
+    return command;
+}
+
+const HostCommandRegistration kHistory(HistoryCommand());
+
+}  // namespace
+}  // namespace dbn::host

@@ -1,0 +1,27 @@
+#include "host/history_output.h"
+
+#include "nodestate/state_diff.h"
+
+namespace dbn::host {
+
+void PrintHistoryEntry(std::ostream& out, const session::HistoryEntry& entry) {
+    out << entry.entry << "  " << entry.time << "  " << session::WhoText(entry) << "  "
+        << entry.program << "  " << entry.kind << "\n";
+    const auto changes = nodestate::Diff(entry.before, entry.after);
+    for (const std::string& line : nodestate::ChangeLines(changes, entry.before, entry.after)) {
+        out << "    " << line << "\n";
+    }
+}
+
+void PrintChangeLine(std::ostream& out, const session::HistoryEntry& entry) {
+    out << entry.entry << " " << entry.key.config << "/" << entry.key.partition << " "
+        << entry.typeCode << " " << entry.key.number << " " << session::WhoText(entry) << " "
+        << entry.kind;
+    std::string fields;
+    for (const nodestate::FieldChange& change : nodestate::Diff(entry.before, entry.after)) {
+        fields += (fields.empty() ? ": " : ", ") + change.field;
+    }
+    out << fields << "\n";
+}
+
+}  // namespace dbn::host

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QFrame>
+
+#include <memory>
+
+class QLabel;
+class QSocketNotifier;
+class QTimer;
+
+namespace dbn {
+struct DatabaseTarget;
+namespace form {
+class GUI;
+}
+namespace session {
+class ChangeWatcher;
+struct HistoryEntry;
+}  // namespace session
+}  // namespace dbn
+
+namespace dbn::qt {
+
+class FormView;
+
+// The bar the editor shows above its buttons as soon as another program
+// changes the node on show: "DBN 5 was changed by USER on HOST at 14:02."
+// with Show Changes and Reload. It hears the changes on a connection of its
+// own: the server's announcements through a socket notifier, a file's
+// change counter on a short timer.
+class ChangeBar : public QFrame {
+public:
+    // Attaches a bar to the editor's window; nothing when the database keeps
+    // no history or cannot be reached. The bar is owned by the window.
+    static ChangeBar* Attach(FormView& view, form::GUI& form);
+
+    ChangeBar(FormView& view, form::GUI& form, std::unique_ptr<session::ChangeWatcher> watcher);
+    ~ChangeBar() override;
+
+    // Reads the changes heard since the last call and shows the bar for one
+    // of the node on show.
+    void TakeChanges();
+    QString Text() const;
+    QString Details() const;
+    // Shows the node as it is stored now, dropping the edits, and hides the bar.
+    void Reload();
+
+private:
+    void ShowBar(const QString& text, const QString& details);
+    void HideBar();
+
+    FormView& view_;
+    form::GUI& form_;
+    std::unique_ptr<session::ChangeWatcher> watcher_;
+    QLabel* label_ = nullptr;
+    QString details_;
+    int shift_ = 0;  // how far the buttons moved down to make room
+};
+
+}  // namespace dbn::qt

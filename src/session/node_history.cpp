@@ -1,0 +1,339 @@
+#include "session/node_history.h"
+
+#include "core/node_types.h"
+#include "database/database.h"
+#include "database/schema_model.h"
+#include "nodestate/state_diff.h"
+#include "session/load_helpers.h"
+#include "session/stored_state.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <climits>
+#include <cstdlib>
+#include <ctime>
+#include <mutex>
+#include <stdexcept>
+
+namespace dbn::session {
+namespace {
+
+using nodestate::Json;
+using nodestate::NodeState;
+
+Json ValueJson(const FieldValue& value) {
+    return std::visit(
+        [](const auto& v) -> Json {
+            using V = std::decay_t<decltype(v)>;
+            if constexpr (std::is_same_v<V, std::monostate>) {
+                return nullptr;
+            } else {
+                return v;
+            }
+        },
+        value.Raw());
+}
+
+// Every row of a command's row set as JSON objects, closing it. Columns are
+// named as the schema spells them (a server answers them in lower case).
+std::vector<Json> RowsJson(RowSet& rows, const char* tableName) {
+    RowSetCloser closer(rows);
+    const SchemaTable* table = FindSchemaTable(tableName);
+    std::vector<std::string> names;
+    for (const std::string& column : rows.Columns()) {
+        const SchemaColumn* known = table != nullptr ? table->Column(column) : nullptr;
+        names.push_back(known != nullptr ? known->name : column);
+    }
+    std::vector<Json> out;
+    for (; !rows.Eof(); rows.MoveNext()) {
+        Json row = Json::object();
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            row[names[i]] = ValueJson(rows.Field(rows.Columns()[i]));
+        }
+        out.push_back(std::move(row));
+    }
+    rows.Close();
+    return out;
+}
+
+std::mutex& ProgramMutex() {
+    static std::mutex mutex;
+    return mutex;
+}
+
+std::string& Program() {
+    static std::string program = program_invocation_short_name;
+    return program;
+}
+
+std::string OsUser() {
+    if (const passwd* entry = getpwuid(geteuid()); entry != nullptr && entry->pw_name != nullptr) {
+        return entry->pw_name;
+    }
+    const char* user = std::getenv("USER");
+    return user != nullptr ? user : std::to_string(geteuid());
+}
+
+std::string HostName() {
+    char name[HOST_NAME_MAX + 1] = {};
+    if (gethostname(name, sizeof name - 1) != 0) {
+        return "";
+    }
+    return name;
+}
+
+std::string UtcNow() {
+    const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+    std::tm utc{};
+    gmtime_r(&now, &utc);
+    char text[32];
+    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc);
+    return text;
+}
+
+HistoryEntry EntryOf(RowSet& rows) {
+    HistoryEntry entry;
+    entry.entry = static_cast<long>(std::stoll(rows.Field("EntryID").ToText()));
+    entry.key = {rows.Field("ConfigID").ToInt16(), rows.Field("PartID").ToInt16(),
+                 rows.Field("NodeTypeID").ToInt16(), rows.Field("NodeNumber").ToInt16()};
+    entry.typeCode = rows.Field("NodeType").ToText();
+    entry.time = rows.Field("ChangedAt").ToText();
+    entry.user = rows.Field("OsUser").ToText();
+    entry.host = rows.Field("Host").ToText();
+    entry.dbUser = rows.Field("DbUser").ToText();
+    entry.program = rows.Field("Program").ToText();
+    entry.kind = rows.Field("Kind").ToText();
+    entry.before = nodestate::FromStoredJson(rows.Field("StateBefore").ToText());
+    entry.after = nodestate::FromStoredJson(rows.Field("StateAfter").ToText());
+    return entry;
+}
+
+std::vector<HistoryEntry> Entries(DataBase& db, std::string_view command) {
+    RowSet& rows = db.Recordset(command);
+    RowSetCloser closer(rows);
+    std::vector<HistoryEntry> entries;
+    for (; !rows.Eof(); rows.MoveNext()) {
+        entries.push_back(EntryOf(rows));
+    }
+    rows.Close();
+    return entries;
+}
+
+std::vector<std::string> KeyArgs(const NodeKey& key) {
+    return {CommandArg(key.config), CommandArg(key.partition), CommandArg(key.typeID),
+            CommandArg(key.number)};
+}
+
+}  // namespace
+
+std::string_view KindName(ChangeKind kind) {
+    switch (kind) {
+        case ChangeKind::Saved:
+            return "saved";
+        case ChangeKind::Created:
+            return "created";
+        case ChangeKind::Restored:
+            break;
+    }
+    return "restored";
+}
+
+void SetHistoryProgram(std::string program) {
+    std::lock_guard lock(ProgramMutex());
+    Program() = std::move(program);
+}
+
+std::string HistoryProgram() {
+    std::lock_guard lock(ProgramMutex());
+    return Program();
+}
+
+std::optional<NodeState> ReadNodeState(DataBase& db, const NodeKey& key) {
+    NodeState state;
+    const std::string config = CommandArg(key.config);
+    const std::string partition = CommandArg(key.partition);
+    const std::string number = CommandArg(key.number);
+    // A dial-by-name node's three reads travel as one batch unless they were
+    // read ahead.
+    std::optional<ReadAheadScope> readAhead;
+    if (key.typeID == node_type::kDialByName && !db.HasReadAhead()) {
+        readAhead.emplace(db);
+        db.ReadAhead(StoredStateReads(key.config, key.partition, key.number));
+    }
+    if (key.typeID == node_type::kDialByName) {
+        db.Execute("Get_DBN_Node", {config, partition, number, CommandArg(key.typeID)});
+        std::vector<Json> node = RowsJson(db.Recordset("Get_DBN_Node"), "Node_DBN");
+        if (node.empty()) {
+            return std::nullopt;
+        }
+        state.node = std::move(node.front());
+        db.Execute("Get_DBN_PromptsNode", {config, partition, number});
+        state.details = RowsJson(db.Recordset("Get_DBN_PromptsNode"), "Detail_DBN_Prompts");
+    }
+    db.Execute("Get_Description", {config, partition, CommandArg(key.typeID), number});
+    std::vector<Json> pool = RowsJson(db.Recordset("Get_Description"), "Node_General_Pool");
+    if (!pool.empty()) {
+        state.pool = std::move(pool.front());
+    } else if (key.typeID != node_type::kDialByName) {
+        return std::nullopt;
+    }
+    return state;
+}
+
+std::optional<NodeState> NodeStateOf(BatchAnswer& node, BatchAnswer& details, BatchAnswer& pool) {
+    std::vector<Json> nodeRows = RowsJson(node.rows, "Node_DBN");
+    std::vector<Json> detailRows = RowsJson(details.rows, "Detail_DBN_Prompts");
+    std::vector<Json> poolRows = RowsJson(pool.rows, "Node_General_Pool");
+    if (nodeRows.empty()) {
+        return std::nullopt;
+    }
+    NodeState state;
+    state.node = std::move(nodeRows.front());
+    state.details = std::move(detailRows);
+    if (!poolRows.empty()) {
+        state.pool = std::move(poolRows.front());
+    }
+    return state;
+}
+
+std::vector<BatchStep> NodeStateReads(const NodeKey& key) {
+    if (key.typeID == node_type::kDialByName) {
+        return StoredStateReads(key.config, key.partition, key.number);
+    }
+    return {{"Get_Description", KeyArgs(key)}};
+}
+
+std::optional<NodeState> NodeStateOf(const NodeKey& key, BatchAnswer* answers) {
+    if (key.typeID == node_type::kDialByName) {
+        return NodeStateOf(answers[0], answers[1], answers[2]);
+    }
+    std::vector<Json> pool = RowsJson(answers[0].rows, "Node_General_Pool");
+    if (pool.empty()) {
+        return std::nullopt;
+    }
+    NodeState state;
+    state.pool = std::move(pool.front());
+    return state;
+}
+
+void WriteHistoryEntry(DataBase& db, const NodeKey& key, std::string_view typeCode, ChangeKind kind,
+                       const std::optional<NodeState>& before,
+                       const std::optional<NodeState>& after) {
+    if (!db.KeepsHistory()) {
+        return;
+    }
+    std::vector<std::string> args = KeyArgs(key);
+    args.emplace_back(typeCode);
+    args.push_back(UtcNow());
+    args.push_back(OsUser());
+    args.push_back(HostName());
+    args.push_back(db.UserName());
+    args.push_back(HistoryProgram());
+    args.emplace_back(KindName(kind));
+    args.push_back(nodestate::ToStoredJson(before));
+    args.push_back(nodestate::ToStoredJson(after));
+    db.QueueWrite({"Add_Node_History", std::move(args)});
+}
+
+std::vector<HistoryEntry> ReadNodeHistory(DataBase& db, const NodeKey& key,
+                                          std::optional<long> limit) {
+    if (!db.KeepsHistory()) {
+        return {};
+    }
+    std::vector<std::string> args = KeyArgs(key);
+    args.push_back(std::to_string(limit.value_or(LONG_MAX)));
+    db.Execute("Get_Node_History", args);
+    return Entries(db, "Get_Node_History");
+}
+
+std::optional<HistoryEntry> ReadHistoryEntry(DataBase& db, long entry) {
+    if (!db.KeepsHistory()) {
+        return std::nullopt;
+    }
+    db.Execute("Get_History_Entry", {std::to_string(entry)});
+    std::vector<HistoryEntry> found = Entries(db, "Get_History_Entry");
+    if (found.empty()) {
+        return std::nullopt;
+    }
+    return std::move(found.front());
+}
+
+std::vector<HistoryEntry> ReadHistoryAfter(DataBase& db, long entry) {
+    if (!db.KeepsHistory()) {
+        return {};
+    }
+    db.Execute("Get_History_After", {std::to_string(entry)});
+    return Entries(db, "Get_History_After");
+}
+
+long LastHistoryEntry(DataBase& db) {
+    if (!db.KeepsHistory()) {
+        return 0;
+    }
+    db.Execute("Get_Last_History_Entry");
+    RowSet& rows = db.Recordset("Get_Last_History_Entry");
+    RowSetCloser closer(rows);
+    const long last =
+        rows.Eof() ? 0 : static_cast<long>(std::stoll("0" + rows.Field("LastEntry").ToText()));
+    rows.Close();
+    return last;
+}
+
+std::string ChangeDetails(DataBase& db, const NodeKey& key, const std::string& loadedJson,
+                          const NodeState& current) {
+    std::optional<NodeState> loaded;
+    try {
+        loaded = nodestate::FromJson(loadedJson);
+    } catch (const std::invalid_argument&) {
+        // Loaded before this program kept states as JSON: no fields to name.
+    }
+    std::string details = "Changed";
+    const std::vector<HistoryEntry> newest = ReadNodeHistory(db, key, 1);
+    if (!newest.empty()) {
+        details += " by " + newest[0].user + " on " + newest[0].host + " at " + newest[0].time;
+    }
+    std::string fields;
+    if (loaded) {
+        const auto changes = nodestate::Diff(loaded, current);
+        for (const std::string& line : nodestate::ChangeLines(changes, loaded, current)) {
+            fields += (fields.empty() ? "" : "; ") + line;
+        }
+    }
+    return details + (fields.empty() ? "." : ": " + fields);
+}
+
+std::string WhoText(const HistoryEntry& entry) {
+    std::string who = entry.user + "@" + entry.host;
+    if (!entry.dbUser.empty() && entry.dbUser != entry.user) {
+        who += "/" + entry.dbUser;
+    }
+    return who;
+}
+
+Json EntryJson(const HistoryEntry& entry, bool withKey) {
+    Json out = Json::object();
+    out["entry"] = entry.entry;
+    if (withKey) {
+        out["configuration"] = entry.key.config;
+        out["partition"] = entry.key.partition;
+        out["nodeType"] = entry.typeCode;
+        out["node"] = entry.key.number;
+    }
+    out["time"] = entry.time;
+    out["user"] = entry.user;
+    out["host"] = entry.host;
+    out["program"] = entry.program;
+    out["kind"] = entry.kind;
+    Json changes = Json::array();
+    for (const nodestate::FieldChange& change : nodestate::Diff(entry.before, entry.after)) {
+        changes.push_back(
+            Json{{"field", change.field}, {"before", change.before}, {"after", change.after}});
+    }
+    out["changes"] = std::move(changes);
+    return out;
+}
+
+}  // namespace dbn::session

@@ -1,0 +1,191 @@
+// The node history: every path that changes a node writes its row in the
+// change's transaction, a rolled-back change writes none, and restore writes
+// back an entry's state as a new change.
+
+#include "session_support.h"
+
+#include "database/database_errors.h"
+#include "error_of.h"
+#include "nodestate/state_diff.h"
+#include "session/node_history.h"
+#include "session/node_restore.h"
+
+namespace dbn::testing {
+namespace {
+
+using session::HistoryEntry;
+using session::NodeKey;
+
+constexpr NodeKey kDbn11{1, 1, 15, 1};
+
+std::vector<std::string> Fields(const HistoryEntry& entry) {
+    std::vector<std::string> fields;
+    for (const auto& change : nodestate::Diff(entry.before, entry.after)) {
+        fields.push_back(change.field);
+    }
+    return fields;
+}
+
+class NodeHistory : public SessionTest {
+protected:
+    // Saves node 1 of partition 1 with a new description.
+    void SaveDescription(const std::string& description) {
+        Open(1, 1, [&](form::GUI& gui) {
+            Set(gui, "txtDescription=" + description);
+            gui.cmdApply_Click();
+            EXPECT_FALSE(gui.cmdApply.Enabled());
+        });
+    }
+};
+
+TEST_F(NodeHistory, ASaveWritesOneEntryWithBothStates) {
+    session::SetHistoryProgram("history-test 9.9");
+    SaveDescription("Front desk");
+    DataBase db;
+    const std::vector<HistoryEntry> entries = session::ReadNodeHistory(db, kDbn11, std::nullopt);
+    ASSERT_EQ(entries.size(), 1u);
+    const HistoryEntry& entry = entries[0];
+    EXPECT_EQ(entry.kind, "saved");
+    EXPECT_EQ(entry.program, "history-test 9.9");
+    EXPECT_EQ(entry.typeCode, "DBN");
+    EXPECT_FALSE(entry.user.empty());
+    EXPECT_EQ(entry.time.size(), 20u) << entry.time;  // 2026-11-25T01:35:12Z
+    EXPECT_EQ(entry.time.back(), 'Z');
+    EXPECT_EQ(entry.dbUser.empty(), !root.OnServer());
+    ASSERT_TRUE(entry.before && entry.after);
+    EXPECT_EQ(entry.before->node["NodeDescription"], "Staff directory");
+    EXPECT_EQ(entry.after->node["NodeDescription"], "Front desk");
+    EXPECT_EQ(entry.after->details.size(), 9u);
+    EXPECT_EQ(Fields(entry), std::vector<std::string>{"NodeDescription"});
+    // The stored "after" is the node as it is now.
+    EXPECT_EQ(session::ReadNodeState(db, kDbn11), entry.after);
+
+    const nodestate::Json json = session::EntryJson(entry, false);
+    EXPECT_EQ(json["changes"],
+              nodestate::Json::parse(R"([{"field":"NodeDescription","before":"Staff directory",)"
+                                     R"("after":"Front desk"}])"));
+    std::vector<std::string> keys;
+    for (const auto& item : json.items()) {
+        keys.push_back(item.key());
+    }
+    EXPECT_EQ(keys, (std::vector<std::string>{"entry", "time", "user", "host", "program", "kind",
+                                              "changes"}));
+    session::SetHistoryProgram("dbn-node-editor");
+}
+
+TEST_F(NodeHistory, NewestFirstAndLimited) {
+    for (const char* description : {"One", "Two", "Three"}) {
+        SaveDescription(description);
+    }
+    DataBase db;
+    const auto all = session::ReadNodeHistory(db, kDbn11, std::nullopt);
+    ASSERT_EQ(all.size(), 3u);
+    EXPECT_GT(all[0].entry, all[1].entry);
+    EXPECT_EQ(all[0].after->node["NodeDescription"], "Three");
+    EXPECT_EQ(all[0].before->node["NodeDescription"], "Two");
+    const auto newest = session::ReadNodeHistory(db, kDbn11, 2);
+    ASSERT_EQ(newest.size(), 2u);
+    EXPECT_EQ(newest[1].entry, all[1].entry);
+    EXPECT_TRUE(session::ReadNodeHistory(db, {1, 1, 15, 2}, std::nullopt).empty());
+    EXPECT_EQ(session::ReadHistoryAfter(db, all[1].entry).size(), 1u);
+    EXPECT_EQ(session::LastHistoryEntry(db), all[0].entry);
+}
+
+TEST_F(NodeHistory, CreatedNodesGetAnEntryWithTheCopyAsAfter) {
+    root.Exec(
+        "DELETE FROM Node_MSG WHERE NodeNumber = 50; DELETE FROM Node_General_Pool WHERE "
+        "NodeNumber = 50");
+    services.confirmAnswers = {form::kConfirmYesToAll};
+    Open(1, 1, [&](form::GUI& gui) {
+        Set(gui, "cmbGreetingNumber=50");
+        gui.cmdApply_Click();
+    });
+    DataBase db;
+    const auto created = session::ReadNodeHistory(db, {1, 1, 0, 50}, std::nullopt);
+    ASSERT_EQ(created.size(), 1u);
+    EXPECT_EQ(created[0].kind, "created");
+    EXPECT_EQ(created[0].typeCode, "MSG");
+    EXPECT_FALSE(created[0].before.has_value());
+    ASSERT_TRUE(created[0].after.has_value());
+    EXPECT_EQ(created[0].after->pool["NodeNumber"], 50);
+    // The save that made it comes after it.
+    const auto saved = session::ReadNodeHistory(db, kDbn11, std::nullopt);
+    ASSERT_EQ(saved.size(), 1u);
+    EXPECT_GT(saved[0].entry, created[0].entry);
+}
+
+TEST_F(NodeHistory, ARolledBackChangeWritesNoEntry) {
+    root.InjectFailure("Node_General_Pool", "UPDATE");
+    Open(1, 1, [&](form::GUI& gui) {
+        Set(gui, "txtDescription=Never");
+        gui.cmdApply_Click();
+        EXPECT_TRUE(gui.cmdApply.Enabled());
+    });
+    EXPECT_EQ(Count("Node_History", ""), 0);
+    root.RemoveInjectedFailure("Node_General_Pool");
+}
+
+TEST_F(NodeHistory, RestoresAnEntrysStateAfterAndBefore) {
+    SaveDescription("One");
+    const std::string maxMatch = NodeColumn("MaxMatch", 1, 1);
+    root.Exec("UPDATE Node_DBN SET MaxMatch = " + std::string(maxMatch == "7" ? "6" : "7") +
+              Where(1, "NodeNumber", 1));
+    SaveDescription("Two");
+    DataBase db;
+    const auto entries = session::ReadNodeHistory(db, kDbn11, std::nullopt);
+    ASSERT_EQ(entries.size(), 2u);
+    const long first = entries[1].entry;
+
+    const session::RestoreResult after = session::RestoreNodeVersion(db, kDbn11, first, false);
+    EXPECT_EQ(NodeColumn("NodeDescription || '/' || MaxMatch", 1, 1), "One/" + maxMatch);
+    EXPECT_EQ(session::ReadNodeState(db, kDbn11)->details, entries[1].after->details);
+    const auto restored = session::ReadHistoryEntry(db, after.entry);
+    ASSERT_TRUE(restored.has_value());
+    EXPECT_EQ(restored->kind, "restored");
+    EXPECT_EQ(Fields(*restored), (std::vector<std::string>{"NodeDescription", "MaxMatch"}));
+    EXPECT_TRUE(after.missing.empty());
+
+    session::RestoreNodeVersion(db, kDbn11, first, true);
+    EXPECT_EQ(NodeColumn("NodeDescription", 1, 1), "Staff directory");
+    EXPECT_EQ(session::ReadNodeHistory(db, kDbn11, std::nullopt).size(), 4u);
+}
+
+TEST_F(NodeHistory, RestoreRefusesOtherNodesAndUnknownEntries) {
+    SaveDescription("One");
+    DataBase db;
+    const long entry = session::LastHistoryEntry(db);
+    const std::string before = NodeColumn("NodeDescription", 1, 1);
+    struct Case {
+        NodeKey key;
+        long entry;
+        bool before;
+        const char* says;
+    };
+    const std::vector<Case> cases{
+        {{1, 1, 15, 2}, entry, false, "is not of DBN 2"},
+        {{1, 1, 15, 1}, entry + 5, false, "There is no history entry"},
+        {{1, 1, 0, 1}, entry, false, "Only dial-by-name nodes can be restored."},
+    };
+    for (const Case& c : cases) {
+        const ComponentError refused =
+            ErrorOf([&] { session::RestoreNodeVersion(db, c.key, c.entry, c.before); });
+        EXPECT_NE(refused.Description().find(c.says), std::string::npos) << refused.Description();
+        EXPECT_NE(refused.Description().find("Nothing was restored."), std::string::npos);
+    }
+    EXPECT_EQ(NodeColumn("NodeDescription", 1, 1), before);
+    EXPECT_EQ(Count("Node_History", ""), 1);
+}
+
+TEST_F(NodeHistory, RestoreNamesReferencesToNodesThatAreGone) {
+    SaveDescription("One");
+    DataBase db;
+    const long entry = session::LastHistoryEntry(db);
+    const std::string greeting = NodeColumn("GreetingNodeType || ' ' || GreetingNodeNumber", 1, 1);
+    root.Exec("DELETE FROM Node_General_Pool WHERE NodeType = '" + greeting.substr(0, 3) +
+              "' AND NodeNumber = " + greeting.substr(4));
+    const session::RestoreResult result = session::RestoreNodeVersion(db, kDbn11, entry, false);
+    EXPECT_EQ(result.missing, std::vector<std::string>{greeting});
+}
+
+}  // namespace
+}  // namespace dbn::testing
