@@ -7,8 +7,14 @@
 #include "database/database_errors.h"
 #include "error_of.h"
 #include "nodestate/state_diff.h"
+#include "session/change_watcher.h"
 #include "session/node_history.h"
 #include "session/node_restore.h"
+
+#include <poll.h>
+
+#include <chrono>
+#include <thread>
 
 namespace dbn::testing {
 namespace {
@@ -112,6 +118,32 @@ TEST_F(NodeHistory, CreatedNodesGetAnEntryWithTheCopyAsAfter) {
     const auto saved = session::ReadNodeHistory(db, kDbn11, std::nullopt);
     ASSERT_EQ(saved.size(), 1u);
     EXPECT_GT(saved[0].entry, created[0].entry);
+}
+
+// A watcher on a connection of its own hears another connection's save
+// within two seconds (the server's announcement, the file's counter), and
+// only once.
+TEST_F(NodeHistory, AWatcherHearsAnotherConnectionsSave) {
+    session::ChangeWatcher watcher(ResolveDatabaseTarget());
+    ASSERT_TRUE(watcher.Active());
+    EXPECT_TRUE(watcher.NewChanges().empty());
+    SaveDescription("Front desk");
+    std::vector<HistoryEntry> heard;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+    while (heard.empty() && std::chrono::steady_clock::now() < deadline) {
+        if (watcher.Socket() >= 0) {
+            pollfd readable{watcher.Socket(), POLLIN, 0};
+            ::poll(&readable, 1, 100);
+        } else {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+        heard = watcher.NewChanges();
+    }
+    ASSERT_EQ(heard.size(), 1u);
+    EXPECT_EQ(heard[0].kind, "saved");
+    EXPECT_EQ(heard[0].key.number, 1);
+    EXPECT_EQ(Fields(heard[0]), std::vector<std::string>{"NodeDescription"});
+    EXPECT_TRUE(watcher.NewChanges().empty());
 }
 
 TEST_F(NodeHistory, ARolledBackChangeWritesNoEntry) {
