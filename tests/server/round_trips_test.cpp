@@ -9,11 +9,11 @@
 
 #include "database/database.h"
 #include "database/database_setup.h"
-#include "form/list_rows.h"
 #include "session/apply_nodes.h"
 #include "session/directory_check.h"
 #include "session/node_list.h"
 #include "session/node_text_store.h"
+#include "support/missing_nodes.h"
 
 #include <gtest/gtest.h>
 
@@ -103,46 +103,18 @@ TEST_F(RoundTrips, StartUpNextAndApplyEachWaitAFixedNumberOfTimes) {
     EXPECT_EQ(apply, 5) << "Apply";
 }
 
-// Ten missing targets created under one "Yes to All".
+// Ten missing targets created under one "Yes to All" (the measurements'
+// ten).
 TEST_F(RoundTrips, ApplyCreatingTenNodes) {
-    struct Target {
-        const char* code;
-        int typeID;
-        int number;
-    };
-    const Target targets[] = {{"MSG", 0, 50},  {"LIST", 8, 15}, {"MSG", 0, 51}, {"VOX", 7, 8},
-                              {"XFER", 4, 40}, {"MSG", 0, 52},  {"CMD", 1, 15}, {"TIME", 2, 15},
-                              {"DTMF", 6, 25}, {"AUTO", 9, 25}};
     const long apply = CountWhileShown([&](form::GUI& gui) {
-        const std::vector<std::pair<form::ListControl*, form::ListControl*>> pickers = {
-            {&gui.cmbGreetingNode, &gui.cmbGreetingNumber},
-            {&gui.cmbFirstMatchPrompt, &gui.cmbFirstMatchPromptNumber},
-            {&gui.cmbSecondMatchPrompt, &gui.cmbSecondMatchPromptNumber},
-            {&gui.cmbTimeoutNode, &gui.cmbTimeoutNumber},
-            {&gui.cmbInvalidNode, &gui.cmbInvalidNumber},
-            {&gui.cmbExitPromptNode, &gui.cmbExitPromptNumber}};
-        std::size_t next = 0;
-        for (const auto& [node, number] : pickers) {
-            node->SetText(targets[next].code);
-            number->SetText(std::to_string(targets[next].number));
-            ++next;
-        }
-        for (int row = 0; next < std::size(targets); ++row, ++next) {
-            form::ListItem& item = gui.LVActions.ItemAt(row);
-            const Target& target = targets[next];
-            item.SetSubItem(form::list_rows::kCommandNode,
-                            std::string(target.code) + " " + std::to_string(target.number));
-            item.SetSubItem(form::list_rows::kNodeName, target.code);
-            item.SetSubItem(form::list_rows::kNodeTypeID, std::to_string(target.typeID));
-            item.SetSubItem(form::list_rows::kNodeNumber, std::to_string(target.number));
-        }
+        bench::PointAtMissingNodes(gui);
         services.confirmAnswers = {form::kConfirmYesToAll};
         relay_->ResetCounts();
         gui.cmdApply_Click();
         EXPECT_FALSE(gui.cmdApply.Enabled());
     });
     std::string created = "SELECT count(*) FROM Node_General_Pool WHERE PartID = 1 AND (false";
-    for (const Target& target : targets) {
+    for (const bench::MissingNode& target : bench::MissingNodes()) {
         created += " OR (NodeTypeID = " + std::to_string(target.typeID) +
                    " AND NodeNumber = " + std::to_string(target.number) + ")";
     }
