@@ -1,7 +1,7 @@
 // Whole processes: the editor's window shown and captured offscreen beside an
 // empty dialog of the same size; the editor's first painted frame beside an
 // empty dialog's and a same-widgets dialog's; and the peak memory of a scripted run that
-// opens the large partition.
+// opens the large partition; and `history` of a node with 10,000 entries.
 #include "support/bench_data.h"
 #include "support/child_process.h"
 #include "support/editor_run.h"
@@ -127,6 +127,40 @@ void PlayMemory(benchmark::State& state, BenchDataRoot& (*root)(), std::int16_t 
     }
 }
 
+// A demo database whose DBN 1 has 10,000 history entries: one save by
+// play, repeated by SQL.
+BenchDataRoot& HistoryRoot() {
+    static BenchDataRoot root(BenchDataRoot::Content::Demo);
+    static const bool filled = [] {
+        const std::string script = root.Root() + "/save.play";
+        std::ofstream(script)
+            << "open 1 1 1\ntype txtDescription \"Front desk\"\nclick cmdApply\nclick cmdOK\n";
+        RunOrThrow({DBN_EDITOR_PATH, "play", "--data-root", root.Root(), script}, kOffscreen);
+        ExecSql(root.DatabasePath(),
+                "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 9999) "
+                "INSERT INTO Node_History SELECT EntryID + i, ConfigID, PartID, NodeTypeID, "
+                "NodeNumber, NodeType, ChangedAt, OsUser, Host, DbUser, Program, Kind, "
+                "StateBefore, StateAfter FROM Node_History, n");
+        if (QueryNumber(root.DatabasePath(), "SELECT count(*) FROM Node_History") != 10000) {
+            throw std::runtime_error("the history was not filled");
+        }
+        return true;
+    }();
+    (void)filled;
+    return root;
+}
+
+// `history` of that node, whole process, beside the same command for a node
+// without entries.
+void History(benchmark::State& state, const char* node) {
+    try {
+        TimeRuns(state,
+                 {DBN_EDITOR_PATH, "history", "--data-root", HistoryRoot().Root(), "1", "1", node});
+    } catch (const std::exception& error) {
+        state.SkipWithError(error.what());
+    }
+}
+
 void Register(const char* name, const std::function<void(benchmark::State&)>& measure) {
     benchmark::RegisterBenchmark(name, measure)
         ->UseManualTime()
@@ -151,6 +185,8 @@ int main(int argc, char** argv) {
     Register("memory/play-large",
              [](benchmark::State& s) { PlayMemory(s, LargeRoot, kLargePartition); });
     Register("memory/play-demo", [](benchmark::State& s) { PlayMemory(s, DemoRoot, 1); });
+    Register("history/10000", [](benchmark::State& s) { History(s, "1"); });
+    Register("history/10000/floor", [](benchmark::State& s) { History(s, "2"); });
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

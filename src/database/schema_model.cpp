@@ -86,7 +86,9 @@ std::vector<SchemaTable> ParseSchema(const std::string& sql) {
 }
 
 std::string PostgresName(const std::string& name) {
-    return "\"" + Lowered(name) + "\"";
+    std::string quoted = "\"";
+    quoted += Lowered(name);
+    return quoted + "\"";
 }
 
 }  // namespace

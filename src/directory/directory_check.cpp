@@ -254,7 +254,7 @@ std::string DisplayName(const DirectoryName& name) {
     if (!name.lastName.empty()) {
         text += (text.empty() ? "" : " ") + name.lastName;
     }
-    return text.empty() ? "#" + std::to_string(name.sequence) : text;
+    return text.empty() ? std::string("#").append(std::to_string(name.sequence)) : text;
 }
 
 // "shared with Anna Smith, Bob Smith and 3 more".

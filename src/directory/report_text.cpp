@@ -78,7 +78,9 @@ std::string ReportText(const DirectoryReport& report) {
         line.erase(line.find_last_not_of(' ') + 1);
         text += line + "\n";
     }
-    text += "\n" + ReportSummary(report) + "\n";
+    text += '\n';
+    text += ReportSummary(report);
+    text += '\n';
     return text;
 }
 

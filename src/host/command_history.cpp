@@ -5,7 +5,6 @@
 #include "host/key_argument.h"
 #include "session/node_history.h"
 
-#include <charconv>
 #include <iostream>
 
 namespace dbn::host {
@@ -14,24 +13,11 @@ namespace {
 // The node-type ID of a code given as NODE's type (dial-by-name unless told).
 constexpr std::int16_t kDialByName = 15;
 
-std::optional<long> Limit(const CommandArgs& args) {
-    const std::optional<std::string> text = args.Value("limit");
-    if (!text) {
-        return std::nullopt;
-    }
-    long value = 0;
-    const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), value);
-    if (error != std::errc() || end != text->data() + text->size() || value < 1) {
-        throw UsageError("--limit N must be a whole number from 1 up, not \"" + *text + "\"");
-    }
-    return value;
-}
-
 int RunHistory(const CommandArgs& args) {
     const session::NodeKey key{KeyArgument("CONFIG", args.Positionals()[0]),
                                KeyArgument("PARTITION", args.Positionals()[1]), kDialByName,
                                KeyArgument("NODE", args.Positionals()[2])};
-    const std::optional<long> limit = Limit(args);
+    const std::optional<long> limit = CountOption(args, "limit");
     DataBase db;
     const std::vector<session::HistoryEntry> entries = session::ReadNodeHistory(db, key, limit);
     if (args.IsSet("json")) {

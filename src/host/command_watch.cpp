@@ -9,7 +9,6 @@
 
 #include <poll.h>
 
-#include <charconv>
 #include <chrono>
 #include <iostream>
 #include <thread>
@@ -19,19 +18,6 @@ namespace {
 
 // How often a file is asked whether another program committed a change.
 constexpr std::chrono::milliseconds kFileCheck{200};
-
-std::optional<long> Count(const CommandArgs& args) {
-    const std::optional<std::string> text = args.Value("count");
-    if (!text) {
-        return std::nullopt;
-    }
-    long value = 0;
-    const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), value);
-    if (error != std::errc() || end != text->data() + text->size() || value < 1) {
-        throw UsageError("--count N must be a whole number from 1 up, not \"" + *text + "\"");
-    }
-    return value;
-}
 
 // Waits until another program may have committed a change: the server's
 // announcement on the socket, or the file's change seen on a short timer.
@@ -54,7 +40,7 @@ int RunWatch(const CommandArgs& args) {
         where.emplace(KeyArgument("CONFIG", positionals[0]),
                       KeyArgument("PARTITION", positionals[1]));
     }
-    const std::optional<long> count = Count(args);
+    const std::optional<long> count = CountOption(args, "count");
     const bool json = args.IsSet("json");
     session::ChangeWatcher watcher(ResolveDatabaseTarget());
     if (!watcher.Active()) {

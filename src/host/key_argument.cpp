@@ -17,4 +17,18 @@ std::int16_t KeyArgument(const std::string& name, const std::string& text) {
     return value;
 }
 
+std::optional<long> CountOption(const CommandArgs& args, const std::string& option) {
+    const std::optional<std::string> text = args.Value(option);
+    if (!text) {
+        return std::nullopt;
+    }
+    long value = 0;
+    const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), value);
+    if (error != std::errc() || end != text->data() + text->size() || value < 1) {
+        throw UsageError("--" + option + " N must be a whole number from 1 up, not \"" + *text +
+                         "\"");
+    }
+    return value;
+}
+
 }  // namespace dbn::host

@@ -1,13 +1,21 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace dbn::host {
+
+class CommandArgs;
 
 // A configuration, partition or node number given on the command line: a
 // whole number from -32768 to 32767. Anything else throws UsageError naming
 // the argument: NODE must be a whole number from -32768 to 32767, not "70000".
 std::int16_t KeyArgument(const std::string& name, const std::string& text);
+
+// The value of an option such as --limit N, when given: a whole number from 1
+// up. Anything else throws UsageError: --limit N must be a whole number from 1
+// up, not "0".
+std::optional<long> CountOption(const CommandArgs& args, const std::string& option);
 
 }  // namespace dbn::host

@@ -276,8 +276,9 @@ long LastHistoryEntry(DataBase& db) {
     db.Execute("Get_Last_History_Entry");
     RowSet& rows = db.Recordset("Get_Last_History_Entry");
     RowSetCloser closer(rows);
-    const long last =
-        rows.Eof() ? 0 : static_cast<long>(std::stoll("0" + rows.Field("LastEntry").ToText()));
+    const long last = rows.Eof() ? 0
+                                 : static_cast<long>(std::stoll(
+                                       std::string("0").append(rows.Field("LastEntry").ToText())));
     rows.Close();
     return last;
 }
