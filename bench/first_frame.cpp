@@ -34,14 +34,15 @@
 
 namespace {
 
-// Runs `then` once, as soon as any window has painted.
+// Runs `then` once, as soon as any widget has painted.
 class FirstPaint : public QObject {
 public:
     explicit FirstPaint(std::function<void()> then) : then_(std::move(then)) {}
 
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (!painted_ && event->type() == QEvent::Paint && watched->isWidgetType() &&
-            static_cast<QWidget*>(watched)->isWindow()) {
+        // A window wholly covered by its children (the editor's scroll area)
+        // is never painted itself: the first widget painted counts.
+        if (!painted_ && event->type() == QEvent::Paint && watched->isWidgetType()) {
             painted_ = true;
             QTimer::singleShot(0, this, then_);
         }
