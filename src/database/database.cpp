@@ -4,10 +4,17 @@
 #include "database/database_engine.h"
 #include "database/database_errors.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace dbn {
 namespace {
+
+// A statement of this layer's own (a savepoint, a row lock) for a batch.
+BatchStep Statement(std::string doing, std::string sql) {
+    return {std::move(doing), {std::move(sql)}, BatchStep::Kind::Statement};
+}
 
 const CatalogueCommand& CommandNamed(std::string_view name) {
     const CatalogueCommand* command = FindCatalogueCommand(name);
@@ -82,14 +89,23 @@ long DataBase::Execute(std::string_view commandName, const std::vector<std::stri
         // A write may change what was read ahead.
         ForgetReadAhead();
     }
-    SendQueuedWrites();
     std::optional<BatchAnswer> kept = TakeReadAhead(command.name, args);
+    if (!kept && !queued_.empty()) {
+        // The queued steps travel with the command.
+        std::vector<BatchStep> all = std::exchange(queued_, {});
+        const std::size_t queued = all.size();
+        all.push_back({std::string(command.name), args});
+        kept = std::move(RunBatch(all, queued).back());
+    }
     DatabaseEngine& engine = Engine();
     ++executed_;
     if (observer_) {
         observer_({DataBaseStep::Execute, command.name, &args, {}});
     }
     if (kept) {
+        if (rowSet == nullptr) {
+            return kept->count;
+        }
         std::vector<std::string> columns = kept->rows.Columns();
         rowSet->Open(std::move(columns), kept->rows.TakeRows());
         return kept->count;
@@ -108,6 +124,10 @@ void DataBase::QueueWrite(BatchStep step) {
         CheckedCommand(step.command, step.args.size()).kind == CommandKind::RowReturning) {
         RaiseDatabaseError(kErrArgumentCount, "Only action commands can be queued.");
     }
+    Queue(std::move(step));
+}
+
+void DataBase::Queue(BatchStep step) {
     ForgetReadAhead();  // a write may change what was read ahead
     queued_.push_back(std::move(step));
     if (!InTransaction()) {
@@ -117,24 +137,26 @@ void DataBase::QueueWrite(BatchStep step) {
 
 void DataBase::SendQueuedWrites() {
     if (!queued_.empty()) {
-        RunBatch(std::exchange(queued_, {}));
+        std::vector<BatchStep> queued = std::exchange(queued_, {});
+        RunBatch(queued, queued.size());
     }
 }
 
 std::vector<BatchAnswer> DataBase::ExecuteBatch(const std::vector<BatchStep>& steps) {
     if (queued_.empty()) {
-        return RunBatch(steps);
+        return RunBatch(steps, steps.size());
     }
-    // The queued writes go first, in the same round trip.
+    // The queued steps go first, in the same round trip.
     std::vector<BatchStep> all = std::exchange(queued_, {});
     const auto queued = static_cast<std::ptrdiff_t>(all.size());
     all.insert(all.end(), steps.begin(), steps.end());
-    std::vector<BatchAnswer> answers = RunBatch(all);
+    std::vector<BatchAnswer> answers = RunBatch(all, all.size());
     answers.erase(answers.begin(), answers.begin() + queued);
     return answers;
 }
 
-std::vector<BatchAnswer> DataBase::RunBatch(const std::vector<BatchStep>& steps) {
+std::vector<BatchAnswer> DataBase::RunBatch(const std::vector<BatchStep>& steps,
+                                            std::size_t observed) {
     if (steps.empty()) {
         return {};
     }
@@ -143,39 +165,52 @@ std::vector<BatchAnswer> DataBase::RunBatch(const std::vector<BatchStep>& steps)
     for (const BatchStep& step : steps) {
         switch (step.kind) {
             case BatchStep::Kind::Command:
-                engineSteps.push_back({EngineStep::Kind::Command,
-                                       &CheckedCommand(step.command, step.args.size()),
-                                       &step.args});
+                engineSteps.push_back({.kind = EngineStep::Kind::Command,
+                                       .command = &CheckedCommand(step.command, step.args.size()),
+                                       .args = &step.args});
                 if (engineSteps.back().command->kind != CommandKind::RowReturning) {
                     ForgetReadAhead();  // a write may change what was read ahead
                 }
                 break;
             case BatchStep::Kind::BeginTrans:
                 ForgetReadAhead();
-                engineSteps.push_back({EngineStep::Kind::BeginWrite});
+                engineSteps.push_back({.kind = EngineStep::Kind::BeginWrite});
                 break;
             case BatchStep::Kind::CommitTrans:
                 ForgetReadAhead();
-                engineSteps.push_back({EngineStep::Kind::Commit});
+                engineSteps.push_back({.kind = EngineStep::Kind::Commit});
+                break;
+            case BatchStep::Kind::Statement:
+                ForgetReadAhead();
+                engineSteps.push_back({.kind = EngineStep::Kind::Statement,
+                                       .sql = &step.args.front(),
+                                       .doing = step.command});
                 break;
         }
     }
     DatabaseEngine& engine = Engine();
-    for (std::size_t i = 0; i < steps.size(); ++i) {
+    for (std::size_t i = 0; i < std::min(observed, steps.size()); ++i) {
         const BatchStep& step = steps[i];
-        if (step.kind == BatchStep::Kind::Command) {
-            ++executed_;
-            if (observer_) {
-                observer_({DataBaseStep::Execute, step.command, &step.args, {}});
-                // A batch's rows are read from its answers, never from the
-                // command's row set, which is left closed.
-                if (engineSteps[i].command->kind == CommandKind::RowReturning) {
-                    observer_({DataBaseStep::Close, step.command, nullptr, {}});
+        switch (step.kind) {
+            case BatchStep::Kind::Command:
+                ++executed_;
+                if (observer_) {
+                    observer_({DataBaseStep::Execute, step.command, &step.args, {}});
+                    // A batch's rows are read from its answers, never from
+                    // the command's row set, which is left closed.
+                    if (engineSteps[i].command->kind == CommandKind::RowReturning) {
+                        observer_({DataBaseStep::Close, step.command, nullptr, {}});
+                    }
                 }
-            }
-        } else {
-            Notify(step.kind == BatchStep::Kind::BeginTrans ? DataBaseStep::BeginTrans
-                                                            : DataBaseStep::CommitTrans);
+                break;
+            case BatchStep::Kind::BeginTrans:
+                Notify(DataBaseStep::BeginTrans);
+                break;
+            case BatchStep::Kind::CommitTrans:
+                Notify(DataBaseStep::CommitTrans);
+                break;
+            case BatchStep::Kind::Statement:
+                break;  // told when it was queued
         }
     }
     std::vector<CommandResult> results = engine.RunBatch(engineSteps);
@@ -201,25 +236,22 @@ std::vector<BatchAnswer> DataBase::ReadAhead(const std::vector<BatchStep>& reads
             RaiseDatabaseError(kErrArgumentCount, "Only row-returning commands can be read ahead.");
         }
     }
-    SendQueuedWrites();
-    // Reading ahead is not itself a command of the session: it is not
-    // counted or reported; each command is when its answer is taken.
-    DataBaseObserver observer = std::move(observer_);
-    observer_ = nullptr;
-    const long executed = executed_;
+    // The queued steps (only ever inside a transaction) travel first. Reading
+    // ahead is not itself a command of the session: the reads are not
+    // counted or reported; each is when its answer is taken.
+    std::vector<BatchStep> all = std::exchange(queued_, {});
+    const std::size_t queued = all.size();
+    all.insert(all.end(), reads.begin(), reads.end());
     std::vector<BatchAnswer> answers;
     try {
-        answers = ExecuteBatch(reads);
+        answers = RunBatch(all, queued);
     } catch (const std::exception&) {
-        observer_ = std::move(observer);
-        executed_ = executed;
         if (InTransaction()) {
             throw;
         }
         return {};
     }
-    observer_ = std::move(observer);
-    executed_ = executed;
+    answers.erase(answers.begin(), answers.begin() + static_cast<std::ptrdiff_t>(queued));
     for (std::size_t i = 0; i < reads.size(); ++i) {
         KeptAnswer kept{reads[i], answers[i]};
         readAhead_.push_back(std::move(kept));
@@ -292,23 +324,33 @@ void DataBase::RollbackTrans() {
 }
 
 void DataBase::BeginSavepoint() {
-    SendQueuedWrites();
-    ForgetReadAhead();
     Notify(DataBaseStep::BeginSavepoint);
-    Engine().Exec("SAVEPOINT nested", "BeginSavepoint");
+    Queue(Statement("BeginSavepoint", "SAVEPOINT nested"));
 }
 
 void DataBase::ReleaseSavepoint() {
-    SendQueuedWrites();
-    ForgetReadAhead();
     Notify(DataBaseStep::ReleaseSavepoint);
-    Engine().Exec("RELEASE nested", "ReleaseSavepoint");
+    Queue(Statement("ReleaseSavepoint", "RELEASE nested"));
 }
 
 void DataBase::RollbackToSavepoint() {
-    queued_.clear();
     ForgetReadAhead();
     Notify(DataBaseStep::RollbackToSavepoint);
+    // A savepoint not yet sent is undone by dropping it and what followed it.
+    int released = 0;
+    for (auto step = queued_.rbegin(); step != queued_.rend(); ++step) {
+        if (step->kind != BatchStep::Kind::Statement) {
+            continue;
+        }
+        if (step->command == "ReleaseSavepoint") {
+            ++released;
+        } else if (step->command == "BeginSavepoint" && released-- == 0) {
+            queued_.erase(std::next(step).base(), queued_.end());
+            return;
+        }
+    }
+    // Sent: everything queued is inside it.
+    queued_.clear();
     // Rolling back to a savepoint keeps it open; releasing it then ends it.
     Engine().Exec("ROLLBACK TO nested; RELEASE nested", "RollbackToSavepoint");
 }
@@ -324,8 +366,10 @@ std::optional<std::string> DataBase::ReadOnlyNotice() {
 }
 
 void DataBase::LockRows(const std::vector<RowLock>& locks) {
-    SendQueuedWrites();
-    Engine().LockRows(locks);
+    // The locks travel with the statements that follow them.
+    for (std::string& lock : Engine().RowLockStatements(locks)) {
+        Queue(Statement("LockRows", std::move(lock)));
+    }
 }
 
 bool DataBase::InTransaction() const noexcept {

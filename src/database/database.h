@@ -21,9 +21,11 @@ class DatabaseEngine;
 struct CatalogueCommand;
 
 // One step of a batch: a catalogue command with its arguments (bound as text
-// in order), or the start or the commit of a writing transaction.
+// in order), or the start or the commit of a writing transaction. (A
+// Statement is one of DataBase's own, a savepoint or a row lock: its name in
+// command, its text in args.)
 struct BatchStep {
-    enum class Kind { Command, BeginTrans, CommitTrans };
+    enum class Kind { Command, BeginTrans, CommitTrans, Statement };
     std::string command;
     std::vector<std::string> args;
     Kind kind = Kind::Command;
@@ -102,12 +104,15 @@ public:
     // Inside the open transaction: locks the rows matching each key against
     // every other writer until the transaction ends (any program, not only
     // this one's other connections). On the file the write transaction
-    // already holds the whole database.
+    // already holds the whole database. The locks travel with the next
+    // statements, which run once they are held.
     void LockRows(const std::vector<RowLock>& locks);
 
     // A nested unit of work inside the open transaction: rolling it back
     // undoes its own work only; releasing it keeps that work in the
-    // transaction. Nested ones end innermost first.
+    // transaction. Nested ones end innermost first. Beginning and releasing
+    // one travel with the next statements; rolling back one that has not
+    // yet travelled costs nothing.
     void BeginSavepoint();
     void ReleaseSavepoint();
     void RollbackToSavepoint();
@@ -148,9 +153,14 @@ public:
 private:
     DatabaseEngine& Engine();
     void Notify(DataBaseStep step);
-    // Sends the queued writes, in a round trip of their own.
+    // Queues a step to travel with the next ones (at once outside a
+    // transaction).
+    void Queue(BatchStep step);
+    // Sends the queued steps, in a round trip of their own.
     void SendQueuedWrites();
-    std::vector<BatchAnswer> RunBatch(const std::vector<BatchStep>& steps);
+    // Runs the steps as one batch; the first `observed` are counted and
+    // reported to the observer.
+    std::vector<BatchAnswer> RunBatch(const std::vector<BatchStep>& steps, std::size_t observed);
     const CatalogueCommand& CheckedCommand(std::string_view name, std::size_t argCount) const;
     // A copy of the kept answer of this command and arguments, if any.
     std::optional<BatchAnswer> TakeReadAhead(std::string_view command,

@@ -30,6 +30,10 @@ std::vector<CommandResult> DatabaseEngine::RunBatch(const std::vector<EngineStep
                 Exec("COMMIT", "CommitTrans");
                 results.emplace_back();
                 break;
+            case EngineStep::Kind::Statement:
+                Exec(*step.sql, step.doing);
+                results.emplace_back();
+                break;
         }
     }
     return results;

@@ -33,10 +33,14 @@ struct CommandResult {
 // One step of a batch as the engine runs it: a catalogue command with its
 // arguments, or the start or the commit of a writing transaction.
 struct EngineStep {
-    enum class Kind { Command, BeginWrite, Commit };
+    // A Statement is a text of the database layer's own (a savepoint, a row
+    // lock), run as it stands; doing names it in errors.
+    enum class Kind { Command, BeginWrite, Commit, Statement };
     Kind kind = Kind::Command;
     const CatalogueCommand* command = nullptr;
     const std::vector<std::string>* args = nullptr;
+    const std::string* sql = nullptr;
+    std::string_view doing{};
 };
 
 class DatabaseEngine {
@@ -63,7 +67,10 @@ public:
     // that match each lock's key (waiting for another transaction that holds
     // them, up to the lock time-out), so that what is read next is the last
     // committed state and stays so until the transaction ends.
-    virtual void LockRows(const std::vector<RowLock>& locks) = 0;
+    // The statements that lock the rows matching each key until the
+    // transaction ends, one a table; none where the write transaction holds
+    // the whole database already.
+    virtual std::vector<std::string> RowLockStatements(const std::vector<RowLock>& locks) = 0;
     // How long a statement waits for a lock held by another connection.
     virtual void SetLockTimeout(std::chrono::milliseconds timeout) = 0;
     // Called again and again (every few tens of milliseconds) while a

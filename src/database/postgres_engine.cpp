@@ -151,7 +151,7 @@ public:
         const PGTransactionStatusType status = PQtransactionStatus(conn_.get());
         return status == PQTRANS_INTRANS || status == PQTRANS_INERROR || status == PQTRANS_ACTIVE;
     }
-    void LockRows(const std::vector<RowLock>& locks) override;
+    std::vector<std::string> RowLockStatements(const std::vector<RowLock>& locks) override;
     std::optional<std::string> ReadOnlyUser() override;
     void SetLockTimeout(std::chrono::milliseconds timeout) override;
     void SetWaitHandler(std::function<void()> handler) override {
@@ -398,7 +398,9 @@ Result PostgresEngine::Checked(PGresult* raw, std::string_view doing) const {
 CommandResult PostgresEngine::Run(const CatalogueCommand& command,
                                   const std::vector<std::string>& args) {
     // A statement not yet prepared is prepared in the same round trip.
-    return std::move(RunBatch({{EngineStep::Kind::Command, &command, &args}}).front());
+    return std::move(
+        RunBatch({{.kind = EngineStep::Kind::Command, .command = &command, .args = &args}})
+            .front());
 }
 
 void PostgresEngine::Exec(const std::string& sql, std::string_view doing) {
@@ -492,6 +494,11 @@ int PostgresEngine::SendStep(const EngineStep& step) {
                        : -1;
         case EngineStep::Kind::Commit:
             return PQsendQueryParams(conn, "COMMIT", 0, nullptr, nullptr, nullptr, nullptr, 0) != 0
+                       ? 1
+                       : -1;
+        case EngineStep::Kind::Statement:
+            return PQsendQueryParams(conn, step.sql->c_str(), 0, nullptr, nullptr, nullptr, nullptr,
+                                     0) != 0
                        ? 1
                        : -1;
         case EngineStep::Kind::Command:
@@ -609,7 +616,8 @@ std::vector<CommandResult> PostgresEngine::RunBatchOnce(const std::vector<Engine
                     failedDoing = step.kind == EngineStep::Kind::Command
                                       ? std::string(step.command->name)
                                   : step.kind == EngineStep::Kind::BeginWrite ? "BeginTrans"
-                                                                              : "CommitTrans";
+                                  : step.kind == EngineStep::Kind::Commit     ? "CommitTrans"
+                                                                          : std::string(step.doing);
                 }
                 continue;
             }
@@ -705,21 +713,20 @@ std::optional<std::string> PostgresEngine::ReadOnlyUser() {
     return *readOnly_;
 }
 
-void PostgresEngine::LockRows(const std::vector<RowLock>& locks) {
-    // One round trip: a SELECT ... FOR UPDATE a table, as one text. The
-    // values are whole numbers, written as such.
-    std::string sql;
+std::vector<std::string> PostgresEngine::RowLockStatements(const std::vector<RowLock>& locks) {
+    // A SELECT ... FOR UPDATE a table. The values are whole numbers, written
+    // as such.
+    std::vector<std::string> statements;
     for (const RowLock& lock : locks) {
         std::string where;
         for (const auto& [column, value] : lock.key) {
             where += (where.empty() ? " WHERE " : " AND ") + Quoted(Lowered(column)) + " = " +
                      std::to_string(value);
         }
-        sql += "SELECT 1 FROM " + Quoted(Lowered(lock.table)) + where + " FOR UPDATE;";
+        statements.push_back("SELECT 1 FROM " + Quoted(Lowered(lock.table)) + where +
+                             " FOR UPDATE");
     }
-    if (!sql.empty()) {
-        Exec(sql, "LockRows");
-    }
+    return statements;
 }
 
 void PostgresEngine::SetLockTimeout(std::chrono::milliseconds timeout) {

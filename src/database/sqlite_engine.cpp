@@ -100,7 +100,9 @@ public:
     bool InTransaction() const override { return sqlite3_get_autocommit(db_.get()) == 0; }
     // The write transaction (BEGIN IMMEDIATE) already keeps every other
     // writer of the file out.
-    void LockRows(const std::vector<RowLock>&) override {}
+    std::vector<std::string> RowLockStatements(const std::vector<RowLock>&) override {
+        return {};
+    }
     std::optional<std::string> ReadOnlyUser() override {
         // The file opened for reading only, or a folder where the journal
         // of a write cannot be made.

@@ -403,12 +403,16 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
         return result;
     }
     TransactionScope transaction(db);
+    // The new nodes are copied from the template in one batch; each one's
+    // history row is the one its write adds.
+    std::vector<TemplateCopy> newNodes;
     for (const PlannedNode& plan : planned) {
         if (plan.outcome == NodeOutcome::Created) {
-            // Its history row is the one its write adds.
-            CopyTemplateNode(db, config, partition, "0", std::to_string(plan.node.number), kDbnType,
-                             false);
+            newNodes.push_back({"0", std::to_string(plan.node.number), kDbnType});
         }
+    }
+    if (!newNodes.empty()) {
+        CopyTemplateNodes(db, config, partition, newNodes, false);
     }
     // Every node's statements in one batch, whatever the number of nodes.
     std::vector<NodeWrite> nodeWrites;

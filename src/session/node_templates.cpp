@@ -165,48 +165,70 @@ bool CanCopyNodeType(std::string_view typeID) {
 bool CopyTemplateNode(DataBase& db, std::int16_t config, std::int16_t partition,
                       const std::string& templateNumber, const std::string& newNumber,
                       std::string typeID, bool recordCreation) {
-    const CopyPlan* plan = FindCopyPlan(typeID);
-    if (plan == nullptr) {
-        return false;
-    }
+    return CopyTemplateNodes(db, config, partition,
+                             {{templateNumber, newNumber, std::move(typeID)}}, recordCreation)
+        .front();
+}
+
+std::vector<bool> CopyTemplateNodes(DataBase& db, std::int16_t config, std::int16_t partition,
+                                    const std::vector<TemplateCopy>& copies, bool recordCreation) {
     const std::string configText = std::to_string(config);
     const std::string partitionText = std::to_string(partition);
-    // The node row, its detail rows and its pool row travel as one batch.
-    // Its first command copies the node row; when the template has none the
-    // caller's unit of work undoes the rest.
+    const bool history = recordCreation && db.KeepsHistory();
+    // Where each copy's answers start in the batch, which of them tells
+    // whether the node row was copied, and the created node's key when its
+    // state is read back for the history row.
+    struct Placed {
+        const CopyPlan* plan = nullptr;
+        std::size_t nodeRow = 0;
+        std::size_t stateAt = 0;
+        std::optional<NodeKey> created;
+    };
+    std::vector<Placed> placed;
     std::vector<BatchStep> batch;
-    if (plan->message) {
-        typeID = kMessageTypeID;
-        batch.push_back({"Duplicate_MSG_NODE",
-                         {newNumber, SoundFileName(partition, newNumber), configText, partitionText,
-                          templateNumber}});
-    }
-    for (const char* command : plan->commands) {
-        batch.push_back({command, {newNumber, configText, partitionText, templateNumber}});
-    }
-    batch.push_back({"Duplicate_Node_In_General_Pool",
-                     {newNumber, CurrentModificationTime(), configText, partitionText,
-                      templateNumber, typeID}});
-    // The copied state, for the history row, is read in the same batch.
-    const std::optional<NodeKey> created = recordCreation && db.KeepsHistory()
-                                               ? CreatedKey(config, partition, typeID, newNumber)
-                                               : std::nullopt;
-    const std::size_t stateAt = batch.size();
-    if (created) {
-        for (BatchStep& read : NodeStateReads(*created)) {
-            batch.push_back(std::move(read));
+    for (const TemplateCopy& copy : copies) {
+        Placed& at = placed.emplace_back();
+        at.plan = FindCopyPlan(copy.typeID);
+        if (at.plan == nullptr) {
+            continue;
+        }
+        const std::string typeID = at.plan->message ? kMessageTypeID : copy.typeID;
+        // Its first command copies the node row.
+        at.nodeRow = batch.size() + (at.plan->message && !at.plan->commands.empty() ? 1 : 0);
+        if (at.plan->message) {
+            batch.push_back({"Duplicate_MSG_NODE",
+                             {copy.newNumber, SoundFileName(partition, copy.newNumber), configText,
+                              partitionText, copy.templateNumber}});
+        }
+        for (const char* command : at.plan->commands) {
+            batch.push_back(
+                {command, {copy.newNumber, configText, partitionText, copy.templateNumber}});
+        }
+        batch.push_back({"Duplicate_Node_In_General_Pool",
+                         {copy.newNumber, CurrentModificationTime(), configText, partitionText,
+                          copy.templateNumber, typeID}});
+        // The copied state, for the history row, is read in the same batch.
+        if (history) {
+            at.created = CreatedKey(config, partition, typeID, copy.newNumber);
+        }
+        at.stateAt = batch.size();
+        if (at.created) {
+            for (BatchStep& read : NodeStateReads(*at.created)) {
+                batch.push_back(std::move(read));
+            }
         }
     }
     std::vector<BatchAnswer> answers = db.ExecuteBatch(batch);
-    // A template without a node row in its type's table creates nothing.
-    const std::size_t nodeRow = plan->message && !plan->commands.empty() ? 1 : 0;
-    if (answers[nodeRow].count == 0) {
-        return false;
+    std::vector<bool> made;
+    for (const Placed& at : placed) {
+        // A template without a node row in its type's table creates nothing.
+        made.push_back(at.plan != nullptr && answers[at.nodeRow].count != 0);
+        if (made.back() && at.created) {
+            RecordCreatedNode(db, *at.created,
+                              NodeStateOf(*at.created, answers.data() + at.stateAt));
+        }
     }
-    if (created) {
-        RecordCreatedNode(db, *created, NodeStateOf(*created, answers.data() + stateAt));
-    }
-    return true;
+    return made;
 }
 
 }  // namespace dbn::session

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace dbn {
 
@@ -46,13 +47,25 @@ bool CanCopyNodeType(std::string_view typeID);
 
 // Copies node templateNumber of the type to newNumber: the node row, its
 // detail rows and its pool row, inside the caller's transaction. A message
-// node gets its own sound-file name. Answers false, having written no pool
-// row, for an unknown type or a template without a node row in its type's
-// table; the caller then rolls its transaction back. Adds a `created`
-// history row unless told not to.
+// node gets its own sound-file name. Answers false for an unknown type
+// (nothing written) or a template without a node row in its type's table
+// (then the caller undoes the rest of the copy). Adds a `created` history
+// row unless told not to.
 bool CopyTemplateNode(DataBase& db, std::int16_t config, std::int16_t partition,
                       const std::string& templateNumber, const std::string& newNumber,
                       std::string typeID, bool recordCreation = true);
+
+// Several such copies in one batch, in order: for each, whether it created
+// its node. A failing copy fails the batch, and with it the caller's unit of
+// work.
+struct TemplateCopy {
+    std::string templateNumber;
+    std::string newNumber;
+    std::string typeID;
+};
+std::vector<bool> CopyTemplateNodes(DataBase& db, std::int16_t config, std::int16_t partition,
+                                    const std::vector<TemplateCopy>& copies,
+                                    bool recordCreation = true);
 
 }  // namespace session
 }  // namespace dbn

@@ -15,9 +15,12 @@
 #include "session/read_ahead.h"
 #include "session/transaction_scope.h"
 
+#include <algorithm>
 #include <exception>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace dbn {
 
@@ -208,6 +211,66 @@ void Business_Rules::CheckForUnReferencedNodes() {
             return found[static_cast<std::size_t>(2 * row + (templateNode ? 1 : 0))].count > 0;
         };
 
+        // The nodes agreed to since the operator was last asked or told
+        // anything are created together, in one batch, before the next
+        // word. When one of them cannot be made, they are made again one
+        // after another, each in a unit of work of its own, so that each
+        // failure is told in turn and the nodes before it are kept.
+        struct AgreedCopy {
+            std::size_t row;
+            std::string key;
+            std::string typeID;
+            std::string number;
+        };
+        std::vector<AgreedCopy> agreed;
+        auto createAgreed = [&] {
+            if (agreed.empty()) {
+                return;
+            }
+            const std::vector<AgreedCopy> batch = std::exchange(agreed, {});
+            std::vector<session::TemplateCopy> templateCopies;
+            for (const AgreedCopy& copy : batch) {
+                templateCopies.push_back({kTemplateNumber, copy.number, copy.typeID});
+            }
+            copies.Join();
+            bool whole = false;
+            db_.BeginSavepoint();
+            try {
+                const std::vector<bool> made = session::CopyTemplateNodes(
+                    db_, gui.ConfigID(), gui.PartitionID(), templateCopies);
+                whole = std::find(made.begin(), made.end(), false) == made.end();
+            } catch (const ComponentError&) {
+                // Made again one by one below, where the failure is told.
+            }
+            if (whole) {
+                db_.ReleaseSavepoint();
+                for (const AgreedCopy& copy : batch) {
+                    referenceFound_[copy.row] = true;
+                    gui.StatusBar1.SetPanelText(copy.key + " is created.");
+                }
+                return;
+            }
+            db_.RollbackToSavepoint();
+            for (const AgreedCopy& copy : batch) {
+                copies.Join();
+                if (AutoCreateNode(kTemplateNumber, copy.number, copy.typeID)) {
+                    referenceFound_[copy.row] = true;
+                    gui.StatusBar1.SetPanelText(copy.key + " is created.");
+                } else {
+                    copies.Commit();
+                    gui.ShowInformation(
+                        copy.key +
+                        " could not be created: there is no template node 0 of its type.");
+                }
+            }
+        };
+        // Before the operator is asked or told anything: the agreed nodes
+        // are created and committed.
+        auto beforeWord = [&] {
+            createAgreed();
+            copies.Commit();
+        };
+
         long answer = 0;
         referenceFound_.assign(static_cast<std::size_t>(gui.lstNodeTypeName.ListCount()), false);
         for (int i = 0; i < gui.lstNodeTypeName.ListCount(); ++i) {
@@ -221,7 +284,7 @@ void Business_Rules::CheckForUnReferencedNodes() {
             // Numbers above the partition's limit for the type cannot be made.
             if (const std::optional<long> limit = LimitOf(gui, typeID);
                 limit && session::WholeNumber(number).value_or(0) > *limit) {
-                copies.Commit();
+                beforeWord();
                 const std::string code =
                     gui.NodeNameCollection().Item(session::LookedUpTypeID(typeID));
                 gui.ShowInformation(key + " could not be created: the partition allows " + code +
@@ -229,31 +292,22 @@ void Business_Rules::CheckForUnReferencedNodes() {
                 continue;
             }
             if (answer != form::kConfirmYesToAll) {
-                copies.Commit();
+                beforeWord();
                 services_.SetBusyCursor(false);
                 answer = dialog->Show(1, MissingNodeQuestion(key), 1, 7, "Confirmation");
                 services_.SetBusyCursor(true);
             }
             if (answer == form::kConfirmYes || answer == form::kConfirmYesToAll) {
                 if (!session::CanCopyNodeType(typeID)) {
-                    copies.Commit();
+                    beforeWord();
                     gui.ShowInformation(key +
                                         " could not be created: its type cannot be created here.");
                 } else if (!exists(i, true)) {
-                    copies.Commit();
+                    beforeWord();
                     gui.ShowInformation(
                         key + " could not be created: there is no template node 0 of its type.");
                 } else {
-                    copies.Join();
-                    if (AutoCreateNode(kTemplateNumber, number, typeID)) {
-                        referenceFound_[static_cast<std::size_t>(i)] = true;
-                        gui.StatusBar1.SetPanelText(key + " is created.");
-                    } else {
-                        copies.Commit();
-                        gui.ShowInformation(
-                            key +
-                            " could not be created: there is no template node 0 of its type.");
-                    }
+                    agreed.push_back({static_cast<std::size_t>(i), key, typeID, number});
                 }
             } else if (answer == form::kConfirmCancel) {
                 // The save that asked stops too; the nodes created so far stay.
@@ -263,6 +317,7 @@ void Business_Rules::CheckForUnReferencedNodes() {
                 break;
             }
         }
+        createAgreed();
     };
     // A failure of the database (not of the form's own state) stops the save
     // that runs the check.

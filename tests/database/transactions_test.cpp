@@ -1,6 +1,7 @@
 // Transactions, savepoints and changed-row counts, and the observer that
 // reports a connection's work step by step.
 
+#include "core/component_error.h"
 #include "database/database.h"
 #include "temp_database.h"
 
@@ -78,6 +79,43 @@ TEST_F(Transactions, RollbackAndSavepointsUndoTheirWorkAndCommandsAnswerRowsChan
     EXPECT_EQ(db_.Execute("Delete_DBN_PromptsNode", {"1", "1", "2"}), 0);
     EXPECT_EQ(Prompts(), 0);
     EXPECT_EQ(Label(19, "nobody"), 0);
+}
+
+// A queued write travels with the next statements: it lands with the
+// commit, goes with a savepoint rolled back (sent or not), runs at once
+// outside a transaction, and fails as its own command.
+TEST_F(Transactions, QueuedWritesTravelWithTheNextStatementsAndGoWithTheirRollback) {
+    auto queueLabel = [&](int number, const std::string& text) {
+        db_.QueueWrite({"Update_Node_General_Pool",
+                        {text, "2001-01-01 00:00:00", "1", "1", "0", std::to_string(number)}});
+    };
+    const std::string before = Labels();
+    db_.BeginTrans();
+    queueLabel(1, "committed");
+    db_.BeginSavepoint();
+    queueLabel(2, "never sent");
+    db_.RollbackToSavepoint();
+    db_.BeginSavepoint();
+    Label(3, "sent");
+    queueLabel(4, "queued after");
+    db_.RollbackToSavepoint();
+    db_.CommitTrans();
+    EXPECT_EQ(Labels(), "committed" + before.substr(before.find('/')));
+
+    queueLabel(5, "at once");
+    EXPECT_EQ(root_.QueryText("SELECT NodeDescription FROM Node_General_Pool WHERE PartID = 1 "
+                              "AND NodeTypeID = 0 AND NodeNumber = 5"),
+              "at once");
+
+    db_.BeginTrans();
+    db_.QueueWrite({"Add_DBN_PromptsNode", {"1", "1", "1", "0", "1", "2", "MSG"}});
+    try {
+        db_.CommitTrans();
+        ADD_FAILURE() << "a queued duplicate row was committed";
+    } catch (const ComponentError&) {
+        db_.RollbackTrans();
+    }
+    EXPECT_EQ(Prompts(), 9);
 }
 
 TEST_F(Transactions, ObserverReportsCommandsReadsAndStepsUntilCleared) {
