@@ -130,7 +130,11 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                     }
                     descriptions.Read(node, "BeforePrompt");
                     descriptions.Read(node, "AfterPrompt");
-                    for (RowSet rows = prompts; !rows.Eof(); rows.MoveNext()) {
+                    // A copy, unobserved: the filling reads the rows from
+                    // the first, as a recording of the session replays them.
+                    RowSet rows = prompts;
+                    rows.SetObserver(nullptr);
+                    for (; !rows.Eof(); rows.MoveNext()) {
                         descriptions.Read(rows, "Prompt");
                     }
                 }
