@@ -146,6 +146,9 @@ void ChangeBar::Reload() {
     auto* rules = dynamic_cast<Business_Rules*>(form_.FormBusinessRules());
     if (rules != nullptr && form_.IsLoaded()) {
         rules->LoadData(form_.nodeNumber());
+        if (rules->LoadFailed()) {
+            return;  // the form is as it was, the bar too: Reload can be tried again
+        }
         form_.cmdApply.SetEnabled(false);
     }
     HideBar();

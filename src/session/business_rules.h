@@ -18,6 +18,10 @@ class GUI;
 
 namespace dbn {
 
+namespace session {
+class TargetDescriptions;
+}
+
 // The class name under which the editor is created.
 inline constexpr const char* kBusinessRulesClass = "CVL_DBN_Node.Business_Rules";
 
@@ -61,7 +65,10 @@ public:
     // ---- Loading a node ------------------------------------------------
     bool LoadData(std::int16_t nodeNumber) override;
     bool LoadFailed() const noexcept override { return loadFailed_; }
-    bool AssignCustomSettingsValues(RowSet& node, std::int16_t nodeNumber);
+    // Fills the custom settings from the node's row and prompt rows, read
+    // before with the descriptions of their targets.
+    bool AssignCustomSettingsValues(RowSet& node, RowSet& prompts,
+                                    session::TargetDescriptions& descriptions);
 
     // ---- Saving --------------------------------------------------------
     bool SaveChanges(std::int16_t nodeNumber) override;

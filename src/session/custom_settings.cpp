@@ -46,11 +46,10 @@ int MaxMatchIndex(std::int64_t maxMatch) {
 
 }  // namespace
 
-bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeNumber) {
+bool Business_Rules::AssignCustomSettingsValues(RowSet& node, RowSet& prompts,
+                                                session::TargetDescriptions& descriptions) {
     form::RunTrapped(services_, "AssignCustomSettingsValues", [&] {
         form::GUI& form = Form();
-        const std::int16_t config = form.ConfigID();
-        const std::int16_t partition = form.PartitionID();
         // Stored settings are read whole, whatever their size: one beyond
         // every list's range is shown through the fallback and told.
         auto value = [&](const char* column) { return node.Field(column).ToInt64(); };
@@ -134,20 +133,12 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeN
             const form::KeyedCollection& names = form.NodeNameCollection();
             auto addRow = [&](int position, const std::string& name,
                               const session::StoredRef& ref) {
-                const std::string description =
-                    shown
-                        ? session::LookUpDescription(db_, config, partition, ref.typeID, ref.number)
-                        : std::string();
+                const std::string description = shown ? descriptions.Of(ref) : std::string();
                 session::AddTargetRow(list, position, name, ref, description, names);
             };
             addRow(1, "Before Names", session::ReadRef(node, "BeforePrompt"));
             addRow(2, "After Names", session::ReadRef(node, "AfterPrompt"));
 
-            db_.Execute("Get_DBN_PromptsNode",
-                        {session::CommandArg(config), session::CommandArg(partition),
-                         session::CommandArg(nodeNumber)});
-            RowSet& prompts = db_.Recordset("Get_DBN_PromptsNode");
-            session::RowSetCloser closer(prompts);
             // At most Max Matches name rows (every stored row for a stored
             // MaxMatch of 0 or below); the rest are set aside, unlooked-up.
             const int listed =
@@ -165,7 +156,6 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, std::int16_t nodeN
                     addRow(position, name, ref);
                 }
             }
-            prompts.Close();
         }
 
         ShowTarget(form, rangeNotes_, node, "ConfirmationExit", form.cmbExitPromptNode,

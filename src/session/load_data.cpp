@@ -95,28 +95,53 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                 readAhead.emplace(db_);
                 session::ReadNodeAhead(db_, config, partition, nodeNumber);
             }
-            // Read first: a change made while the form is filled then shows
-            // as a change at the next save rather than being overwritten. A
-            // node whose rows cannot be read is shown as far as it loads; its
-            // save reads them again and stops there. A database that cannot
-            // be used at all stops the load here, before the form changes.
+            // Everything the form will show is read before it changes: a read
+            // that fails (the connection lost between two batches, a table
+            // gone) stops the load with the form as it was.
             std::optional<std::string> stored;
-            try {
-                stored = session::ReadStoredState(db_, config, partition, nodeNumber);
-            } catch (const ComponentError& error) {
-                if (IsDatabaseUnavailable(error.Number())) {
-                    loadFailed_ = true;
-                    throw;
-                }
-                stored.reset();
-            }
-
-            db_.Execute(
-                "Get_DBN_Node",
-                {session::CommandArg(config), session::CommandArg(partition),
-                 session::CommandArg(nodeNumber), session::CommandArg(node_type::kDialByName)});
             RowSet& node = db_.Recordset("Get_DBN_Node");
-            session::RowSetCloser closer(node);
+            RowSet& prompts = db_.Recordset("Get_DBN_PromptsNode");
+            session::RowSetCloser nodeCloser(node);
+            session::RowSetCloser promptsCloser(prompts);
+            session::TargetDescriptions descriptions(db_, config, partition);
+            try {
+                // The stored state first: a change made while the form is
+                // filled then shows as a change at the next save rather than
+                // being overwritten. A node whose rows cannot be read is shown
+                // as far as it loads; its save reads them again and stops there.
+                try {
+                    stored = session::ReadStoredState(db_, config, partition, nodeNumber);
+                } catch (const ComponentError& error) {
+                    if (IsDatabaseUnavailable(error.Number())) {
+                        throw;
+                    }
+                    stored.reset();
+                }
+                db_.Execute(
+                    "Get_DBN_Node",
+                    {session::CommandArg(config), session::CommandArg(partition),
+                     session::CommandArg(nodeNumber), session::CommandArg(node_type::kDialByName)});
+                if (!node.Eof()) {
+                    db_.Execute("Get_DBN_PromptsNode",
+                                {session::CommandArg(config), session::CommandArg(partition),
+                                 session::CommandArg(nodeNumber)});
+                    for (const ActionRow& row : kActionRows) {
+                        descriptions.Read(node, row.role);
+                    }
+                    descriptions.Read(node, "BeforePrompt");
+                    descriptions.Read(node, "AfterPrompt");
+                    // A copy, unobserved: the filling reads the rows from
+                    // the first, as a recording of the session replays them.
+                    RowSet rows = prompts;
+                    rows.SetObserver(nullptr);
+                    for (; !rows.Eof(); rows.MoveNext()) {
+                        descriptions.Read(rows, "Prompt");
+                    }
+                }
+            } catch (...) {
+                loadFailed_ = true;
+                throw;
+            }
             if (!node.Eof()) {
                 form.Loaded = {};
                 // Keyed in lower case: the server names its columns so.
@@ -153,10 +178,8 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                 form.ClearListItems(form.LVActions);
                 for (std::size_t i = 0; i < kActionRows.size(); ++i) {
                     const session::StoredRef ref = session::ReadRef(node, kActionRows[i].role);
-                    const std::string description =
-                        session::LookUpDescription(db_, config, partition, ref.typeID, ref.number);
                     session::AddTargetRow(form.LVActions, static_cast<int>(i) + 1,
-                                          kActionRows[i].name, ref, description,
+                                          kActionRows[i].name, ref, descriptions.Of(ref),
                                           form.NodeNameCollection());
                 }
                 found = true;
@@ -180,7 +203,7 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                     }
                 }
 
-                AssignCustomSettingsValues(node, nodeNumber);
+                AssignCustomSettingsValues(node, prompts, descriptions);
                 form.RememberShownLabels();
                 form.StoredState = std::move(stored);
             } else {

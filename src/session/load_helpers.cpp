@@ -37,6 +37,27 @@ std::string LookUpDescription(DataBase& db, std::int16_t configID, std::int16_t 
     return rows.Field("NodeDescription").ToText();
 }
 
+void TargetDescriptions::Read(const RowSet& rows, const std::string& role) {
+    StoredRef ref;
+    try {
+        ref = ReadRef(rows, role);
+    } catch (const ComponentError&) {
+        return;
+    }
+    const std::pair key{ref.typeID, ref.number};
+    if (!read_.contains(key)) {
+        read_[key] = LookUpDescription(db_, configID_, partitionID_, ref.typeID, ref.number);
+    }
+}
+
+std::string TargetDescriptions::Of(const StoredRef& ref) {
+    const auto found = read_.find({ref.typeID, ref.number});
+    if (found != read_.end()) {
+        return found->second;
+    }
+    return LookUpDescription(db_, configID_, partitionID_, ref.typeID, ref.number);
+}
+
 form::list_rows::RowCells TargetCells(const std::string& name, const StoredRef& ref,
                                       const std::string& description,
                                       const form::KeyedCollection& nodeNames) {

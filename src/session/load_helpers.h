@@ -13,6 +13,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,6 +41,25 @@ std::string TargetText(const StoredRef& ref);
 // none or it is Null), through Get_Description.
 std::string LookUpDescription(DataBase& db, std::int16_t configID, std::int16_t partitionID,
                               std::int16_t typeID, std::int16_t number);
+
+// The descriptions of the targets a load shows, read before the load
+// changes the form, so that a read that fails leaves the form as it was.
+class TargetDescriptions {
+public:
+    TargetDescriptions(DataBase& db, std::int16_t configID, std::int16_t partitionID)
+        : db_(db), configID_(configID), partitionID_(partitionID) {}
+    // Reads the description of the current row's `role` target. A reference
+    // that does not read is left to the filling, which reports it in its place.
+    void Read(const RowSet& rows, const std::string& role);
+    // The description read for ref (looked up now when it was not read).
+    std::string Of(const StoredRef& ref);
+
+private:
+    DataBase& db_;
+    std::int16_t configID_;
+    std::int16_t partitionID_;
+    std::map<std::pair<std::int16_t, std::int16_t>, std::string> read_;
+};
 
 // Adds row `position` (key "<position>a", text "<position>") with its six
 // cells: name, target, description, type name, type ID, number.

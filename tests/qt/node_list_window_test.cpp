@@ -10,11 +10,15 @@
 #include "qt/node_list_window.h"
 
 #include <QAction>
+#include <QFile>
+#include <QFileDialog>
 #include <QInputDialog>
 #include <QLabel>
 #include <QMenuBar>
 #include <QTableWidget>
 #include <QTimer>
+
+#include <filesystem>
 
 namespace dbn::testing {
 namespace {
@@ -297,6 +301,70 @@ TEST_F(NodeListWindowTest, AMissingDatabaseIsCreatedAsChosenOrTheOperatorQuits) 
             EXPECT_EQ(root.QueryInt("SELECT COUNT(*) FROM Node_DBN"), choice.dbnNodes);
         }
     }
+}
+
+// File > Export... and File > Apply From File..., answered at their dialogs:
+// Cancel at the file dialog does nothing; the export writes the partition's
+// nodes; the file, changed, is applied once the question is answered Yes.
+TEST_F(NodeListWindowTest, ExportAndApplyFromFileGoThroughTheirFileDialogs) {
+    auto window = MakeWindow();
+    const QString path = QString::fromStdString(
+        (std::filesystem::path(root.DatabasePath()).parent_path() / "nodes.json").string());
+    auto run = [&](const char* text, const std::function<void(QFileDialog&)>& answer) {
+        WhenModal([&](QWidget& dialog) { answer(dynamic_cast<QFileDialog&>(dialog)); });
+        for (QAction* action : window->findChildren<QAction*>()) {
+            if (action->text() == QString::fromUtf8(text)) {
+                action->trigger();
+            }
+        }
+    };
+    auto choose = [&](QFileDialog& files) {
+        files.selectFile(path);
+        static_cast<QDialog&>(files).accept();  // as its Save or Open button does
+    };
+    const std::string label =
+        "SELECT NodeDescription FROM Node_DBN WHERE PartID = 1 AND NodeNumber = 1";
+    for (const char* action : {"&Export\u2026", "A&pply From File\u2026"}) {
+        run(action, [](QFileDialog& files) { files.reject(); });
+    }
+    EXPECT_FALSE(QFile::exists(path));
+
+    run("&Export\u2026", choose);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QString text = QString::fromUtf8(file.readAll());
+    file.close();
+    EXPECT_TRUE(text.contains(QStringLiteral("\"format\": \"dbn-nodes\"")));
+    ASSERT_TRUE(text.contains(QStringLiteral("\"label\": \"Staff directory\"")));
+    text.replace(QStringLiteral("Staff directory"), QStringLiteral("Front desk"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(text.toUtf8());
+    file.close();
+
+    // No at the question writes nothing; Yes writes the one change.
+    for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
+        std::vector<std::string> told;
+        run("A&pply From File\u2026", [&](QFileDialog& files) {
+            WhenModal([&, answer](QWidget& question) {
+                auto& box = dynamic_cast<QMessageBox&>(question);
+                told.push_back(box.text().toStdString());
+                if (answer == QMessageBox::Yes) {
+                    WhenModal([&](QWidget& report) {
+                        told.push_back(dynamic_cast<QMessageBox&>(report).text().toStdString());
+                        dynamic_cast<QMessageBox&>(report).accept();
+                    });
+                }
+                box.button(answer)->click();
+            });
+            choose(files);
+        });
+        ASSERT_FALSE(told.empty());
+        EXPECT_EQ(told.front(), "Write these changes to the configuration database?");
+        EXPECT_EQ(told.size(), answer == QMessageBox::Yes ? 2u : 1u);
+        EXPECT_EQ(root.QueryText(label),
+                  answer == QMessageBox::Yes ? "Front desk" : "Staff directory");
+    }
+    EXPECT_EQ(Cell(*window, 1, 1), "Front desk");
 }
 
 }  // namespace

@@ -7,7 +7,12 @@
 #include "network_relay.h"
 #include "session/session_support.h"
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
 #include <stdlib.h>
+#include <sys/socket.h>
+#include <unistd.h>
+#include <optional>
 
 namespace dbn::testing {
 namespace {
@@ -118,6 +123,35 @@ TEST_F(ServerOutage, NavigationWithTheServerGoneLeavesTheFormAsItWas) {
     EXPECT_EQ(StoredVersion(), "Staff directory/3");
 }
 
+// Moving to the next node while the server goes at any point of the load:
+// in its first batch, inside its second, at the second's end. The form stays
+// exactly as it was, the edits and Apply included.
+TEST_F(ServerOutage, ALoadCutAnywhereLeavesTheFormExactlyAsItWas) {
+    long messages = 0;  // those of a Next that nothing disturbs
+    Open(1, 1, [&](form::GUI& gui) {
+        relay->ResetCounts();
+        gui.cmdNext_Click();
+        messages = relay->ClientMessages();
+    });
+    ASSERT_GT(messages, 2);
+    for (const long cut : {1L, messages / 2, messages}) {
+        SCOPED_TRACE("cut at message " + std::to_string(cut) + " of " + std::to_string(messages));
+        Open(1, 1, [&](form::GUI& gui) {
+            Set(gui, "txtDescription=Mine; cmbRetryLimit=5");
+            const std::string before = FormState(gui);
+            services.answers = {form::kAnswerNo};
+            relay->RefuseNewConnections(true);
+            relay->CutAtClientMessage(cut, NetworkRelay::CutPoint::BeforeForwarding);
+            gui.cmdNext_Click();
+            EXPECT_TRUE(relay->CutHappened());
+            ExpectOneLostConnectionError("Next");
+            EXPECT_EQ(FormState(gui), before);
+            ServerBack();
+        });
+    }
+    EXPECT_EQ(StoredVersion(), "Staff directory/3");
+}
+
 // A save whose connection is cut before, during and after its commit.
 TEST_F(ServerOutage, ASaveCutAnywhereLeavesTheNodeWholeAndSaysWhichCase) {
     using Cut = NetworkRelay::CutPoint;
@@ -168,6 +202,63 @@ TEST_F(ServerOutage, ASaveCutAnywhereLeavesTheNodeWholeAndSaysWhichCase) {
         gui.cmdApply_Click();
         EXPECT_TRUE(TakeBoxes().empty());
         EXPECT_FALSE(gui.cmdApply.Enabled());
+    });
+    EXPECT_EQ(StoredVersion(), "Mine/5");
+}
+
+// A host that is down: a loopback port bound but not listening, so that a
+// connection to it is refused.
+class DownHost {
+public:
+    DownHost() : fd_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        if (::bind(fd_, reinterpret_cast<sockaddr*>(&address), size) == 0 &&
+            ::getsockname(fd_, reinterpret_cast<sockaddr*>(&address), &size) == 0) {
+            port_ = ntohs(address.sin_port);
+        }
+    }
+    ~DownHost() { ::close(fd_); }
+    DownHost(const DownHost&) = delete;
+    DownHost& operator=(const DownHost&) = delete;
+    int Port() const noexcept { return port_; }
+
+private:
+    int fd_;
+    int port_ = 0;
+};
+
+// A connection string naming two hosts. The first one down: the editor opens
+// and saves on the second. Then the second goes and the first comes up: the
+// next Apply connects again, once, to the first.
+TEST_F(ServerOutage, SeveralHostsReachTheOneThatIsUp) {
+    std::optional<DownHost> down(std::in_place);
+    const int firstPort = down->Port();
+    ASSERT_NE(firstPort, 0);
+    const std::string second = "127.0.0.1:" + std::to_string(relay->Port());
+    std::string hosts = relay->RelayedUri(root.Target().location);
+    hosts.replace(hosts.find(second), second.size(),
+                  "127.0.0.1:" + std::to_string(firstPort) + "," + second);
+    hosts += "&target_session_attrs=read-write";
+    ::setenv("DBN_DATABASE", hosts.c_str(), 1);
+    std::unique_ptr<NetworkRelay> first;
+    Open(1, 1, [&](form::GUI& gui) {
+        Set(gui, "txtDescription=Mine");
+        gui.cmdApply_Click();
+        EXPECT_TRUE(TakeBoxes().empty());
+        EXPECT_FALSE(gui.cmdApply.Enabled());
+
+        ServerDown();
+        down.reset();
+        first = std::make_unique<NetworkRelay>(NetworkRelay::UpstreamOfUri(root.Target().location),
+                                               firstPort);
+        Set(gui, "cmbRetryLimit=5");
+        gui.cmdApply_Click();
+        EXPECT_TRUE(TakeBoxes().empty());
+        EXPECT_FALSE(gui.cmdApply.Enabled());
+        EXPECT_EQ(first->Connections(), 1);
     });
     EXPECT_EQ(StoredVersion(), "Mine/5");
 }

@@ -66,6 +66,32 @@ inline void Set(form::GUI& gui, const std::string& assignments) {
     }
 }
 
+// The node shown with what a save relies on, and every control's state and
+// content, as one text: two forms that give the same text look and save alike.
+inline std::string FormState(form::GUI& gui) {
+    std::string text = gui.Title() + " stored " +
+                       std::to_string(std::hash<std::string>{}(gui.StoredState.value_or(""))) +
+                       " aside " + std::to_string(gui.AsideNameRows().size()) + "\n";
+    for (const form::Control* control : gui.Controls()) {
+        text += control->Name() + (control->Visible() ? " shown" : " hidden") +
+                (control->Enabled() ? "" : " disabled");
+        if (const auto* list = dynamic_cast<const form::ListControl*>(control)) {
+            text += " [" + std::to_string(list->ListIndex()) + "] " + list->Text() + " of " +
+                    std::to_string(list->ListCount());
+        } else if (const auto* field = dynamic_cast<const form::TextField*>(control)) {
+            text += " " + field->Text();
+        } else if (const auto* label = dynamic_cast<const form::Label*>(control)) {
+            text += " " + label->Caption();
+        } else if (const auto* view = dynamic_cast<const form::ListView*>(control)) {
+            for (const std::string& row : AllCells(*view)) {
+                text += " " + row;
+            }
+        }
+        text += "\n";
+    }
+    return text;
+}
+
 inline Business_Rules& Rules(form::GUI& gui) {
     return dynamic_cast<Business_Rules&>(*gui.FormBusinessRules());
 }

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <deque>
 #include <mutex>
@@ -416,12 +417,13 @@ void AcceptLoop(NetworkRelay::Shared& shared) {
 
 }  // namespace
 
-NetworkRelay::NetworkRelay(Upstream upstream) : shared_(std::make_shared<Shared>()) {
+NetworkRelay::NetworkRelay(Upstream upstream, int port) : shared_(std::make_shared<Shared>()) {
     shared_->upstream = std::move(upstream);
     shared_->listenFd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
     socklen_t size = sizeof(address);
     if (::bind(shared_->listenFd, reinterpret_cast<sockaddr*>(&address), size) != 0 ||
         ::listen(shared_->listenFd, 64) != 0 ||

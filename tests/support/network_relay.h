@@ -40,7 +40,8 @@ public:
         AfterForwarding,
     };
 
-    explicit NetworkRelay(Upstream upstream);
+    // Listens on `port` of 127.0.0.1 (0: one the system picks).
+    explicit NetworkRelay(Upstream upstream, int port = 0);
     ~NetworkRelay();
     NetworkRelay(const NetworkRelay&) = delete;
     NetworkRelay& operator=(const NetworkRelay&) = delete;
