@@ -392,7 +392,9 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
             if (answer == form::kAnswerNo) {
                 // Drop the edits: show the node as it is stored now.
                 LoadData(nodeNumber);
-                gui.cmdApply.SetEnabled(false);
+                if (!loadFailed_) {
+                    gui.cmdApply.SetEnabled(false);
+                }
             }
             return false;
         }
