@@ -139,8 +139,8 @@ BenchDataRoot& HistoryRoot() {
         ExecSql(root.DatabasePath(),
                 "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 9999) "
                 "INSERT INTO Node_History SELECT EntryID + i, ConfigID, PartID, NodeTypeID, "
-                "NodeNumber, NodeType, ChangedAt, OsUser, Host, DbUser, Program, Kind, "
-                "StateBefore, StateAfter FROM Node_History, n");
+                "NodeNumber, NodeType, ChangedAt, OsUser, Host, DbUser, Program, Kind, Changes, "
+                "ChangeText, StateBefore, StateAfter FROM Node_History, n");
         if (QueryNumber(root.DatabasePath(), "SELECT count(*) FROM Node_History") != 10000) {
             throw std::runtime_error("the history was not filled");
         }

@@ -517,8 +517,10 @@ CREATE TABLE Detail_DIR (
 ) STRICT;
 
 -- One row per change of a node, written in the change's own transaction:
--- who, when, with which program, and the node's whole stored state before
--- and after as JSON (empty when there was none). EntryID numbers the changes
+-- who, when, with which program, what changed (as JSON, and as lines for
+-- people, so that a long history lists without reading the states), and the
+-- node's whole stored state before and after as JSON (empty when there was
+-- none). EntryID numbers the changes
 -- in the order they were committed.
 CREATE TABLE Node_History (
     EntryID     INTEGER NOT NULL,
@@ -533,6 +535,8 @@ CREATE TABLE Node_History (
     DbUser      TEXT,
     Program     TEXT,
     Kind        TEXT NOT NULL,
+    Changes     TEXT NOT NULL,
+    ChangeText  TEXT NOT NULL,
     StateBefore TEXT NOT NULL,
     StateAfter  TEXT NOT NULL,
     PRIMARY KEY (EntryID)

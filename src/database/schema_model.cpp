@@ -17,7 +17,10 @@ std::string Lowered(std::string text) {
 }
 
 bool SameName(const std::string& a, const std::string& b) {
-    return Lowered(a) == Lowered(b);
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+        return std::tolower(static_cast<unsigned char>(x)) ==
+               std::tolower(static_cast<unsigned char>(y));
+    });
 }
 
 std::string Unquoted(std::string name) {

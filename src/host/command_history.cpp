@@ -19,7 +19,7 @@ int RunHistory(const CommandArgs& args) {
                                KeyArgument("NODE", args.Positionals()[2])};
     const std::optional<long> limit = CountOption(args, "limit");
     DataBase db;
-    const std::vector<session::HistoryEntry> entries = session::ReadNodeHistory(db, key, limit);
+    const std::vector<session::HistoryEntry> entries = session::ReadNodeHistoryChanges(db, key, limit);
     if (args.IsSet("json")) {
         nodestate::Json list = nodestate::Json::array();
         for (const session::HistoryEntry& entry : entries) {

@@ -7,8 +7,7 @@ namespace dbn::host {
 void PrintHistoryEntry(std::ostream& out, const session::HistoryEntry& entry) {
     out << entry.entry << "  " << entry.time << "  " << session::WhoText(entry) << "  "
         << entry.program << "  " << entry.kind << "\n";
-    const auto changes = nodestate::Diff(entry.before, entry.after);
-    for (const std::string& line : nodestate::ChangeLines(changes, entry.before, entry.after)) {
+    for (const std::string& line : entry.changeLines) {
         out << "    " << line << "\n";
     }
 }
@@ -18,7 +17,7 @@ void PrintChangeLine(std::ostream& out, const session::HistoryEntry& entry) {
         << entry.typeCode << " " << entry.key.number << " " << session::WhoText(entry) << " "
         << entry.kind;
     std::string fields;
-    for (const nodestate::FieldChange& change : nodestate::Diff(entry.before, entry.after)) {
+    for (const nodestate::FieldChange& change : entry.changes) {
         fields += (fields.empty() ? ": " : ", ") + change.field;
     }
     out << fields << "\n";

@@ -22,7 +22,7 @@ QString Text(const std::string& text) {
 // The changed fields' names, for the entries' list.
 QString Summary(const session::HistoryEntry& entry) {
     QStringList fields;
-    for (const nodestate::FieldChange& change : nodestate::Diff(entry.before, entry.after)) {
+    for (const nodestate::FieldChange& change : entry.changes) {
         fields << Text(change.field);
     }
     return fields.isEmpty() ? QStringLiteral("no field changed")
@@ -63,7 +63,7 @@ HistoryWindow::HistoryWindow(DataBase& db, session::NodeKey key, QWidget* parent
 
 void HistoryWindow::Refresh() {
     try {
-        entries_ = session::ReadNodeHistory(db_, key_, std::nullopt);
+        entries_ = session::ReadNodeHistoryChanges(db_, key_, std::nullopt);
     } catch (const ComponentError& error) {
         entries_.clear();
         QMessageBox::warning(this, QStringLiteral("Error"), Text(error.Description()));
@@ -97,8 +97,7 @@ void HistoryWindow::ShowSelected() {
         QStringLiteral("Entry %1, %2 by %3 with %4")
             .arg(entry.entry)
             .arg(Text(entry.kind), Text(session::WhoText(entry)), Text(entry.program))};
-    const auto changes = nodestate::Diff(entry.before, entry.after);
-    for (const std::string& line : nodestate::ChangeLines(changes, entry.before, entry.after)) {
+    for (const std::string& line : entry.changeLines) {
         lines << Text(line);
     }
     changes_->setPlainText(lines.join('\n'));

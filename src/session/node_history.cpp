@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <chrono>
 #include <climits>
+#include <sstream>
 #include <cstdlib>
 #include <ctime>
 #include <mutex>
@@ -94,7 +95,17 @@ std::string UtcNow() {
     return text;
 }
 
-HistoryEntry EntryOf(RowSet& rows) {
+// The changes as history --json shows them.
+Json ChangesJson(const std::vector<nodestate::FieldChange>& changes) {
+    Json out = Json::array();
+    for (const nodestate::FieldChange& change : changes) {
+        out.push_back(
+            Json{{"field", change.field}, {"before", change.before}, {"after", change.after}});
+    }
+    return out;
+}
+
+HistoryEntry EntryOf(RowSet& rows, bool withStates) {
     HistoryEntry entry;
     entry.entry = static_cast<long>(std::stoll(rows.Field("EntryID").ToText()));
     entry.key = {rows.Field("ConfigID").ToInt16(), rows.Field("PartID").ToInt16(),
@@ -106,17 +117,27 @@ HistoryEntry EntryOf(RowSet& rows) {
     entry.dbUser = rows.Field("DbUser").ToText();
     entry.program = rows.Field("Program").ToText();
     entry.kind = rows.Field("Kind").ToText();
-    entry.before = nodestate::FromStoredJson(rows.Field("StateBefore").ToText());
-    entry.after = nodestate::FromStoredJson(rows.Field("StateAfter").ToText());
+    for (const Json& change : Json::parse(rows.Field("Changes").ToText())) {
+        entry.changes.push_back({change.at("field").get<std::string>(), change.at("before"),
+                                 change.at("after")});
+    }
+    std::stringstream lines(rows.Field("ChangeText").ToText());
+    for (std::string line; std::getline(lines, line);) {
+        entry.changeLines.push_back(line);
+    }
+    if (withStates) {
+        entry.before = nodestate::FromStoredJson(rows.Field("StateBefore").ToText());
+        entry.after = nodestate::FromStoredJson(rows.Field("StateAfter").ToText());
+    }
     return entry;
 }
 
-std::vector<HistoryEntry> Entries(DataBase& db, std::string_view command) {
+std::vector<HistoryEntry> Entries(DataBase& db, std::string_view command, bool withStates = true) {
     RowSet& rows = db.Recordset(command);
     RowSetCloser closer(rows);
     std::vector<HistoryEntry> entries;
     for (; !rows.Eof(); rows.MoveNext()) {
-        entries.push_back(EntryOf(rows));
+        entries.push_back(EntryOf(rows, withStates));
     }
     rows.Close();
     return entries;
@@ -233,6 +254,15 @@ void WriteHistoryEntry(DataBase& db, const NodeKey& key, std::string_view typeCo
     args.push_back(db.UserName());
     args.push_back(HistoryProgram());
     args.emplace_back(KindName(kind));
+    // What changed is kept beside the states, so that a listing need not
+    // compare them again.
+    const std::vector<nodestate::FieldChange> changes = nodestate::Diff(before, after);
+    args.push_back(ChangesJson(changes).dump(-1, ' ', false, Json::error_handler_t::replace));
+    std::string lines;
+    for (const std::string& line : nodestate::ChangeLines(changes, before, after)) {
+        lines += line + "\n";
+    }
+    args.push_back(std::move(lines));
     args.push_back(nodestate::ToStoredJson(before));
     args.push_back(nodestate::ToStoredJson(after));
     db.QueueWrite({"Add_Node_History", std::move(args)});
@@ -247,6 +277,17 @@ std::vector<HistoryEntry> ReadNodeHistory(DataBase& db, const NodeKey& key,
     args.push_back(std::to_string(limit.value_or(LONG_MAX)));
     db.Execute("Get_Node_History", args);
     return Entries(db, "Get_Node_History");
+}
+
+std::vector<HistoryEntry> ReadNodeHistoryChanges(DataBase& db, const NodeKey& key,
+                                                 std::optional<long> limit) {
+    if (!db.KeepsHistory()) {
+        return {};
+    }
+    std::vector<std::string> args = KeyArgs(key);
+    args.push_back(std::to_string(limit.value_or(LONG_MAX)));
+    db.Execute("Get_Node_History_Changes", args);
+    return Entries(db, "Get_Node_History_Changes", false);
 }
 
 std::optional<HistoryEntry> ReadHistoryEntry(DataBase& db, long entry) {
@@ -328,12 +369,7 @@ Json EntryJson(const HistoryEntry& entry, bool withKey) {
     out["host"] = entry.host;
     out["program"] = entry.program;
     out["kind"] = entry.kind;
-    Json changes = Json::array();
-    for (const nodestate::FieldChange& change : nodestate::Diff(entry.before, entry.after)) {
-        changes.push_back(
-            Json{{"field", change.field}, {"before", change.before}, {"after", change.after}});
-    }
-    out["changes"] = std::move(changes);
+    out["changes"] = ChangesJson(entry.changes);
     return out;
 }
 

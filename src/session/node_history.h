@@ -6,6 +6,7 @@
 // read-only) is written nothing.
 
 #include "nodestate/node_state.h"
+#include "nodestate/state_diff.h"
 
 #include <cstdint>
 #include <optional>
@@ -70,6 +71,10 @@ struct HistoryEntry {
     std::string dbUser;
     std::string program;
     std::string kind;
+    // What changed, as history --json shows it, and as lines for people.
+    std::vector<nodestate::FieldChange> changes;
+    std::vector<std::string> changeLines;
+    // The states; left empty by ReadNodeHistoryChanges.
     std::optional<nodestate::NodeState> before;
     std::optional<nodestate::NodeState> after;
 };
@@ -77,6 +82,9 @@ struct HistoryEntry {
 // The node's entries, newest first; at most limit of them when given.
 std::vector<HistoryEntry> ReadNodeHistory(DataBase& db, const NodeKey& key,
                                           std::optional<long> limit);
+// The same without the states, for a listing of any length.
+std::vector<HistoryEntry> ReadNodeHistoryChanges(DataBase& db, const NodeKey& key,
+                                                 std::optional<long> limit);
 std::optional<HistoryEntry> ReadHistoryEntry(DataBase& db, long entry);
 // Every entry after that one, oldest first.
 std::vector<HistoryEntry> ReadHistoryAfter(DataBase& db, long entry);

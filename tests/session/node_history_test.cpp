@@ -63,6 +63,15 @@ TEST_F(NodeHistory, ASaveWritesOneEntryWithBothStates) {
     EXPECT_EQ(entry.after->node["NodeDescription"], "Front desk");
     EXPECT_EQ(entry.after->details.size(), 9u);
     EXPECT_EQ(Fields(entry), std::vector<std::string>{"NodeDescription"});
+    // What changed is kept with the entry, and listed without the states.
+    EXPECT_EQ(entry.changes, nodestate::Diff(entry.before, entry.after));
+    EXPECT_EQ(entry.changeLines,
+              std::vector<std::string>{R"(NodeDescription: "Staff directory" -> "Front desk")"});
+    const std::vector<HistoryEntry> listed = session::ReadNodeHistoryChanges(db, kDbn11, 1);
+    ASSERT_EQ(listed.size(), 1u);
+    EXPECT_EQ(listed[0].changes, entry.changes);
+    EXPECT_EQ(listed[0].changeLines, entry.changeLines);
+    EXPECT_FALSE(listed[0].before || listed[0].after);
     // The stored "after" is the node as it is now.
     EXPECT_EQ(session::ReadNodeState(db, kDbn11), entry.after);
 
