@@ -45,9 +45,11 @@ FieldValue RowSet::Field(std::string_view column) const {
         RaiseDatabaseError(kErrObjectClosed, kMsgObjectClosed);
     }
     // Column names are looked up without regard to case, first match wins.
-    const auto found =
-        std::find_if(columns_.begin(), columns_.end(),
-                     [column](const std::string& c) { return SameColumnName(c, column); });
+    // The name as spelt bounds the search, as it is almost always spelt so.
+    const auto spelt = std::find(columns_.begin(), columns_.end(), column);
+    const auto found = std::find_if(columns_.begin(), spelt, [column](const std::string& c) {
+        return SameColumnName(c, column);
+    });
     if (found == columns_.end()) {
         RaiseDatabaseError(kErrItemNotFound, kMsgItemNotFound);
     }

@@ -10,10 +10,10 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <climits>
-#include <sstream>
 #include <cstdlib>
 #include <ctime>
 #include <mutex>
@@ -118,12 +118,14 @@ HistoryEntry EntryOf(RowSet& rows, bool withStates) {
     entry.program = rows.Field("Program").ToText();
     entry.kind = rows.Field("Kind").ToText();
     for (const Json& change : Json::parse(rows.Field("Changes").ToText())) {
-        entry.changes.push_back({change.at("field").get<std::string>(), change.at("before"),
-                                 change.at("after")});
+        entry.changes.push_back(
+            {change.at("field").get<std::string>(), change.at("before"), change.at("after")});
     }
-    std::stringstream lines(rows.Field("ChangeText").ToText());
-    for (std::string line; std::getline(lines, line);) {
-        entry.changeLines.push_back(line);
+    const std::string lines = rows.Field("ChangeText").ToText();
+    for (std::size_t at = 0; at < lines.size();) {
+        const std::size_t end = std::min(lines.find('\n', at), lines.size());
+        entry.changeLines.push_back(lines.substr(at, end - at));
+        at = end + 1;
     }
     if (withStates) {
         entry.before = nodestate::FromStoredJson(rows.Field("StateBefore").ToText());
