@@ -5,11 +5,24 @@
 namespace dbn::nodestate {
 
 std::string ToJson(const NodeState& state) {
-    Json whole = Json::object();
-    whole["node"] = state.node;
-    whole["details"] = state.details;
-    whole["pool"] = state.pool;
-    return whole.dump(-1, ' ', false, Json::error_handler_t::replace);
+    // {"node":…,"details":…,"pool":…}, written part by part rather than as
+    // one copied object: a save writes several of these.
+    auto dump = [](const Json& part) {
+        return part.dump(-1, ' ', false, Json::error_handler_t::replace);
+    };
+    std::string text = R"({"node":)";
+    text += dump(state.node);
+    text += R"(,"details":[)";
+    for (std::size_t row = 0; row < state.details.size(); ++row) {
+        if (row > 0) {
+            text += ',';
+        }
+        text += dump(state.details[row]);
+    }
+    text += R"(],"pool":)";
+    text += dump(state.pool);
+    text += '}';
+    return text;
 }
 
 NodeState FromJson(std::string_view text) {

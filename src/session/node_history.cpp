@@ -245,6 +245,14 @@ std::optional<NodeState> NodeStateOf(const NodeKey& key, BatchAnswer* answers) {
 void WriteHistoryEntry(DataBase& db, const NodeKey& key, std::string_view typeCode, ChangeKind kind,
                        const std::optional<NodeState>& before,
                        const std::optional<NodeState>& after) {
+    WriteHistoryEntry(db, key, typeCode, kind, before, after, nodestate::ToStoredJson(before),
+                      nodestate::ToStoredJson(after));
+}
+
+void WriteHistoryEntry(DataBase& db, const NodeKey& key, std::string_view typeCode, ChangeKind kind,
+                       const std::optional<NodeState>& before,
+                       const std::optional<NodeState>& after, std::string beforeJson,
+                       std::string afterJson) {
     if (!db.KeepsHistory()) {
         return;
     }
@@ -265,8 +273,8 @@ void WriteHistoryEntry(DataBase& db, const NodeKey& key, std::string_view typeCo
         lines += line + "\n";
     }
     args.push_back(std::move(lines));
-    args.push_back(nodestate::ToStoredJson(before));
-    args.push_back(nodestate::ToStoredJson(after));
+    args.push_back(std::move(beforeJson));
+    args.push_back(std::move(afterJson));
     db.QueueWrite({"Add_Node_History", std::move(args)});
 }
 

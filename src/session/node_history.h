@@ -60,6 +60,11 @@ std::optional<nodestate::NodeState> NodeStateOf(BatchAnswer& node, BatchAnswer& 
 void WriteHistoryEntry(DataBase& db, const NodeKey& key, std::string_view typeCode, ChangeKind kind,
                        const std::optional<nodestate::NodeState>& before,
                        const std::optional<nodestate::NodeState>& after);
+// The same with the states' JSON (nodestate::ToStoredJson) already made.
+void WriteHistoryEntry(DataBase& db, const NodeKey& key, std::string_view typeCode, ChangeKind kind,
+                       const std::optional<nodestate::NodeState>& before,
+                       const std::optional<nodestate::NodeState>& after, std::string beforeJson,
+                       std::string afterJson);
 
 struct HistoryEntry {
     long entry = 0;

@@ -131,7 +131,7 @@ std::optional<RequiredNode> GatheredReference(std::string key, std::string typeI
         return std::nullopt;
     }
     if (FollowsMessageType(typeID)) {
-        typeID = kMessageTypeID;
+        typeID = std::string(kMessageTypeID);
         key = "MSG " + number;
     }
     return RequiredNode{std::move(key), std::move(typeID), std::move(number)};
@@ -140,7 +140,7 @@ std::optional<RequiredNode> GatheredReference(std::string key, std::string typeI
 bool NodeExists(DataBase& db, std::int16_t config, std::int16_t partition, std::string typeID,
                 const std::string& number) {
     if (FollowsMessageType(typeID)) {
-        typeID = kMessageTypeID;
+        typeID = std::string(kMessageTypeID);
     }
     db.Execute("Get_Description",
                {std::to_string(config), std::to_string(partition), typeID, number});

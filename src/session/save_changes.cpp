@@ -272,7 +272,8 @@ Business_Rules::WriteResult Business_Rules::WriteShownNode(std::int16_t nodeNumb
         // Deleted by another program since it was loaded.
         return {WriteOutcome::Vanished, std::nullopt};
     }
-    if (!overwrite && gui.StoredState && nodestate::ToJson(*before) != *gui.StoredState) {
+    std::string beforeJson = nodestate::ToJson(*before);
+    if (!overwrite && gui.StoredState && beforeJson != *gui.StoredState) {
         return {WriteOutcome::Changed, std::nullopt,
                 session::ChangeDetails(db_, nodeKey, *gui.StoredState, *before)};
     }
@@ -299,11 +300,12 @@ Business_Rules::WriteResult Business_Rules::WriteShownNode(std::int16_t nodeNumb
     // The history row, with the state just written, travels with the commit.
     const std::optional<nodestate::NodeState> after =
         session::NodeStateOf(answers[stateAt], answers[stateAt + 1], answers[stateAt + 2]);
+    std::optional<std::string> afterJson =
+        after ? std::optional<std::string>(nodestate::ToJson(*after)) : std::nullopt;
     session::WriteHistoryEntry(db_, nodeKey, node_type::kDialByNameCode, session::ChangeKind::Saved,
-                               before, after);
+                               before, after, std::move(beforeJson), afterJson.value_or(""));
     transaction.Commit();
-    return {WriteOutcome::Committed,
-            after ? std::optional<std::string>(nodestate::ToJson(*after)) : std::nullopt};
+    return {WriteOutcome::Committed, std::move(afterJson)};
 }
 
 bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
