@@ -44,6 +44,20 @@ std::vector<std::string> ColumnsOf(const Json& first, const Json& second) {
     return names;
 }
 
+// True for two rows with the same columns in the same order (the usual
+// case), which are then compared side by side instead of column by name.
+bool SameColumns(const Json& first, const Json& second) {
+    if (!first.is_object() || !second.is_object() || first.size() != second.size()) {
+        return false;
+    }
+    for (auto x = first.begin(), y = second.begin(); x != first.end(); ++x, ++y) {
+        if (x.key() != y.key()) {
+            return false;
+        }
+    }
+    return true;
+}
+
 // A detail row's number: its PromptNumber or SequenceNo, else its position.
 long RowNumber(const Json& row, std::size_t position) {
     for (const char* column : {"PromptNumber", "SequenceNo"}) {
@@ -142,11 +156,19 @@ std::vector<FieldChange> Diff(const std::optional<NodeState>& before,
     const NodeState& a = OrEmpty(before);
     const NodeState& b = OrEmpty(after);
     std::vector<FieldChange> changes;
-    for (const std::string& column : ColumnsOf(a.node, b.node)) {
-        const Json& was = Field(a.node, column);
-        const Json& now = Field(b.node, column);
-        if (!IsKeyColumn(column) && was != now) {
-            changes.push_back({column, was, now});
+    if (SameColumns(a.node, b.node)) {
+        for (auto was = a.node.begin(), now = b.node.begin(); was != a.node.end(); ++was, ++now) {
+            if (!IsKeyColumn(was.key()) && *was != *now) {
+                changes.push_back({was.key(), *was, *now});
+            }
+        }
+    } else {
+        for (const std::string& column : ColumnsOf(a.node, b.node)) {
+            const Json& was = Field(a.node, column);
+            const Json& now = Field(b.node, column);
+            if (!IsKeyColumn(column) && was != now) {
+                changes.push_back({column, was, now});
+            }
         }
     }
     const std::map<long, Json> wasRows = NumberedDetails(before);
