@@ -134,7 +134,7 @@ HistoryEntry EntryOf(RowSet& rows, bool withStates) {
     return entry;
 }
 
-std::vector<HistoryEntry> Entries(DataBase& db, std::string_view command, bool withStates = true) {
+std::vector<HistoryEntry> Entries(DataBase& db, std::string_view command, bool withStates) {
     RowSet& rows = db.Recordset(command);
     RowSetCloser closer(rows);
     std::vector<HistoryEntry> entries;
@@ -148,6 +148,19 @@ std::vector<HistoryEntry> Entries(DataBase& db, std::string_view command, bool w
 std::vector<std::string> KeyArgs(const NodeKey& key) {
     return {CommandArg(key.config), CommandArg(key.partition), CommandArg(key.typeID),
             CommandArg(key.number)};
+}
+
+// A node's entries, newest first, read by one of the two node-history
+// commands (with or without the states).
+std::vector<HistoryEntry> NodeEntries(DataBase& db, std::string_view command, const NodeKey& key,
+                                      std::optional<long> limit, bool withStates) {
+    if (!db.KeepsHistory()) {
+        return {};
+    }
+    std::vector<std::string> args = KeyArgs(key);
+    args.push_back(std::to_string(limit.value_or(LONG_MAX)));
+    db.Execute(command, args);
+    return Entries(db, command, withStates);
 }
 
 }  // namespace
@@ -280,24 +293,12 @@ void WriteHistoryEntry(DataBase& db, const NodeKey& key, std::string_view typeCo
 
 std::vector<HistoryEntry> ReadNodeHistory(DataBase& db, const NodeKey& key,
                                           std::optional<long> limit) {
-    if (!db.KeepsHistory()) {
-        return {};
-    }
-    std::vector<std::string> args = KeyArgs(key);
-    args.push_back(std::to_string(limit.value_or(LONG_MAX)));
-    db.Execute("Get_Node_History", args);
-    return Entries(db, "Get_Node_History");
+    return NodeEntries(db, "Get_Node_History", key, limit, true);
 }
 
 std::vector<HistoryEntry> ReadNodeHistoryChanges(DataBase& db, const NodeKey& key,
                                                  std::optional<long> limit) {
-    if (!db.KeepsHistory()) {
-        return {};
-    }
-    std::vector<std::string> args = KeyArgs(key);
-    args.push_back(std::to_string(limit.value_or(LONG_MAX)));
-    db.Execute("Get_Node_History_Changes", args);
-    return Entries(db, "Get_Node_History_Changes", false);
+    return NodeEntries(db, "Get_Node_History_Changes", key, limit, false);
 }
 
 std::optional<HistoryEntry> ReadHistoryEntry(DataBase& db, long entry) {
@@ -305,7 +306,7 @@ std::optional<HistoryEntry> ReadHistoryEntry(DataBase& db, long entry) {
         return std::nullopt;
     }
     db.Execute("Get_History_Entry", {std::to_string(entry)});
-    std::vector<HistoryEntry> found = Entries(db, "Get_History_Entry");
+    std::vector<HistoryEntry> found = Entries(db, "Get_History_Entry", true);
     if (found.empty()) {
         return std::nullopt;
     }
@@ -317,7 +318,7 @@ std::vector<HistoryEntry> ReadHistoryAfter(DataBase& db, long entry) {
         return {};
     }
     db.Execute("Get_History_After", {std::to_string(entry)});
-    return Entries(db, "Get_History_After");
+    return Entries(db, "Get_History_After", true);
 }
 
 long LastHistoryEntry(DataBase& db) {
