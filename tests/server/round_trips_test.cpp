@@ -172,13 +172,14 @@ TEST_F(RoundTrips, ApplyOfNodesAsTextWhateverTheirNumber) {
     EXPECT_EQ(Count("SELECT count(*) FROM Node_DBN WHERE ConfigID = 1 AND PartID = 1 AND "
                     "NodeDescription = 'Desk ' || NodeNumber"),
               999);
-    // The connection, the partition's targets in two batches, its nodes in
-    // one, the references' lookups in one, and the transaction with every
-    // node's writes in one batch: the same count for 9 nodes or 999. Eight
-    // or nine: whether the transaction's start travels with the writes
-    // depends on when libpq flushes a batch this large.
-    EXPECT_GE(roundTrips, 8) << "apply of 999 nodes as text";
-    EXPECT_LE(roundTrips, 10) << "apply of 999 nodes as text";
+    // The connection and the schema's version, the partition's targets in
+    // two batches, its nodes in one, the references' lookups in one, the
+    // transaction's start, every node's writes with its states in one batch,
+    // and the history rows with the commit: the same count for 9 nodes or
+    // 999. The relay counts one more or less with how libpq flushes batches
+    // this large (9 to 11 seen).
+    EXPECT_GE(roundTrips, 9) << "apply of 999 nodes as text";
+    EXPECT_LE(roundTrips, 11) << "apply of 999 nodes as text";
 }
 
 }  // namespace
