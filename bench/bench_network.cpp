@@ -5,10 +5,12 @@
 #include "network_relay.h"
 #include "support/bench_data.h"
 #include "support/editor_run.h"
+#include "support/every_label_changed.h"
 #include "support/missing_nodes.h"
 
 #include "database/database.h"
 #include "database/database_target.h"
+#include "session/apply_nodes.h"
 #include "session/directory_check.h"
 #include "session/node_list.h"
 
@@ -150,6 +152,25 @@ Clock::duration Check(NetworkRelay& relay, long& roundTrips) {
     return Clock::now() - start;
 }
 
+// apply of the large partition's text with every label changed: the text is
+// made before the count starts, on a connection of its own.
+Clock::duration ApplyNodesAsText(NetworkRelay& relay, long& roundTrips) {
+    static long iteration = 0;
+    const nodetext::NodeDocument document = [] {
+        DataBase db;
+        return EveryLabelChanged(db, ++iteration);
+    }();
+    relay.ResetCounts();
+    const Clock::time_point start = Clock::now();
+    DataBase db;
+    const session::ApplyResult result = session::ApplyNodes(db, document, {});
+    if (!result.problems.empty() || !result.written) {
+        throw std::runtime_error("the text was not applied");
+    }
+    roundTrips = relay.RoundTrips();
+    return Clock::now() - start;
+}
+
 }  // namespace
 }  // namespace dbn::bench
 
@@ -160,10 +181,13 @@ int main(int argc, char** argv) {
         BenchDataRoot& (*root)();
         Step step;
     };
-    const Operation operations[] = {
-        {"startup", DemoRoot, StartUp},     {"next", DemoRoot, Next},
-        {"apply", DemoRoot, Apply},         {"apply-ten", CreationRoot, ApplyCreatingTen},
-        {"node-list", LargeRoot, NodeList}, {"check", DemoRoot, Check}};
+    const Operation operations[] = {{"startup", DemoRoot, StartUp},
+                                    {"next", DemoRoot, Next},
+                                    {"apply", DemoRoot, Apply},
+                                    {"apply-ten", CreationRoot, ApplyCreatingTen},
+                                    {"node-list", LargeRoot, NodeList},
+                                    {"check", DemoRoot, Check},
+                                    {"apply-text", LargeRoot, ApplyNodesAsText}};
     for (const Operation& operation : operations) {
         for (const int delay : {0, 10}) {
             const std::string name =

@@ -3,6 +3,7 @@
 // every node changed beside the same writes in one bare transaction.
 #include "support/bench_data.h"
 #include "support/editor_run.h"
+#include "support/every_label_changed.h"
 
 #include "database/database.h"
 #include "nodetext/text_form.h"
@@ -17,21 +18,6 @@
 
 namespace dbn::bench {
 namespace {
-
-// The document with every node's label changed (alternating between two
-// texts from one iteration to the next, so that each one changes them all).
-nodetext::NodeDocument EveryLabelChanged(DataBase& db, long iteration) {
-    // Read back from the export's text, as the command does, then edited.
-    nodetext::NodeDocument document =
-        *nodetext::ReadDocument(
-             nodetext::DocumentText(session::ExportNodes(db, kLargeConfig, kLargePartition)))
-             .document;
-    for (nodetext::TextNode& node : document.nodes) {
-        node.columns["NodeDescription"] =
-            "Directory " + std::to_string(node.number) + (iteration % 2 ? " (day)" : " (night)");
-    }
-    return document;
-}
 
 void Export(benchmark::State& state) {
     try {

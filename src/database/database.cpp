@@ -38,14 +38,36 @@ std::string DataBase::ConnectionString() const {
                               : "Provider=SQLite;Data Source=" + target_.location;
 }
 
-DatabaseEngine& DataBase::Engine() {
+DatabaseEngine& DataBase::Connected() {
     if (!engine_) {
         std::unique_ptr<DatabaseEngine> engine = ConnectEngine(target_, busyTimeout_);
-        schema_ = PrepareSchema(*engine, target_);
         engine->SetWaitHandler(waitHandler_);
         engine_ = std::move(engine);
+        schemaKnown_ = false;
     }
     return *engine_;
+}
+
+DatabaseEngine& DataBase::Engine() {
+    DatabaseEngine& engine = Connected();
+    if (!schemaKnown_) {
+        schema_ = PrepareSchema(engine, target_);
+        schemaKnown_ = true;
+    }
+    return engine;
+}
+
+std::vector<CommandResult> DataBase::SendBatch(const std::vector<EngineStep>& steps) {
+    if (!schemaKnown_) {
+        std::optional<std::vector<CommandResult>> results =
+            Connected().RunBatchAtVersion(steps, kCurrentSchemaVersion);
+        if (results) {
+            schema_ = SchemaState{.version = kCurrentSchemaVersion};
+            schemaKnown_ = true;
+            return std::move(*results);
+        }
+    }
+    return Engine().RunBatch(steps);
 }
 
 int DataBase::SchemaVersion() {
@@ -97,7 +119,7 @@ long DataBase::Execute(std::string_view commandName, const std::vector<std::stri
         all.push_back({std::string(command.name), args});
         kept = std::move(RunBatch(all, queued).back());
     }
-    DatabaseEngine& engine = Engine();
+    Connected();
     ++executed_;
     if (observer_) {
         observer_({DataBaseStep::Execute, command.name, &args, {}});
@@ -110,7 +132,11 @@ long DataBase::Execute(std::string_view commandName, const std::vector<std::stri
         rowSet->Open(std::move(columns), kept->rows.TakeRows());
         return kept->count;
     }
-    CommandResult result = engine.Run(command, args);
+    CommandResult result = schemaKnown_ ? Engine().Run(command, args)
+                                        : std::move(SendBatch({{.kind = EngineStep::Kind::Command,
+                                                                .command = &command,
+                                                                .args = &args}})
+                                                        .front());
     if (rowSet == nullptr) {
         return result.changes;
     }
@@ -188,7 +214,7 @@ std::vector<BatchAnswer> DataBase::RunBatch(const std::vector<BatchStep>& steps,
                 break;
         }
     }
-    DatabaseEngine& engine = Engine();
+    Connected();
     for (std::size_t i = 0; i < std::min(observed, steps.size()); ++i) {
         const BatchStep& step = steps[i];
         switch (step.kind) {
@@ -213,7 +239,7 @@ std::vector<BatchAnswer> DataBase::RunBatch(const std::vector<BatchStep>& steps,
                 break;  // told when it was queued
         }
     }
-    std::vector<CommandResult> results = engine.RunBatch(engineSteps);
+    std::vector<CommandResult> results = SendBatch(engineSteps);
     std::vector<BatchAnswer> answers(results.size());
     for (std::size_t i = 0; i < results.size(); ++i) {
         const EngineStep& step = engineSteps[i];

@@ -18,6 +18,8 @@
 namespace dbn {
 
 class DatabaseEngine;
+struct CommandResult;
+struct EngineStep;
 struct CatalogueCommand;
 
 // One step of a batch: a catalogue command with its arguments (bound as text
@@ -151,7 +153,15 @@ public:
     void SetObserver(DataBaseObserver observer);
 
 private:
+    // The connection, made on first use; the schema version is asked on the
+    // way (upgrading an older database) unless the engine can ask it with
+    // the first batch.
     DatabaseEngine& Engine();
+    // The connection without asking the schema version.
+    DatabaseEngine& Connected();
+    // Sends steps to the engine; the first batch of a connection asks the
+    // schema version in the same round trip where the engine can.
+    std::vector<CommandResult> SendBatch(const std::vector<EngineStep>& steps);
     void Notify(DataBaseStep step);
     // Queues a step to travel with the next ones (at once outside a
     // transaction).
@@ -176,6 +186,7 @@ private:
     std::function<void()> waitHandler_;
     std::unique_ptr<DatabaseEngine> engine_;
     SchemaState schema_;
+    bool schemaKnown_ = false;
     std::map<std::string, RowSet, std::less<>> rowSets_;
     std::vector<BatchStep> queued_;
     long executed_ = 0;

@@ -107,6 +107,15 @@ public:
     // std::nullopt when the version table is missing or the engine cannot
     // tell that way (the caller then looks at the tables).
     virtual std::optional<int> QuickSchemaVersion() { return std::nullopt; }
+    // Runs the steps as RunBatch does, but only when the stored schema
+    // version is version, asked in the same round trip; std::nullopt when it
+    // is another one or the engine cannot ask that way: then no step ran.
+    virtual std::optional<std::vector<CommandResult>> RunBatchAtVersion(
+        const std::vector<EngineStep>& steps, int version) {
+        (void)steps;
+        (void)version;
+        return std::nullopt;
+    }
 
     // Starts hearing the changes other connections commit: answers the
     // socket that becomes readable when one is announced, or -1 when

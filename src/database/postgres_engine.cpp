@@ -20,6 +20,14 @@
 namespace dbn {
 namespace {
 
+// True when every step is a catalogue read, which may be sent again.
+bool OnlyReads(const std::vector<EngineStep>& steps) {
+    return std::all_of(steps.begin(), steps.end(), [](const EngineStep& step) {
+        return step.kind == EngineStep::Kind::Command &&
+               step.command->kind == CommandKind::RowReturning;
+    });
+}
+
 // Every writer of the configuration takes this transaction-scoped lock first,
 // so that writers follow one another as they do on the embedded file.
 constexpr const char* kBeginWrite = "BEGIN; SELECT pg_advisory_xact_lock(4473422)";
@@ -144,6 +152,8 @@ public:
     CommandResult Run(const CatalogueCommand& command,
                       const std::vector<std::string>& args) override;
     std::vector<CommandResult> RunBatch(const std::vector<EngineStep>& steps) override;
+    std::optional<std::vector<CommandResult>> RunBatchAtVersion(
+        const std::vector<EngineStep>& steps, int version) override;
     void BeginWrite() override;
     void Exec(const std::string& sql, std::string_view doing) override;
     // A lost connection has no transaction left.
@@ -241,8 +251,11 @@ private:
     // Sends one batch step into the open pipeline; answers how many results
     // it will give back (a statement prepared on the way gives one more).
     int SendStep(const EngineStep& step);
-    // One attempt at a batch, on the connection as it is.
+    // One attempt at a batch, on the connection as it is. When it fails,
+    // failedStep_ is the step whose error was raised (none when the
+    // connection was lost).
     std::vector<CommandResult> RunBatchOnce(const std::vector<EngineStep>& steps);
+    std::optional<std::size_t> failedStep_;
 
     std::string conninfo_;
     std::string name_;
@@ -533,11 +546,7 @@ std::vector<CommandResult> PostgresEngine::RunBatch(const std::vector<EngineStep
     // Reads sent outside a transaction are sent once more on a new connection
     // when the old one broke under them; writes, which may have been done
     // when their answer was lost, never are.
-    const bool repeatable =
-        !InTransaction() && std::all_of(steps.begin(), steps.end(), [](const EngineStep& step) {
-            return step.kind == EngineStep::Kind::Command &&
-                   step.command->kind == CommandKind::RowReturning;
-        });
+    const bool repeatable = !InTransaction() && OnlyReads(steps);
     try {
         return RunBatchOnce(steps);
     } catch (...) {
@@ -549,8 +558,44 @@ std::vector<CommandResult> PostgresEngine::RunBatch(const std::vector<EngineStep
     return RunBatchOnce(steps);
 }
 
+std::optional<std::vector<CommandResult>> PostgresEngine::RunBatchAtVersion(
+    const std::vector<EngineStep>& steps, int version) {
+    // The first statement fails (division by zero, or a missing table) unless
+    // the version is the one asked for; the pipeline then skips every step
+    // after it, so nothing of the batch runs.
+    const std::string guard = "SELECT 1 / (coalesce(max(version), 1) = " + std::to_string(version) +
+                              ")::int FROM schema_version";
+    std::vector<EngineStep> guarded;
+    guarded.reserve(steps.size() + 1);
+    guarded.push_back({.kind = EngineStep::Kind::Statement,
+                       .sql = &guard,
+                       .doing = "reading the schema version"});
+    guarded.insert(guarded.end(), steps.begin(), steps.end());
+    if (Lost()) {
+        Reconnect();
+    }
+    const bool repeatable = !InTransaction() && OnlyReads(steps);
+    try {
+        std::vector<CommandResult> results = RunBatchOnce(guarded);
+        results.erase(results.begin());
+        return results;
+    } catch (...) {
+        if (!Lost() && failedStep_ == 0) {
+            return std::nullopt;
+        }
+        if (!Lost() || !repeatable) {
+            throw;
+        }
+    }
+    // Reads whose connection broke under them: the caller asks the version
+    // again the long way, then sends them once more.
+    Reconnect();
+    return std::nullopt;
+}
+
 std::vector<CommandResult> PostgresEngine::RunBatchOnce(const std::vector<EngineStep>& steps) {
     PGconn* conn = conn_.get();
+    failedStep_.reset();
     if (PQenterPipelineMode(conn) == 0) {
         RaiseFailure(nullptr, "sending a batch");
     }
@@ -613,6 +658,7 @@ std::vector<CommandResult> PostgresEngine::RunBatchOnce(const std::vector<Engine
             if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
                 if (!failure) {
                     failure = std::move(result);
+                    failedStep_ = i;
                     failedDoing = step.kind == EngineStep::Kind::Command
                                       ? std::string(step.command->name)
                                   : step.kind == EngineStep::Kind::BeginWrite ? "BeginTrans"

@@ -8,7 +8,9 @@
 #include <gtest/gtest.h>
 #include <libpq-fe.h>
 
+#include <chrono>
 #include <string>
+#include <thread>
 
 namespace dbn {
 namespace {
@@ -71,6 +73,17 @@ TEST_F(RelayTest, CountsOneRoundTripPerAnsweredSendWhateverThePacketsAre) {
     }
     EXPECT_EQ(results, 3);
     EXPECT_EQ(relay_->RoundTrips(), 1);
+
+    // Ending the connection sends one message and waits for nothing.
+    ASSERT_EQ(PQexitPipelineMode(conn.get()), 1);
+    relay_->ResetCounts();
+    conn.reset();
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    while (relay_->ClientMessages() == 0 && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    EXPECT_EQ(relay_->ClientMessages(), 1);
+    EXPECT_EQ(relay_->RoundTrips(), 0);
 }
 
 TEST_F(RelayTest, CutsBeforeOrAfterTheMessageItIsToldOf) {

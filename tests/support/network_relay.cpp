@@ -258,12 +258,13 @@ private:
             }
             std::string message = pending_.substr(0, total);
             pending_.erase(0, total);
-            if (answered_) {
+            const char type = startupDone_ && header == 5 ? message[0] : '\0';
+            // The connection's end ('X') waits for nothing.
+            if (answered_ && type != 'X') {
                 ++shared_.roundTrips;
                 answered_ = false;
             }
             const long number = ++shared_.clientMessages;
-            const char type = startupDone_ && header == 5 ? message[0] : '\0';
             if (const auto cut = shared_.TakeCut(number, message)) {
                 if (*cut == NetworkRelay::CutPoint::BeforeForwarding) {
                     return false;

@@ -8,7 +8,8 @@
 // - count the program's round trips: the times it sends after it has been
 //   answered, that is after the server said it is ready for the next query
 //   (or asked for a password, or started a copy); the first message of a
-//   connection counts as one;
+//   connection counts as one, its last (the end of the connection, which
+//   waits for nothing) never does;
 // - cut connections: all at once, or when the program's Nth message (counted
 //   in protocol messages, over all connections) or a message whose text
 //   contains a given string arrives, before or after forwarding it;
