@@ -59,6 +59,19 @@ FieldValue RowSet::Field(std::string_view column) const {
     return rows_[position_][static_cast<std::size_t>(found - columns_.begin())];
 }
 
+const std::vector<FieldValue>& RowSet::CurrentRow() const {
+    for (const std::string& column : columns_) {
+        Notify(DataBaseStep::Field, column);
+    }
+    if (!open_) {
+        RaiseDatabaseError(kErrObjectClosed, kMsgObjectClosed);
+    }
+    if (position_ >= rows_.size()) {
+        RaiseDatabaseError(kErrNoCurrentRow, kMsgNoCurrentRow);
+    }
+    return rows_[position_];
+}
+
 void RowSet::MoveNext() {
     Notify(DataBaseStep::MoveNext);
     if (AtEnd()) {

@@ -23,6 +23,9 @@ public:
     // The current row's value of a column. A closed row set, no current row
     // or an unknown column raise a ComponentError.
     FieldValue Field(std::string_view column) const;
+    // The current row's values in column order (Columns()), for readers of
+    // whole rows; raises as Field does.
+    const std::vector<FieldValue>& CurrentRow() const;
     void MoveNext();
     void MoveLast();
     void Close();

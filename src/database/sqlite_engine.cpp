@@ -190,9 +190,10 @@ SqliteEngine::SqliteEngine(std::string path, std::chrono::milliseconds lockTimeo
         CheckDatabaseFile(path_);
     }
     // Without SQLITE_OPEN_CREATE a file that vanished since the check is not
-    // made anew.
-    const int flags =
-        SQLITE_OPEN_READWRITE | (mode == OpenMode::CreateNew ? SQLITE_OPEN_CREATE : 0);
+    // made anew. A connection is only ever used by one thread at a time, so
+    // it goes without SQLite's own locking of every call.
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX |
+                      (mode == OpenMode::CreateNew ? SQLITE_OPEN_CREATE : 0);
     sqlite3* raw = nullptr;
     const int rc = sqlite3_open_v2(path_.c_str(), &raw, flags, nullptr);
     ConnectionHandle connection(raw);

@@ -1,5 +1,6 @@
 #include "nodestate/state_diff.h"
 
+#include <algorithm>
 #include <array>
 #include <map>
 #include <set>
@@ -11,10 +12,10 @@ namespace {
 
 // Columns that say which node or row this is, not what it holds.
 bool IsKeyColumn(std::string_view name) {
-    static const std::set<std::string_view> keys{"ConfigID",   "PartID",       "NodeTypeID",
-                                                 "NodeNumber", "NodeMasterID", "PromptNumber",
-                                                 "SequenceNo"};
-    return keys.contains(name);
+    static constexpr std::array<std::string_view, 7> keys{
+        "ConfigID",     "PartID",       "NodeTypeID", "NodeNumber",
+        "NodeMasterID", "PromptNumber", "SequenceNo"};
+    return std::find(keys.begin(), keys.end(), name) != keys.end();
 }
 
 const Json& Field(const Json& row, const std::string& name) {
@@ -88,6 +89,28 @@ std::map<long, Json> NumberedDetails(const std::optional<NodeState>& state) {
         }
     }
     return rows;
+}
+
+// The changes of the detail rows, matched by their numbers.
+void AddDetailChanges(std::vector<FieldChange>& changes, const std::optional<NodeState>& before,
+                      const std::optional<NodeState>& after) {
+    const std::map<long, Json> wasRows = NumberedDetails(before);
+    const std::map<long, Json> nowRows = NumberedDetails(after);
+    std::set<long> numbers;
+    for (const auto* rows : {&wasRows, &nowRows}) {
+        for (const auto& entry : *rows) {
+            numbers.insert(entry.first);
+        }
+    }
+    for (long number : numbers) {
+        const auto was = wasRows.find(number);
+        const auto now = nowRows.find(number);
+        const Json wasRow = was == wasRows.end() ? Json() : was->second;
+        const Json nowRow = now == nowRows.end() ? Json() : now->second;
+        if (wasRow != nowRow) {
+            changes.push_back({"Prompt " + std::to_string(number), wasRow, nowRow});
+        }
+    }
 }
 
 const NodeState& OrEmpty(const std::optional<NodeState>& state) {
@@ -171,22 +194,10 @@ std::vector<FieldChange> Diff(const std::optional<NodeState>& before,
             }
         }
     }
-    const std::map<long, Json> wasRows = NumberedDetails(before);
-    const std::map<long, Json> nowRows = NumberedDetails(after);
-    std::set<long> numbers;
-    for (const auto* rows : {&wasRows, &nowRows}) {
-        for (const auto& entry : *rows) {
-            numbers.insert(entry.first);
-        }
-    }
-    for (long number : numbers) {
-        const auto was = wasRows.find(number);
-        const auto now = nowRows.find(number);
-        const Json wasRow = was == wasRows.end() ? Json() : was->second;
-        const Json nowRow = now == nowRows.end() ? Json() : now->second;
-        if (wasRow != nowRow) {
-            changes.push_back({"Prompt " + std::to_string(number), wasRow, nowRow});
-        }
+    // Detail rows equal side by side (a save that left them as they were)
+    // hold no change; otherwise they are matched by their numbers.
+    if (a.details != b.details) {
+        AddDetailChanges(changes, before, after);
     }
     for (const std::string& column : ColumnsOf(a.pool, b.pool)) {
         const bool inNodeRow = (a.node.contains(column) || b.node.contains(column));

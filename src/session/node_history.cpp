@@ -38,21 +38,54 @@ Json ValueJson(const FieldValue& value) {
         value.Raw());
 }
 
-// Every row of a command's row set as JSON objects, closing it. Columns are
-// named as the schema spells them (a server answers them in lower case).
-std::vector<Json> RowsJson(RowSet& rows, const char* tableName) {
-    RowSetCloser closer(rows);
+// The schema's spelling of a row set's column names (a server answers them in
+// lower case). A table is read with the same columns again and again, so the
+// last spelling of each table is kept.
+const std::vector<std::string>& SchemaSpelling(const char* tableName,
+                                               const std::vector<std::string>& columns) {
+    struct Spelling {
+        std::string table;
+        std::vector<std::string> columns;
+        std::vector<std::string> names;
+    };
+    thread_local std::vector<Spelling> known;
+    for (const Spelling& spelling : known) {
+        if (spelling.table == tableName && spelling.columns == columns) {
+            return spelling.names;
+        }
+    }
     const SchemaTable* table = FindSchemaTable(tableName);
     std::vector<std::string> names;
-    for (const std::string& column : rows.Columns()) {
-        const SchemaColumn* known = table != nullptr ? table->Column(column) : nullptr;
-        names.push_back(known != nullptr ? known->name : column);
+    names.reserve(columns.size());
+    for (const std::string& column : columns) {
+        const SchemaColumn* schemaColumn = table != nullptr ? table->Column(column) : nullptr;
+        names.push_back(schemaColumn != nullptr ? schemaColumn->name : column);
     }
+    const auto same = std::find_if(known.begin(), known.end(),
+                                   [&](const Spelling& s) { return s.table == tableName; });
+    Spelling spelling{tableName, columns, std::move(names)};
+    if (same != known.end()) {
+        *same = std::move(spelling);
+        return same->names;
+    }
+    return known.emplace_back(std::move(spelling)).names;
+}
+
+// Every row of a command's row set as JSON objects, closing it. Columns are
+// named as the schema spells them.
+std::vector<Json> RowsJson(RowSet& rows, const char* tableName) {
+    RowSetCloser closer(rows);
+    const std::vector<std::string>& names = SchemaSpelling(tableName, rows.Columns());
     std::vector<Json> out;
+    out.reserve(rows.RowCount());
     for (; !rows.Eof(); rows.MoveNext()) {
+        const std::vector<FieldValue>& values = rows.CurrentRow();
         Json row = Json::object();
+        // Column names are unique: each is appended without looking for it.
+        auto& members = row.get_ref<Json::object_t&>();
+        members.reserve(names.size());
         for (std::size_t i = 0; i < names.size(); ++i) {
-            row[names[i]] = ValueJson(rows.Field(rows.Columns()[i]));
+            members.Json::object_t::Container::emplace_back(names[i], ValueJson(values[i]));
         }
         out.push_back(std::move(row));
     }

@@ -45,6 +45,41 @@ TEST(NodeStateJson, RoundTripsValuesExactly) {
     }
 }
 
+// The text is the JSON library's own dump of the state, byte for byte, so
+// that states written before compare equal with states written now.
+TEST(NodeStateJson, WritesWhatTheLibraryWrites) {
+    const std::vector<Json> values{nullptr,
+                                   "",
+                                   "plain text",
+                                   "tab\there",
+                                   "back\\slash",
+                                   "\x7f del",
+                                   "\x01 control",
+                                   "quote \"",
+                                   "Müller ☎",
+                                   "bad \xff byte",
+                                   -9007199254740993LL,
+                                   18446744073709551615ULL,
+                                   2.0,
+                                   0.1,
+                                   true,
+                                   Json::object(),
+                                   Json::array({1, "a", nullptr})};
+    for (const Json& value : values) {
+        NodeState state = SampleState();
+        state.node["NodeDescription"] = value;
+        state.details.front()["PromptNodeType"] = value;
+        const Json whole{{"node", state.node}, {"details", state.details}, {"pool", state.pool}};
+        EXPECT_EQ(ToJson(state), whole.dump(-1, ' ', false, Json::error_handler_t::replace))
+            << value.dump(-1, ' ', false, Json::error_handler_t::replace);
+    }
+    NodeState noPool = SampleState();
+    noPool.pool = nullptr;
+    noPool.details.clear();
+    EXPECT_EQ(ToJson(noPool),
+              Json({{"node", noPool.node}, {"details", Json::array()}, {"pool", nullptr}}).dump());
+}
+
 TEST(NodeStateJson, KeepsColumnOrderAndAbsentStates) {
     const NodeState state = SampleState();
     const std::string text = ToJson(state);
