@@ -362,9 +362,7 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
             GatherReferences(plan.node, required, keys);
         }
     }
-    // Every reference's node is looked up in one batch; one found missing is
-    // asked again when it comes to be written, as creating an earlier one
-    // may have created it.
+    // Every reference's node is looked up in one batch.
     std::set<const RequiredNode*> found;
     {
         std::vector<BatchStep> lookups;
@@ -383,8 +381,7 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
     }
     auto exists = [&](const RequiredNode& node) {
         return (node.typeID == kDbnType && creating.count(node.number) > 0) ||
-               found.count(&node) > 0 ||
-               NodeExists(db, config, partition, node.typeID, node.number);
+               found.count(&node) > 0;
     };
 
     if (options.dryRun) {
@@ -425,16 +422,35 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
         }
     }
     WriteNodes(db, config, partition, nodeWrites);
-    std::vector<const RequiredNode*> missing;
+    // The missing references, each stored node once (two references may name
+    // the same stored node), created together from their templates when
+    // asked to.
+    std::vector<const RequiredNode*> absent;
+    std::map<std::pair<std::string, std::string>, std::size_t> copyOf;
+    std::vector<TemplateCopy> copies;
+    std::vector<std::size_t> copyAt;
     for (const RequiredNode& node : required) {
         if (exists(node)) {
             continue;
         }
-        if (options.createMissing && CopyTemplateNode(db, config, partition, "0", node.number,
-                                                      LookedUpTypeID(node.typeID))) {
-            result.createdReferences.push_back(node.key);
-        } else {
-            missing.push_back(&node);
+        absent.push_back(&node);
+        const auto [at, first] =
+            copyOf.try_emplace({LookedUpTypeID(node.typeID), node.number}, copies.size());
+        if (first) {
+            copies.push_back({"0", node.number, at->first.first});
+        }
+        copyAt.push_back(at->second);
+    }
+    const std::vector<bool> made = options.createMissing && !copies.empty()
+                                       ? CopyTemplateNodes(db, config, partition, copies)
+                                       : std::vector<bool>(copies.size(), false);
+    std::vector<const RequiredNode*> missing;
+    std::set<std::size_t> told;
+    for (std::size_t i = 0; i < absent.size(); ++i) {
+        if (!made[copyAt[i]]) {
+            missing.push_back(absent[i]);
+        } else if (told.insert(copyAt[i]).second) {
+            result.createdReferences.push_back(absent[i]->key);
         }
     }
     transaction.Commit();

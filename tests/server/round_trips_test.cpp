@@ -181,5 +181,42 @@ TEST_F(RoundTrips, ApplyOfNodesAsTextWhateverTheirNumber) {
     EXPECT_EQ(roundTrips, 8) << "apply of 999 nodes as text";
 }
 
+// apply --create-missing: the references found missing are created from
+// their templates together, one round trip more than an apply whose
+// references all exist, however many are missing.
+TEST_F(RoundTrips, ApplyCreatingMissingReferencesTogether) {
+    auto countApply = [&](int missing) {
+        nodetext::NodeDocument document = [] {
+            DataBase db;
+            return session::ExportNodes(db, 1, 1);
+        }();
+        for (nodetext::TextNode& node : document.nodes) {
+            node.columns["NodeDescription"] = "Desk " + std::to_string(missing);
+        }
+        for (int i = 0; i < missing; ++i) {
+            nodetext::TextNode& node = document.nodes[static_cast<std::size_t>(i) % 2];
+            const std::string role = i < 2 ? "Greeting" : i < 4 ? "Abort" : "Star";
+            node.columns[role + "NodeType"] = std::string("MSG");
+            node.columns[role + "NodeNumber"] = std::int64_t{(missing > 1 ? 90 : 80) + i};
+            node.columns[role + "NodeTypeID"] = std::int64_t{0};
+        }
+        relay_->ResetCounts();
+        DataBase db;
+        session::ApplyOptions options;
+        options.createMissing = true;
+        const session::ApplyResult result = session::ApplyNodes(db, document, options);
+        for (const nodetext::Problem& problem : result.problems) {
+            ADD_FAILURE() << nodetext::ProblemText(problem);
+        }
+        EXPECT_EQ(result.createdReferences.size(), static_cast<std::size_t>(missing));
+        EXPECT_TRUE(result.missingReferences.empty());
+        return relay_->RoundTrips();
+    };
+    const long none = countApply(0);
+    EXPECT_EQ(countApply(1), none + 1);
+    EXPECT_EQ(countApply(6), none + 1);
+    EXPECT_EQ(Count("SELECT count(*) FROM Node_MSG WHERE PartID = 1 AND NodeNumber >= 80"), 7);
+}
+
 }  // namespace
 }  // namespace dbn::testing
