@@ -132,11 +132,9 @@ long DataBase::Execute(std::string_view commandName, const std::vector<std::stri
         rowSet->Open(std::move(columns), kept->rows.TakeRows());
         return kept->count;
     }
-    CommandResult result = schemaKnown_ ? Engine().Run(command, args)
-                                        : std::move(SendBatch({{.kind = EngineStep::Kind::Command,
-                                                                .command = &command,
-                                                                .args = &args}})
-                                                        .front());
+    CommandResult result = std::move(
+        SendBatch({{.kind = EngineStep::Kind::Command, .command = &command, .args = &args}})
+            .front());
     if (rowSet == nullptr) {
         return result.changes;
     }

@@ -251,6 +251,11 @@ private:
     // Sends one batch step into the open pipeline; answers how many results
     // it will give back (a statement prepared on the way gives one more).
     int SendStep(const EngineStep& step);
+    // Runs attempt (one try at steps), after making a lost connection again;
+    // once more on a new connection when the steps are reads outside a
+    // transaction and the connection broke under them.
+    template <class Attempt>
+    auto Resent(const std::vector<EngineStep>& steps, Attempt attempt);
     // One attempt at a batch, on the connection as it is. When it fails,
     // failedStep_ is the step whose error was raised (none when the
     // connection was lost).
@@ -539,7 +544,8 @@ int PostgresEngine::SendStep(const EngineStep& step) {
                : -1;
 }
 
-std::vector<CommandResult> PostgresEngine::RunBatch(const std::vector<EngineStep>& steps) {
+template <class Attempt>
+auto PostgresEngine::Resent(const std::vector<EngineStep>& steps, Attempt attempt) {
     if (Lost()) {
         Reconnect();
     }
@@ -548,14 +554,18 @@ std::vector<CommandResult> PostgresEngine::RunBatch(const std::vector<EngineStep
     // when their answer was lost, never are.
     const bool repeatable = !InTransaction() && OnlyReads(steps);
     try {
-        return RunBatchOnce(steps);
+        return attempt();
     } catch (...) {
         if (!repeatable || !Lost()) {
             throw;
         }
     }
     Reconnect();
-    return RunBatchOnce(steps);
+    return attempt();
+}
+
+std::vector<CommandResult> PostgresEngine::RunBatch(const std::vector<EngineStep>& steps) {
+    return Resent(steps, [&] { return RunBatchOnce(steps); });
 }
 
 std::optional<std::vector<CommandResult>> PostgresEngine::RunBatchAtVersion(
@@ -571,26 +581,18 @@ std::optional<std::vector<CommandResult>> PostgresEngine::RunBatchAtVersion(
                        .sql = &guard,
                        .doing = "reading the schema version"});
     guarded.insert(guarded.end(), steps.begin(), steps.end());
-    if (Lost()) {
-        Reconnect();
-    }
-    const bool repeatable = !InTransaction() && OnlyReads(steps);
-    try {
-        std::vector<CommandResult> results = RunBatchOnce(guarded);
-        results.erase(results.begin());
-        return results;
-    } catch (...) {
-        if (!Lost() && failedStep_ == 0) {
-            return std::nullopt;
-        }
-        if (!Lost() || !repeatable) {
+    return Resent(steps, [&]() -> std::optional<std::vector<CommandResult>> {
+        try {
+            std::vector<CommandResult> results = RunBatchOnce(guarded);
+            results.erase(results.begin());
+            return results;
+        } catch (...) {
+            if (!Lost() && failedStep_ == 0) {
+                return std::nullopt;
+            }
             throw;
         }
-    }
-    // Reads whose connection broke under them: the caller asks the version
-    // again the long way, then sends them once more.
-    Reconnect();
-    return std::nullopt;
+    });
 }
 
 std::vector<CommandResult> PostgresEngine::RunBatchOnce(const std::vector<EngineStep>& steps) {

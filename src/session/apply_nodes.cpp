@@ -425,32 +425,34 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
     // The missing references, each stored node once (two references may name
     // the same stored node), created together from their templates when
     // asked to.
-    std::vector<const RequiredNode*> absent;
+    struct Absent {
+        const RequiredNode* node;
+        std::size_t copy;  // its stored node's copy in `copies`
+        bool first;        // the first reference to that stored node
+    };
+    std::vector<Absent> absent;
     std::map<std::pair<std::string, std::string>, std::size_t> copyOf;
     std::vector<TemplateCopy> copies;
-    std::vector<std::size_t> copyAt;
     for (const RequiredNode& node : required) {
         if (exists(node)) {
             continue;
         }
-        absent.push_back(&node);
         const auto [at, first] =
             copyOf.try_emplace({LookedUpTypeID(node.typeID), node.number}, copies.size());
         if (first) {
             copies.push_back({"0", node.number, at->first.first});
         }
-        copyAt.push_back(at->second);
+        absent.push_back({&node, at->second, first});
     }
     const std::vector<bool> made = options.createMissing && !copies.empty()
                                        ? CopyTemplateNodes(db, config, partition, copies)
                                        : std::vector<bool>(copies.size(), false);
     std::vector<const RequiredNode*> missing;
-    std::set<std::size_t> told;
-    for (std::size_t i = 0; i < absent.size(); ++i) {
-        if (!made[copyAt[i]]) {
-            missing.push_back(absent[i]);
-        } else if (told.insert(copyAt[i]).second) {
-            result.createdReferences.push_back(absent[i]->key);
+    for (const Absent& reference : absent) {
+        if (!made[reference.copy]) {
+            missing.push_back(reference.node);
+        } else if (reference.first) {
+            result.createdReferences.push_back(reference.node->key);
         }
     }
     transaction.Commit();

@@ -49,26 +49,21 @@ const std::vector<std::string>& SchemaSpelling(const char* tableName,
         std::vector<std::string> names;
     };
     thread_local std::vector<Spelling> known;
-    for (const Spelling& spelling : known) {
-        if (spelling.table == tableName && spelling.columns == columns) {
-            return spelling.names;
-        }
+    auto spelling = std::find_if(known.begin(), known.end(),
+                                 [&](const Spelling& s) { return s.table == tableName; });
+    if (spelling == known.end()) {
+        spelling = known.insert(known.end(), {tableName, {}, {}});
+    } else if (spelling->columns == columns) {
+        return spelling->names;
     }
     const SchemaTable* table = FindSchemaTable(tableName);
-    std::vector<std::string> names;
-    names.reserve(columns.size());
+    spelling->columns = columns;
+    spelling->names.clear();
     for (const std::string& column : columns) {
         const SchemaColumn* schemaColumn = table != nullptr ? table->Column(column) : nullptr;
-        names.push_back(schemaColumn != nullptr ? schemaColumn->name : column);
+        spelling->names.push_back(schemaColumn != nullptr ? schemaColumn->name : column);
     }
-    const auto same = std::find_if(known.begin(), known.end(),
-                                   [&](const Spelling& s) { return s.table == tableName; });
-    Spelling spelling{tableName, columns, std::move(names)};
-    if (same != known.end()) {
-        *same = std::move(spelling);
-        return same->names;
-    }
-    return known.emplace_back(std::move(spelling)).names;
+    return spelling->names;
 }
 
 // Every row of a command's row set as JSON objects, closing it. Columns are
