@@ -1,6 +1,7 @@
 #include "directory/directory_check.h"
 
 #include "directory/keypad_keys.h"
+#include "directory/stage_matcher.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -15,150 +16,6 @@ namespace {
 
 // How many of the names that share a name's digits its reason names.
 constexpr std::size_t kNamedAtMost = 5;
-
-using NameIndex = std::uint32_t;
-
-struct NameKeys {
-    KeypadKey last;
-    KeypadKey first;
-    KeypadKey extension;
-};
-
-// The keys a mode compares the dialled digits with: one, or two for "Both Names".
-struct ModeKeys {
-    const KeypadKey* keys[2] = {nullptr, nullptr};
-    int count = 0;
-
-    std::span<const KeypadKey* const> All() const { return {keys, static_cast<size_t>(count)}; }
-};
-
-ModeKeys KeysOf(MatchMode mode, const NameKeys& name) {
-    switch (mode) {
-        case MatchMode::LastName:
-            return {{&name.last, nullptr}, 1};
-        case MatchMode::FirstName:
-            return {{&name.first, nullptr}, 1};
-        case MatchMode::BothNames:
-            return {{&name.last, &name.first}, 2};
-        case MatchMode::Extension:
-            return {{&name.extension, nullptr}, 1};
-    }
-    return {{&name.last, nullptr}, 1};
-}
-
-// How many leading digits of a key the check tells apart: more than any
-// digit list offers.
-constexpr std::size_t kIndexedDigits = 15;
-
-// Leading digits packed into a number, four bits a digit from the top, each
-// digit as 1 to 10 so that 0 marks the end: numeric order is the digits'
-// order, and the keys that begin with a prefix form one range of numbers.
-// Sorting and searching numbers keeps the index in one small block of memory.
-std::uint64_t Packed(std::string_view digits) {
-    std::uint64_t packed = 0;
-    const std::size_t length = std::min(digits.size(), kIndexedDigits);
-    for (std::size_t i = 0; i < length; ++i) {
-        packed |= static_cast<std::uint64_t>(digits[i] - '0' + 1) << (60 - 4 * i);
-    }
-    return packed;
-}
-
-// Keys in digit order, searched by prefix in O(log n).
-class PrefixIndex {
-public:
-    struct Entry {
-        std::uint64_t digits = 0;
-        NameIndex name = 0;
-
-        bool operator<(const Entry& other) const {
-            return digits != other.digits ? digits < other.digits : name < other.name;
-        }
-    };
-
-    void Add(std::string_view digits, NameIndex name) {
-        if (!digits.empty()) {
-            entries_.push_back({Packed(digits), name});
-        }
-    }
-    void Sort() { std::sort(entries_.begin(), entries_.end()); }
-
-    // The entries whose digits begin with prefix (1 to kIndexedDigits digits).
-    std::span<const Entry> WithPrefix(std::string_view prefix) const {
-        const std::uint64_t low = Packed(prefix);
-        const std::size_t length = std::min(prefix.size(), kIndexedDigits);
-        const std::uint64_t high = low | ((std::uint64_t{1} << (64 - 4 * length)) - 1);
-        const auto first = std::lower_bound(
-            entries_.begin(), entries_.end(), low,
-            [](const Entry& entry, std::uint64_t value) { return entry.digits < value; });
-        const auto last = std::upper_bound(
-            first, entries_.end(), high,
-            [](std::uint64_t value, const Entry& entry) { return value < entry.digits; });
-        return {first, last};
-    }
-
-private:
-    std::vector<Entry> entries_;
-};
-
-// The names of a set that one stage's dialled digits match. With "Both
-// Names" a name matches through either key and counts once: the names whose
-// two keys share the dialled digits are kept aside and subtracted.
-class StageMatcher {
-public:
-    StageMatcher(MatchMode mode, const std::vector<NameKeys>& keys,
-                 std::span<const NameIndex> names) {
-        for (NameIndex name : names) {
-            const ModeKeys modeKeys = KeysOf(mode, keys[name]);
-            for (const KeypadKey* key : modeKeys.All()) {
-                keys_.Add(key->digits, name);
-            }
-            if (modeKeys.count == 2) {
-                const std::string_view a = modeKeys.keys[0]->digits;
-                const std::string_view b = modeKeys.keys[1]->digits;
-                const auto common =
-                    std::mismatch(a.begin(), a.begin() + std::min(a.size(), b.size()), b.begin());
-                both_.Add(a.substr(0, static_cast<std::size_t>(common.first - a.begin())), name);
-            }
-        }
-        keys_.Sort();
-        both_.Sort();
-    }
-
-    int Count(std::string_view digits) const {
-        return static_cast<int>(keys_.WithPrefix(digits).size() - both_.WithPrefix(digits).size());
-    }
-
-    // The names the digits match, each once, in key order.
-    std::vector<NameIndex> Matches(std::string_view digits) const {
-        std::vector<NameIndex> names;
-        for (const PrefixIndex::Entry& entry : keys_.WithPrefix(digits)) {
-            names.push_back(entry.name);
-        }
-        std::sort(names.begin(), names.end());
-        names.erase(std::unique(names.begin(), names.end()), names.end());
-        return names;
-    }
-
-    // Up to `limit` names the digits match other than `except`, each once.
-    std::vector<NameIndex> Others(std::string_view digits, NameIndex except,
-                                  std::size_t limit) const {
-        std::vector<NameIndex> names;
-        for (const PrefixIndex::Entry& entry : keys_.WithPrefix(digits)) {
-            if (names.size() == limit) {
-                break;
-            }
-            if (entry.name != except &&
-                std::find(names.begin(), names.end(), entry.name) == names.end()) {
-                names.push_back(entry.name);
-            }
-        }
-        return names;
-    }
-
-private:
-    PrefixIndex keys_;
-    PrefixIndex both_;
-};
 
 // What a caller dials for a name in one stage: the longest allowed prefix of
 // one of its keys, the one that leaves the fewest matches.
@@ -274,31 +131,7 @@ std::string SharedWith(const std::vector<DirectoryName>& names,
 class DirectoryCheck {
 public:
     DirectoryCheck(const SearchSettings& settings, const std::vector<DirectoryName>& names)
-        : settings_(settings), names_(names) {
-        // Only the keys some stage searches by are made.
-        bool last = false;
-        bool first = false;
-        bool extension = false;
-        for (const SearchStage& stage : settings.stages) {
-            last = last || stage.mode == MatchMode::LastName || stage.mode == MatchMode::BothNames;
-            first =
-                first || stage.mode == MatchMode::FirstName || stage.mode == MatchMode::BothNames;
-            extension = extension || stage.mode == MatchMode::Extension;
-        }
-        KeypadSpeller speller;
-        keys_.resize(names.size());
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            if (last) {
-                keys_[i].last = speller.NameKey(names[i].lastName);
-            }
-            if (first) {
-                keys_[i].first = speller.NameKey(names[i].firstName);
-            }
-            if (extension) {
-                keys_[i].extension = ExtensionKey(names[i].extension);
-            }
-        }
-    }
+        : settings_(settings), names_(names), keys_(MakeNameKeys(settings, names)) {}
 
     std::vector<NameVerdict> Run() {
         std::vector<NameVerdict> verdicts(names_.size());

@@ -13,6 +13,8 @@ struct DirectoryName {
     std::string lastName;
     std::string firstName;
     std::string extension;
+
+    bool operator==(const DirectoryName&) const = default;
 };
 
 // How a caller reaches a name, if at all.

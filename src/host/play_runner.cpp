@@ -95,6 +95,9 @@ void Player::Execute(const Action& action) {
         case Verb::Entries:
             Entries(action);
             return;
+        case Verb::Simulate:
+            Simulate(action);
+            return;
         default:
             Operate(action);
             return;

@@ -41,6 +41,7 @@ private:
     void Operate(const Action& action);
     void Show(const Action& action);
     void Entries(const Action& action);
+    void Simulate(const Action& action);
 
     form::GUI& ShownForm();
     form::Control& FindControl(const std::string& name);

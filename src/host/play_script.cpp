@@ -21,7 +21,7 @@ struct VerbInfo {
     int maxOperands;  // -1: no limit
 };
 
-constexpr std::array<VerbInfo, 12> kVerbs{{
+constexpr std::array<VerbInfo, 13> kVerbs{{
     {"open", Verb::Open, "CONFIG PARTITION NODE", 3, 3},
     {"answer", Verb::Answer, "CODE", 1, 1},
     {"pick", Verb::Pick, "CONTROL TEXT", 2, 2},
@@ -34,6 +34,7 @@ constexpr std::array<VerbInfo, 12> kVerbs{{
     {"close", Verb::Close, "", 0, 0},
     {"show", Verb::Show, "NAME...", 1, -1},
     {"entries", Verb::Entries, "LIST", 1, 1},
+    {"simulate", Verb::Simulate, "KEYS...", 1, -1},
 }};
 
 const VerbInfo* FindVerb(std::string_view word) {

@@ -6,6 +6,7 @@
 #include "qt/directory_check_window.h"
 #include "qt/form_fonts.h"
 #include "qt/screen_fit.h"
+#include "qt/try_as_caller_window.h"
 
 #include <QCloseEvent>
 #include <QScrollBar>
@@ -80,6 +81,7 @@ FormView::FormView(form::GUI& form, QWidget* parent)
     SetTabOrder();
     FollowWidth();
     InstallDirectoryCheckKey(*this);
+    InstallCallerTools(*this);
     ApplyShortcut();
     formObserver_ = form.Observe([this](form::FormChange change) {
         if (change == form::FormChange::Width) {

@@ -46,6 +46,10 @@ directory::DirectoryReport CheckStoredNode(DataBase& db, std::int16_t config,
 // The search settings the form shows now, saved or not.
 directory::SearchSettings FormSearchSettings(const form::GUI& form);
 
+// The names of the directory the form shows now, read through the form's own
+// session object. Raises kErrDirectoryMissing as above.
+std::vector<directory::DirectoryName> ReadFormDirectoryNames(form::GUI& form);
+
 // The check of the node on show in the form, under the settings and the
 // directory the form shows now. Reads the directory through the form's own
 // session object. Raises kErrDirectoryMissing as above.

@@ -1,0 +1,306 @@
+#include "qt/try_as_caller_window.h"
+
+#include "form/gui.h"
+#include "qt/directory_check_window.h"
+#include "qt/form_view.h"
+#include "qt/screen_fit.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QShortcut>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <functional>
+
+namespace dbn::qt {
+namespace {
+
+// The keypad as a telephone shows it, row by row.
+constexpr char kKeypad[] = "123456789*0#";
+
+// "Key 5", "Key star", "Key pound": a name for each keypad button.
+QString KeyName(char key) {
+    if (key == '*') {
+        return QStringLiteral("Key star");
+    }
+    if (key == '#') {
+        return QStringLiteral("Key pound");
+    }
+    return QStringLiteral("Key %1").arg(QChar(key));
+}
+
+// The keypad key a keyboard key stands for, or '\0'.
+char KeypadKeyOf(const QKeyEvent& event) {
+    if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) {
+        return '\0';
+    }
+    const QString text = event.text();
+    if (text.size() == 1) {
+        const char c = text.at(0).toLatin1();
+        if ((c >= '0' && c <= '9') || c == '*' || c == '#') {
+            return c;
+        }
+    }
+    return '\0';
+}
+
+QString Text(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+}  // namespace
+
+TryAsCallerWindow::TryAsCallerWindow(form::GUI& form, QWidget* parent)
+    : QWidget(parent, Qt::Window),
+      form_(form),
+      trial_(form),
+      transcript_(new QPlainTextEdit(this)),
+      matches_(new QListWidget(this)),
+      state_(new QLabel(this)) {
+    setWindowTitle(kTitle);
+    transcript_->setReadOnly(true);
+    transcript_->setLineWrapMode(QPlainTextEdit::NoWrap);
+    transcript_->setAccessibleName(QStringLiteral("Transcript"));
+    matches_->setAccessibleName(QStringLiteral("Current matches"));
+    state_->setWordWrap(true);
+    state_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+
+    auto* transcriptLabel = new QLabel(QStringLiteral("&Transcript:"), this);
+    transcriptLabel->setBuddy(transcript_);
+    auto* matchesLabel = new QLabel(QStringLiteral("Current &matches:"), this);
+    matchesLabel->setBuddy(matches_);
+
+    auto* left = new QVBoxLayout;
+    left->addWidget(transcriptLabel);
+    left->addWidget(transcript_, 3);
+    left->addWidget(state_);
+    left->addWidget(matchesLabel);
+    left->addWidget(matches_, 1);
+    auto* layout = new QHBoxLayout(this);
+    layout->addLayout(left, 1);
+    layout->addWidget(MakeKeypad(), 0, Qt::AlignTop);
+    resize(760, 520);
+
+    for (const QKeySequence& keys :
+         {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::CTRL | Qt::Key_W)}) {
+        auto* shortcut = new QShortcut(keys, this);
+        shortcut->setContext(Qt::WindowShortcut);
+        connect(shortcut, &QShortcut::activated, this, &QWidget::close);
+    }
+    // The keyboard works as the keypad wherever the focus is in the window.
+    installEventFilter(this);
+    for (QWidget* child : findChildren<QWidget*>()) {
+        child->installEventFilter(this);
+    }
+    WatchForm();
+    Restart();
+}
+
+TryAsCallerWindow::~TryAsCallerWindow() {
+    for (auto& [control, id] : observers_) {
+        control->Unobserve(id);
+    }
+    form_.Unobserve(formObserver_);
+}
+
+QWidget* TryAsCallerWindow::MakeKeypad() {
+    auto* pad = new QWidget(this);
+    auto* grid = new QGridLayout(pad);
+    grid->setContentsMargins(0, 0, 0, 0);
+    for (int i = 0; kKeypad[i] != '\0'; ++i) {
+        const char key = kKeypad[i];
+        auto* button = new QPushButton(QString(QChar(key)), pad);
+        button->setAccessibleName(KeyName(key));
+        button->setAutoDefault(false);
+        button->setMinimumSize(56, 40);
+        connect(button, &QPushButton::clicked, this, [this, key] { Press(key); });
+        grid->addWidget(button, i / 3, i % 3);
+    }
+    auto* silence = new QPushButton(QStringLiteral("&Silence"), pad);
+    silence->setAccessibleName(QStringLiteral("Silence"));
+    silence->setToolTip(QStringLiteral("Let the time-out pass without a key"));
+    connect(silence, &QPushButton::clicked, this, [this] { Press('\0'); });
+    auto* restart = new QPushButton(QStringLiteral("&Restart"), pad);
+    restart->setAccessibleName(QStringLiteral("Restart"));
+    connect(restart, &QPushButton::clicked, this, [this] { Restart(); });
+    for (QPushButton* button : {silence, restart}) {
+        button->setAutoDefault(false);
+    }
+    grid->addWidget(silence, 4, 0, 1, 3);
+    grid->addWidget(restart, 5, 0, 1, 3);
+    return pad;
+}
+
+// Any change of a value, a list's selection or a list's rows may change the
+// call; the plan is read again once the change is over.
+void TryAsCallerWindow::WatchForm() {
+    for (form::Control* control : form_.Controls()) {
+        const int id = control->Observe([this](form::Control&, form::ChangeAspect aspect) {
+            if (aspect != form::ChangeAspect::Text && aspect != form::ChangeAspect::Selection &&
+                aspect != form::ChangeAspect::Rows) {
+                return;
+            }
+            if (!refreshPending_) {
+                refreshPending_ = true;
+                QTimer::singleShot(0, this, [this] {
+                    refreshPending_ = false;
+                    FollowForm();
+                });
+            }
+        });
+        observers_.emplace_back(control, id);
+    }
+    formObserver_ = form_.Observe([this](form::FormChange change) {
+        if (change == form::FormChange::Loaded && isVisible()) {
+            Restart();
+        }
+    });
+}
+
+void TryAsCallerWindow::Press(char key) {
+    directory::CallEvent event{key};
+    if (trial_.Answer(event)) {
+        ShowCall();
+    }
+}
+
+void TryAsCallerWindow::Restart() {
+    trial_.Refresh(true);
+    ShowCall();
+}
+
+void TryAsCallerWindow::FollowForm() {
+    if (form_.IsLoaded() && isVisible() && trial_.Refresh()) {
+        ShowCall();
+    }
+}
+
+void TryAsCallerWindow::ShowCall() {
+    matches_->clear();
+    if (!trial_.Problem().empty()) {
+        transcript_->setPlainText(Text(trial_.Problem()));
+        state_->clear();
+        return;
+    }
+    transcript_->setPlainText(Text(trial_.Transcript()));
+    transcript_->verticalScrollBar()->setValue(transcript_->verticalScrollBar()->maximum());
+    if (trial_.Steps().empty()) {
+        state_->clear();
+        return;
+    }
+    const directory::CallStep& step = trial_.Steps().back();
+    const std::string text = directory::StepText(step);
+    // The state is the step's last line, without its indent.
+    const std::size_t last = text.rfind('\n', text.size() - 2);
+    state_->setText(Text(text.substr(last + 3, text.size() - last - 4)));
+    for (std::size_t i = 0; i < step.matches.size(); ++i) {
+        const directory::CallMatch& match = step.matches[i];
+        QString line = Text(match.name + (match.extension.empty() ? "" : " " + match.extension));
+        if (step.stage == directory::CallStage::Confirmation) {
+            line = QStringLiteral("%1  %2").arg(i + 1).arg(line);
+        }
+        matches_->addItem(line);
+    }
+}
+
+QString TryAsCallerWindow::Transcript() const {
+    return transcript_->toPlainText();
+}
+
+QStringList TryAsCallerWindow::Matches() const {
+    QStringList lines;
+    for (int i = 0; i < matches_->count(); ++i) {
+        lines << matches_->item(i)->text();
+    }
+    return lines;
+}
+
+QString TryAsCallerWindow::State() const {
+    return state_->text();
+}
+
+bool TryAsCallerWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        const char key = KeypadKeyOf(static_cast<QKeyEvent&>(*event));
+        if (key != '\0') {
+            Press(key);
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void TryAsCallerWindow::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    KeepOnScreen(*this);
+}
+
+TryAsCallerWindow& ShowTryAsCaller(FormView& view) {
+    auto* window = view.findChild<TryAsCallerWindow*>();
+    if (window == nullptr) {
+        window = new TryAsCallerWindow(view.Form(), &view);
+    } else {
+        window->Restart();
+    }
+    window->show();
+    KeepOnScreen(*window);
+    window->raise();
+    window->activateWindow();
+    return *window;
+}
+
+void InstallCallerTools(FormView& view) {
+    auto* key = new QShortcut(QKeySequence(Qt::Key_F8), &view);
+    key->setContext(Qt::WindowShortcut);
+    QObject::connect(key, &QShortcut::activated, &view, [&view] { ShowTryAsCaller(view); });
+
+    // Two buttons between the actions frame and OK, Cancel and Apply.
+    QWidget* ok = view.WidgetOf("cmdOK");
+    if (ok == nullptr) {
+        return;
+    }
+    const form::GUI& form = view.Form();
+    const int frameBottom = form.fraActions.Top() + form.fraActions.Height();
+    const int height = form.cmdOK.Height();
+    const int top = frameBottom + (form.cmdOK.Top() - frameBottom - height) / 2;
+    // Side by side over the width of OK, Cancel and Apply.
+    const int left = form.cmdOK.Left();
+    const int gap = 120;
+    const int width = (form.cmdApply.Left() + form.cmdApply.Width() - left - gap) / 2;
+    struct Tool {
+        const char* caption;
+        const char* name;
+        const char* tip;
+        std::function<void()> run;
+    };
+    const Tool tools[] = {{"Director&y Check", "Directory Check", "Who callers can reach (F7)",
+                           [&view] { ShowDirectoryCheck(view); }},
+                          {"Try as Ca&ller", "Try as Caller", "Dial this node as a caller (F8)",
+                           [&view] { ShowTryAsCaller(view); }}};
+    QWidget* previous = view.WidgetOf("cmdApply");
+    for (int i = 0; i < 2; ++i) {
+        const Tool& tool = tools[i];
+        auto* button = new QPushButton(QString::fromUtf8(tool.caption), ok->parentWidget());
+        button->setObjectName(QString::fromUtf8(tool.name));
+        button->setAccessibleName(QString::fromUtf8(tool.name));
+        button->setToolTip(QString::fromUtf8(tool.tip));
+        button->setAutoDefault(false);
+        button->setGeometry(
+            view.Scale().ToPixels(form::Rect{left + i * (width + gap), top, width, height}));
+        QObject::connect(button, &QPushButton::clicked, &view, tool.run);
+        button->show();
+        if (previous != nullptr) {
+            QWidget::setTabOrder(previous, button);
+        }
+        previous = button;
+    }
+}
+
+}  // namespace dbn::qt
