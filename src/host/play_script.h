@@ -13,19 +13,20 @@
 namespace dbn::host {
 
 enum class Verb {
-    Open,      // open CONFIG PARTITION NODE
-    Answer,    // answer CODE
-    Pick,      // pick CONTROL TEXT
-    Type,      // type CONTROL TEXT
-    Click,     // click CONTROL
-    Row,       // row LISTVIEW KEY
-    Focus,     // focus CONTROL
-    Header,    // header LISTVIEW
-    Scroll,    // scroll LISTVIEW
-    Close,     // close
-    Show,      // show NAME...
-    Entries,   // entries LIST
-    Simulate,  // simulate KEYS... (a call against the form's current settings)
+    Open,     // open CONFIG PARTITION NODE
+    Answer,   // answer CODE
+    Pick,     // pick CONTROL TEXT
+    Type,     // type CONTROL TEXT
+    Click,    // click CONTROL
+    Row,      // row LISTVIEW KEY
+    Focus,    // focus CONTROL
+    Header,   // header LISTVIEW
+    Scroll,   // scroll LISTVIEW
+    Close,    // close
+    Show,     // show NAME...
+    Entries,  // entries LIST
+    // simulate KEYS...: a call through the node under the form's current settings
+    Simulate,
 };
 
 struct Action {
