@@ -41,8 +41,8 @@ directory::CallPlan LargePlan() {
     plan.namePrompts.assign(3, {"MSG 7", "Name prompt"});
     plan.retryLimit = 5;
     for (int row = 1; row <= kNames; ++row) {
-        plan.names.push_back({row, Syllables(row, 3, 1), Syllables(row, 2, 4),
-                              std::to_string(100000 + row)});
+        plan.names.push_back(
+            {row, Syllables(row, 3, 1), Syllables(row, 2, 4), std::to_string(100000 + row)});
     }
     return plan;
 }

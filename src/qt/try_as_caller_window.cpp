@@ -69,6 +69,7 @@ TryAsCallerWindow::TryAsCallerWindow(form::GUI& form, QWidget* parent)
     transcript_->setLineWrapMode(QPlainTextEdit::NoWrap);
     transcript_->setAccessibleName(QStringLiteral("Transcript"));
     matches_->setAccessibleName(QStringLiteral("Current matches"));
+    state_->setAccessibleName(QStringLiteral("State of the call"));
     state_->setWordWrap(true);
     state_->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
@@ -280,9 +281,9 @@ void InstallCallerTools(FormView& view) {
         const char* tip;
         std::function<void()> run;
     };
-    const Tool tools[] = {{"Director&y Check", "Directory Check", "Who callers can reach (F7)",
+    const Tool tools[] = {{"Directory Chec&k", "Directory Check", "Who callers can reach (F7)",
                            [&view] { ShowDirectoryCheck(view); }},
-                          {"Try as Ca&ller", "Try as Caller", "Dial this node as a caller (F8)",
+                          {"Tr&y as Caller", "Try as Caller", "Dial this node as a caller (F8)",
                            [&view] { ShowTryAsCaller(view); }}};
     QWidget* previous = view.WidgetOf("cmdApply");
     for (int i = 0; i < 2; ++i) {

@@ -141,6 +141,22 @@ foreach(command "edit;1;1;1" "browse")
   endif()
 endforeach()
 
+# simulate: a call through demo node 1 from --keys or from standard input.
+expect(STATUS 0 OUT "^0 start\n  play: MSG 1 \"Main greeting\"\n.*\n5 key 1\n  note: picked 1\n  play: the name \"Grace Adams\"\n  exit Valid Match: XFER 1 \"Operator transfer\", extension 2101 \\(Grace Adams\\)\n$"
+  ARGS simulate --data-root ${root} --keys "2 3 2 silence 1" 1 1 1)
+expect(STATUS 0 OUT "\n{\"step\":1,\"event\":\"#\",.*\"exit\":{\"exit\":\"#\",\"target\":\"NOOP\",\"description\":\"\"}}\n$"
+  ARGS simulate --data-root ${root} --json --keys "#" 1 1 1)
+expect(STATUS 2 ERR "^dbn-node-editor: --keys: \"9x\" is not a key \\(0-9, \\*, #\\) or \"silence\"\n$"
+  ARGS simulate --data-root ${root} --keys "2 9x" 1 1 1)
+expect(STATUS 1 ERR "DBN 77 doesn't exist" ARGS simulate --data-root ${root} 1 1 77)
+file(WRITE ${WORK}/events.txt "2\n\nhush\n3\n")
+execute_process(COMMAND ${EDITOR} simulate --data-root ${root} 1 1 1 INPUT_FILE ${WORK}/events.txt
+  RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE err)
+if(NOT status EQUAL 1 OR NOT out MATCHES "\n2 key 3\n  first stage, Last Name: 23, 1 match: Grace Adams 2101\n$"
+   OR NOT err STREQUAL "dbn-node-editor: \"hush\" is not a key (0-9, *, #) or \"silence\"\ndbn-node-editor: the events ended before the call left the node\n")
+  set(failures "${failures}\nsimulate from standard input: status ${status}: ${out}${err}")
+endif()
+
 if(failures)
   message(FATAL_ERROR "${failures}")
 endif()
