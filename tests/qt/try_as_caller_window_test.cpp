@@ -7,7 +7,6 @@
 
 #include <QPushButton>
 #include <QShortcut>
-#include <QTest>
 
 #include <set>
 
@@ -23,6 +22,12 @@ qt::TryAsCallerWindow& PressF8(qt::FormView& view) {
     auto* window = view.findChild<qt::TryAsCallerWindow*>();
     EXPECT_NE(window, nullptr);
     return *window;
+}
+
+// A key typed on the keyboard while `widget` has the focus.
+void Type(QWidget& widget, char c) {
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QString(QChar(c)));
+    QApplication::sendEvent(&widget, &key);
 }
 
 QPushButton& Button(QWidget& window, const QString& name) {
@@ -43,15 +48,15 @@ TEST_F(EditorWindowTest, KeypadAndKeyboardDriveTheCallAndAChangeStartsItAgain) {
         EXPECT_EQ(window.State(), "first stage, Last Name: no digits, 5 names");
 
         Button(window, "Key 2").click();
-        QTest::keyClicks(&window, "3");
+        Type(window, '3');
         // The keyboard works as the keypad wherever the focus is.
         Button(window, "Restart").setFocus();
-        QTest::keyClick(&Button(window, "Restart"), Qt::Key_2);
+        Type(Button(window, "Restart"), '2');
         EXPECT_EQ(window.Matches(), QStringList{"Grace Adams 2101"});
         Button(window, "Silence").click();
         EXPECT_EQ(window.State(), "confirmation: 1 name offered: 1 Grace Adams 2101");
         EXPECT_EQ(window.Matches(), QStringList{"1  Grace Adams 2101"});
-        QTest::keyClick(&window, Qt::Key_1);
+        Type(window, '1');
         EXPECT_EQ(window.State(),
                   "exit Valid Match: XFER 1 \"Operator transfer\", extension 2101 (Grace Adams)");
         EXPECT_TRUE(window.Transcript().startsWith("0 start\n  play: MSG 1 \"Main greeting\"\n"));
@@ -61,7 +66,7 @@ TEST_F(EditorWindowTest, KeypadAndKeyboardDriveTheCallAndAChangeStartsItAgain) {
         PickEntry(WidgetOf<QComboBox>(view, "cmbfirstMatch"), "Extension");
         QCoreApplication::processEvents();
         EXPECT_EQ(window.State(), "first stage, Extension: no digits, 5 names");
-        QTest::keyClicks(&window, "*");
+        Type(window, '*');
         EXPECT_EQ(window.State(), "exit *: NOOP");
         Button(window, "Restart").click();
         EXPECT_EQ(window.Transcript().count("\n"), 4);
