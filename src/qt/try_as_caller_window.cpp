@@ -285,7 +285,8 @@ void InstallCallerTools(FormView& view) {
                            [&view] { ShowDirectoryCheck(view); }},
                           {"Tr&y as Caller", "Try as Caller", "Dial this node as a caller (F8)",
                            [&view] { ShowTryAsCaller(view); }}};
-    QWidget* previous = view.WidgetOf("cmdApply");
+    // Out of the form's tab order, which holds the form's own controls: the
+    // keyboard reaches them by their mnemonics, F7 and F8.
     for (int i = 0; i < 2; ++i) {
         const Tool& tool = tools[i];
         auto* button = new QPushButton(QString::fromUtf8(tool.caption), ok->parentWidget());
@@ -293,14 +294,11 @@ void InstallCallerTools(FormView& view) {
         button->setAccessibleName(QString::fromUtf8(tool.name));
         button->setToolTip(QString::fromUtf8(tool.tip));
         button->setAutoDefault(false);
+        button->setFocusPolicy(Qt::NoFocus);
         button->setGeometry(
             view.Scale().ToPixels(form::Rect{left + i * (width + gap), top, width, height}));
         QObject::connect(button, &QPushButton::clicked, &view, tool.run);
         button->show();
-        if (previous != nullptr) {
-            QWidget::setTabOrder(previous, button);
-        }
-        previous = button;
     }
 }
 
