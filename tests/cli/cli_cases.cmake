@@ -148,7 +148,7 @@ expect(STATUS 0 OUT "\n{\"step\":1,\"event\":\"#\",.*\"exit\":{\"exit\":\"#\",\"
   ARGS simulate --data-root ${root} --json --keys "#" 1 1 1)
 expect(STATUS 2 ERR "^dbn-node-editor: --keys: \"9x\" is not a key \\(0-9, \\*, #\\) or \"silence\"\n$"
   ARGS simulate --data-root ${root} --keys "2 9x" 1 1 1)
-expect(STATUS 1 ERR "DBN 77 doesn't exist" ARGS simulate --data-root ${root} 1 1 77)
+expect(STATUS 1 ERR "^dbn-node-editor: DBN 7 doesn.t exist.\n$" ARGS simulate --data-root ${root} 1 1 7)
 file(WRITE ${WORK}/events.txt "2\n\nhush\n3\n")
 execute_process(COMMAND ${EDITOR} simulate --data-root ${root} 1 1 1 INPUT_FILE ${WORK}/events.txt
   RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE err)
