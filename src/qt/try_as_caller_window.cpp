@@ -66,7 +66,6 @@ TryAsCallerWindow::TryAsCallerWindow(form::GUI& form, QWidget* parent)
       state_(new QLabel(this)) {
     setWindowTitle(kTitle);
     transcript_->setReadOnly(true);
-    transcript_->setLineWrapMode(QPlainTextEdit::NoWrap);
     transcript_->setAccessibleName(QStringLiteral("Transcript"));
     matches_->setAccessibleName(QStringLiteral("Current matches"));
     state_->setAccessibleName(QStringLiteral("State of the call"));
