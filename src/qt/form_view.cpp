@@ -237,6 +237,8 @@ void FormView::FitToScreen() {
         width += scroll_->verticalScrollBar()->sizeHint().width();
     }
     const bool horizontal = width > available.width();
+    scroll_->setHorizontalScrollBarPolicy(horizontal ? Qt::ScrollBarAsNeeded
+                                                     : Qt::ScrollBarAlwaysOff);
     width = std::min(width, available.width());
     int height = form.height() + BelowForm(width);
     if (horizontal) {
