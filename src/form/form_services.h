@@ -6,7 +6,10 @@ namespace dbn::form {
 
 class GUI;
 
-enum class MsgBoxButtons { OK, YesNoCancel };
+// SaveOverDiscardCancel: the question whether to save over another
+// program's change, answered as YesNoCancel (Yes saves over it, No drops
+// the edits); Cancel is its default.
+enum class MsgBoxButtons { OK, YesNoCancel, SaveOverDiscardCancel };
 enum class MsgBoxIcon { Information, Exclamation, Question };
 
 // Message-box answer codes.

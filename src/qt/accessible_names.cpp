@@ -1,9 +1,13 @@
 #include "qt/accessible_names.h"
 
 #include "form/controls/simple_controls.h"
+#include "form/field_names.h"
+#include "form/mnemonics.h"
 #include "qt/simple_bindings.h"
 
+#include <QComboBox>
 #include <QLabel>
+#include <QLineEdit>
 
 #include <algorithm>
 #include <cctype>
@@ -113,9 +117,58 @@ QWidget* InputBeside(const std::vector<const ControlBinding*>& bindings,
     return nearest;
 }
 
+// Letters for the labels with a field, then OK, Cancel and Apply, then the
+// other captions, then the other buttons; answers the other captions marked.
+std::vector<QString> GiveMnemonics(const std::vector<const ControlBinding*>& byTab,
+                                   const std::vector<std::string>& otherCaptions) {
+    struct Owner {
+        std::string caption;
+        ControlBinding* binding;  // nullptr: one of the other captions
+    };
+    std::vector<Owner> labels;
+    std::vector<Owner> commit;
+    std::vector<Owner> buttons;
+    for (const ControlBinding* binding : byTab) {
+        auto* owner = const_cast<ControlBinding*>(binding);
+        const auto* label = dynamic_cast<const QLabel*>(binding->Widget());
+        const auto* button = dynamic_cast<const form::Button*>(&binding->Control());
+        if (label != nullptr && label->buddy() != nullptr) {
+            labels.push_back(
+                {static_cast<const form::Label&>(binding->Control()).Caption(), owner});
+        } else if (button != nullptr && button->Picture() == form::ButtonPicture::None) {
+            const std::string& name = button->Name();
+            const bool isCommit = name == "cmdOK" || name == "cmdCancel" || name == "cmdApply";
+            (isCommit ? commit : buttons).push_back({button->Caption(), owner});
+        }
+    }
+    std::vector<Owner> owners = std::move(labels);
+    owners.insert(owners.end(), commit.begin(), commit.end());
+    for (const std::string& caption : otherCaptions) {
+        owners.push_back({caption, nullptr});
+    }
+    owners.insert(owners.end(), buttons.begin(), buttons.end());
+    std::vector<std::string> captions;
+    for (const Owner& owner : owners) {
+        captions.push_back(owner.caption);
+    }
+    const std::vector<std::optional<char>> letters = form::ChooseMnemonics(captions);
+    std::vector<QString> marked;
+    for (std::size_t i = 0; i < owners.size(); ++i) {
+        if (owners[i].binding == nullptr) {
+            marked.push_back(QString::fromStdString(form::MarkMnemonic(captions[i], letters[i])));
+        } else if (auto* label = dynamic_cast<LabelBinding*>(owners[i].binding)) {
+            label->SetMnemonic(letters[i]);
+        } else if (auto* button = dynamic_cast<ButtonBinding*>(owners[i].binding)) {
+            button->SetMnemonic(letters[i]);
+        }
+    }
+    return marked;
+}
+
 }  // namespace
 
-void NameControls(const std::vector<std::unique_ptr<ControlBinding>>& bindings) {
+std::vector<QString> NameControls(const std::vector<std::unique_ptr<ControlBinding>>& bindings,
+                                  const std::vector<std::string>& otherCaptions) {
     std::vector<const ControlBinding*> byTab;
     for (const auto& binding : bindings) {
         byTab.push_back(binding.get());
@@ -148,10 +201,16 @@ void NameControls(const std::vector<std::unique_ptr<ControlBinding>>& bindings) 
 
     for (const ControlBinding* binding : byTab) {
         QWidget* widget = binding->Widget();
+        const form::Control& control = binding->Control();
+        if (const std::optional<std::string> field = form::FieldName(control.Name())) {
+            widget->setAccessibleName(QString::fromStdString(*field));
+        }
+        if (auto* combo = qobject_cast<QComboBox*>(widget); combo && combo->lineEdit()) {
+            combo->lineEdit()->setAccessibleName(widget->accessibleName());
+        }
         if (!widget->accessibleName().isEmpty()) {
             continue;
         }
-        const form::Control& control = binding->Control();
         QString name;
         if (const auto* button = dynamic_cast<const form::Button*>(&control)) {
             name = ButtonName(*button);
@@ -167,6 +226,7 @@ void NameControls(const std::vector<std::unique_ptr<ControlBinding>>& bindings) 
         }
         widget->setAccessibleName(name.isEmpty() ? NameInWords(control.Name()) : name);
     }
+    return GiveMnemonics(byTab, otherCaptions);
 }
 
 }  // namespace dbn::qt

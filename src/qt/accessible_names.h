@@ -2,7 +2,10 @@
 
 #include "qt/control_binding.h"
 
+#include <QString>
+
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace dbn::qt {
@@ -12,10 +15,14 @@ namespace dbn::qt {
 // - a label is the buddy of the input that follows it in the tab order in the
 //   same container, and is centred on that input's text line (the record
 //   position on the record selector's);
-// - an input is named by its label; a list view by its frame's caption; a
-//   button by its caption, the navigation pictures "First", "Previous",
-//   "Next" and "Last"; anything else by its control name in words
-//   (cmbSecondMinDigits: "Second Min Digits").
-void NameControls(const std::vector<std::unique_ptr<ControlBinding>>& bindings);
+// - a control is named by the field it sets (form::FieldName), the edit box
+//   of a combo box as its combo box; a control without such a name by its
+//   label, frame caption or caption, else by its control name in words;
+// - every label with a field and every button with a caption gets a
+//   mnemonic letter unique in the window, shared with `otherCaptions` (the
+//   window's captions outside the form), whose marked texts are answered
+//   in their order.
+std::vector<QString> NameControls(const std::vector<std::unique_ptr<ControlBinding>>& bindings,
+                                  const std::vector<std::string>& otherCaptions);
 
 }  // namespace dbn::qt

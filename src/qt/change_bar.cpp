@@ -2,26 +2,25 @@
 
 #include "core/component_error.h"
 #include "form/gui.h"
+#include "qt/focus_frame.h"
 #include "qt/form_view.h"
 #include "session/business_rules.h"
 #include "session/change_watcher.h"
 #include "session/editor_changes.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSocketNotifier>
 #include <QTimer>
-
-#include <array>
+#include <QVBoxLayout>
 
 namespace dbn::qt {
 namespace {
 
 constexpr int kFileCheckMilliseconds = 500;
-constexpr int kBarHeight = 30;
-const std::array<const char*, 3> kButtons{"cmdOK", "cmdCancel", "cmdApply"};
 
 }  // namespace
 
@@ -52,20 +51,38 @@ ChangeBar::ChangeBar(FormView& view, form::GUI& form,
     QPalette colours = palette();
     colours.setColor(QPalette::Window, QColor(255, 244, 200));
     setPalette(colours);
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(6, 2, 6, 2);
+    // The sentence wraps where the window is narrow; the buttons go below it.
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(6, 4, 6, 4);
     label_ = new QLabel(this);
-    layout->addWidget(label_, 1);
-    auto* show = new QPushButton(QStringLiteral("Show Changes"), this);
-    auto* reload = new QPushButton(QStringLiteral("Reload"), this);
-    show->setAutoDefault(false);
-    reload->setAutoDefault(false);
-    layout->addWidget(show);
-    layout->addWidget(reload);
+    label_->setWordWrap(true);
+    label_->setTextFormat(Qt::PlainText);
+    layout->addWidget(label_);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    auto* show = new QPushButton(view.MnemonicText(kShowChanges), this);
+    auto* reload = new QPushButton(view.MnemonicText(kReload), this);
+    show->setAccessibleName(QString::fromLatin1(kShowChanges));
+    reload->setAccessibleName(QString::fromLatin1(kReload));
+    for (QPushButton* button : {show, reload}) {
+        // A click leaves the focus in the form; Tab still reaches them.
+        button->setAutoDefault(false);
+        button->setFocusPolicy(Qt::TabFocus);
+        new FocusFrame(*button);  // owned by the button
+        buttons->addWidget(button);
+    }
+    layout->addLayout(buttons);
     connect(show, &QPushButton::clicked, this,
             [this] { QMessageBox::information(&view_, QStringLiteral("Information"), details_); });
     connect(reload, &QPushButton::clicked, this, [this] { Reload(); });
     hide();
+    view.AddBar(*this);
+    // A load or a save shows the node as stored: the heard change is in it.
+    formObserver_ = form.Observe([this](form::FormChange change) {
+        if (change == form::FormChange::Title) {
+            HideBar();
+        }
+    });
     if (watcher_->Socket() >= 0) {
         auto* notifier = new QSocketNotifier(watcher_->Socket(), QSocketNotifier::Read, this);
         connect(notifier, &QSocketNotifier::activated, this, [this] { TakeChanges(); });
@@ -76,7 +93,9 @@ ChangeBar::ChangeBar(FormView& view, form::GUI& form,
     }
 }
 
-ChangeBar::~ChangeBar() = default;
+ChangeBar::~ChangeBar() {
+    form_.Unobserve(formObserver_);
+}
 
 void ChangeBar::TakeChanges() {
     std::vector<session::HistoryEntry> entries;
@@ -97,7 +116,7 @@ void ChangeBar::TakeChanges() {
 }
 
 QString ChangeBar::Text() const {
-    return isVisible() || shift_ > 0 ? label_->text() : QString();
+    return isHidden() ? QString() : label_->text();
 }
 
 QString ChangeBar::Details() const {
@@ -107,39 +126,22 @@ QString ChangeBar::Details() const {
 void ChangeBar::ShowBar(const QString& text, const QString& details) {
     label_->setText(text);
     details_ = details;
-    if (shift_ == 0) {
-        // Room above the buttons: the window grows and the buttons move down.
-        int top = view_.height();
-        for (const char* name : kButtons) {
-            if (QWidget* button = view_.WidgetOf(name)) {
-                top = std::min(top, button->y());
-            }
-        }
-        shift_ = kBarHeight;
-        for (const char* name : kButtons) {
-            if (QWidget* button = view_.WidgetOf(name)) {
-                button->move(button->x(), button->y() + shift_);
-            }
-        }
-        view_.setFixedSize(view_.width(), view_.height() + shift_);
-        setGeometry(6, top, view_.width() - 12, kBarHeight - 4);
+    if (isHidden()) {
+        show();
+        view_.FitToScreen();
     }
-    show();
-    raise();
 }
 
 void ChangeBar::HideBar() {
-    if (shift_ == 0) {
+    if (isHidden()) {
         return;
     }
+    const bool hadFocus = isAncestorOf(view_.focusWidget());
     hide();
-    for (const char* name : kButtons) {
-        if (QWidget* button = view_.WidgetOf(name)) {
-            button->move(button->x(), button->y() - shift_);
-        }
+    view_.FitToScreen();
+    if (hadFocus) {
+        view_.RestoreFormFocus();
     }
-    view_.setFixedSize(view_.width(), view_.height() - shift_);
-    shift_ = 0;
 }
 
 void ChangeBar::Reload() {

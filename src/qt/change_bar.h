@@ -23,13 +23,18 @@ namespace dbn::qt {
 
 class FormView;
 
-// The bar the editor shows above its buttons as soon as another program
-// changes the node on show: "DBN 5 was changed by USER on HOST at 14:02."
-// with Show Changes and Reload. It hears the changes on a connection of its
+// The bar the editor shows in its own row above its buttons as soon as
+// another program changes the node on show: "DBN 5 was changed by USER on
+// HOST at 14:02." with Show Changes and Reload. It goes away once the form
+// shows the node as stored again (a load or a save). It hears the changes on a connection of its
 // own: the server's announcements through a socket notifier, a file's
 // change counter on a short timer.
 class ChangeBar : public QFrame {
 public:
+    // Its buttons' captions; their mnemonics are chosen with the window's.
+    static constexpr const char* kShowChanges = "Show Changes";
+    static constexpr const char* kReload = "Reload";
+
     // Attaches a bar to the editor's window; nothing when the database keeps
     // no history or cannot be reached. The bar is owned by the window.
     static ChangeBar* Attach(FormView& view, form::GUI& form);
@@ -54,7 +59,7 @@ private:
     std::unique_ptr<session::ChangeWatcher> watcher_;
     QLabel* label_ = nullptr;
     QString details_;
-    int shift_ = 0;  // how far the buttons moved down to make room
+    int formObserver_ = 0;
 };
 
 }  // namespace dbn::qt

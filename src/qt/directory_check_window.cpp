@@ -1,10 +1,15 @@
 #include "qt/directory_check_window.h"
 
 #include "core/component_error.h"
+#include "qt/accessible_combo.h"
 #include "qt/form_view.h"
 #include "qt/screen_fit.h"
+#include "qt/wheel_guard.h"
 #include "session/directory_check.h"
 
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QShortcut>
@@ -40,6 +45,7 @@ DirectoryCheckWindow::DirectoryCheckWindow(QWidget* parent)
       table_(new QTableWidget(0, Column::Count, this)),
       summary_(new QLabel(this)) {
     setWindowTitle(kTitle);
+    NameComboBoxesByField();
     heading_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     table_->setHorizontalHeaderLabels(
         {"#", "Last name", "First name", "Extension", "Verdict", "Digits", "Matches", "Reason"});
@@ -50,8 +56,40 @@ DirectoryCheckWindow::DirectoryCheckWindow(QWidget* parent)
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
     table_->setSortingEnabled(true);
     table_->sortByColumn(Column::Sequence, Qt::AscendingOrder);
+    table_->setAccessibleName(QStringLiteral("Names"));
+    // The order the header's clicks choose, chosen from the keyboard too.
+    auto* sortBy = new QComboBox(this);
+    sortBy->setObjectName(QStringLiteral("sortBy"));
+    sortBy->setAccessibleName(QStringLiteral("Sort by"));
+    for (int column = 0; column < Column::Count; ++column) {
+        sortBy->addItem(table_->horizontalHeaderItem(column)->text());
+    }
+    new WheelGuard(*sortBy);  // owned by the chooser
+    auto* descending = new QCheckBox(QStringLiteral("&Descending"), this);
+    descending->setObjectName(QStringLiteral("descending"));
+    auto* sortLabel = new QLabel(QStringLiteral("&Sort by:"), this);
+    sortLabel->setBuddy(sortBy);
+    auto sortAsChosen = [this, sortBy, descending] {
+        table_->sortByColumn(sortBy->currentIndex(),
+                             descending->isChecked() ? Qt::DescendingOrder : Qt::AscendingOrder);
+    };
+    connect(sortBy, &QComboBox::currentIndexChanged, this, sortAsChosen);
+    connect(descending, &QCheckBox::toggled, this, sortAsChosen);
+    connect(table_->horizontalHeader(), &QHeaderView::sortIndicatorChanged, this,
+            [sortBy, descending](int column, Qt::SortOrder order) {
+                const QSignalBlocker blockChooser(sortBy);
+                const QSignalBlocker blockBox(descending);
+                sortBy->setCurrentIndex(column);
+                descending->setChecked(order == Qt::DescendingOrder);
+            });
+    auto* sorting = new QHBoxLayout;
+    sorting->addWidget(sortLabel);
+    sorting->addWidget(sortBy);
+    sorting->addWidget(descending);
+    sorting->addStretch(1);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(heading_);
+    layout->addLayout(sorting);
     layout->addWidget(table_, 1);
     layout->addWidget(summary_);
     resize(900, 480);

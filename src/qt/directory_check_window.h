@@ -15,7 +15,8 @@ class FormView;
 
 // The report of the directory check in a window of its own: the heading with
 // the settings used, a table of every name the operator can sort by any
-// column, and the summary. F7 in the editor window opens it for the settings
+// column (by its header, or from the keyboard with "Sort by" and
+// "Descending"), and the summary. F7 in the editor window opens it for the settings
 // the form shows now; pressing F7 again after a change shows the new answer.
 // Escape and Ctrl+W close it.
 class DirectoryCheckWindow : public QWidget {

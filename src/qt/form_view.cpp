@@ -1,13 +1,16 @@
 #include "qt/form_view.h"
 
 #include "form/controls/operator_input.h"
+#include "qt/accessible_combo.h"
 #include "qt/accessible_names.h"
 #include "qt/binding_factory.h"
+#include "qt/change_bar.h"
 #include "qt/directory_check_window.h"
 #include "qt/form_fonts.h"
 #include "qt/screen_fit.h"
 #include "qt/try_as_caller_window.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QScrollBar>
 #include <QShortcut>
@@ -43,40 +46,42 @@ int Area(const QWidget* widget) {
     return widget->width() * widget->height();
 }
 
-// The shift that brings rect inside bounds along one axis, where it fits.
-int ShiftInto(int start, int length, int boundsStart, int boundsLength) {
-    if (start + length > boundsStart + boundsLength) {
-        return boundsStart + boundsLength - (start + length);
-    }
-    return start < boundsStart ? boundsStart - start : 0;
+// The space kept above the buttons in their strip and below the form's
+// lowest control.
+constexpr int kStripMarginTwips = 120;
+
+bool IsCommitButton(const form::GUI& form, const form::Control& control) {
+    return &control == &form.cmdOK || &control == &form.cmdCancel || &control == &form.cmdApply;
 }
 
 }  // namespace
 
 FormView::FormView(form::GUI& form, QWidget* parent)
     : QDialog(parent), form_(form), scale_(ScreenDpi()) {
+    NameComboBoxesByField();
     setWindowTitle(QString::fromStdString(form.Title()));
     setFont(FormFont());
     setSizeGripEnabled(true);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
     scroll_ = new QScrollArea(this);
     scroll_->setFrameShape(QFrame::NoFrame);
     scroll_->setWidgetResizable(false);
     scroll_->setFocusPolicy(Qt::NoFocus);
     content_ = new QWidget;
     scroll_->setWidget(content_);
-    layout->addWidget(scroll_);
-    for (QScrollBar* bar : {scroll_->horizontalScrollBar(), scroll_->verticalScrollBar()}) {
-        connect(bar, &QScrollBar::valueChanged, this, [this] { KeepCommitButtonsInView(); });
-    }
-    viewportResize_ =
-        std::make_unique<EventHook>(*scroll_->viewport(), QEvent::Resize, [this](QEvent&) {
-            KeepCommitButtonsInView();
-            return false;
-        });
+    layout->addWidget(scroll_, 1);
+    strip_ = new QWidget(this);
+    stripPlane_ = new QWidget(strip_);
+    layout->addWidget(strip_);
     Build();
-    NameControls(bindings_);
+    BuildButtonStrip();
+    const std::vector<std::string> barCaptions{ChangeBar::kShowChanges, ChangeBar::kReload};
+    const std::vector<QString> marked = NameControls(bindings_, barCaptions);
+    for (std::size_t i = 0; i < barCaptions.size(); ++i) {
+        otherMnemonics_[barCaptions[i]] = marked[i];
+    }
     StackBySize();
     SetTabOrder();
     FollowWidth();
@@ -96,6 +101,8 @@ FormView::FormView(form::GUI& form, QWidget* parent)
         }
     });
     FollowFrame1();
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget*, QWidget* now) { NoteFocus(now); });
 }
 
 FormView::~FormView() {
@@ -125,6 +132,23 @@ void FormView::Build() {
         widgets_[control] = binding->Widget();
         binding->SyncAll();
         bindings_.push_back(std::move(binding));
+    }
+}
+
+// OK, Cancel, Apply and the status bar move from the form into the strip
+// below it. The strip's plane keeps the form's coordinates, shifted up so
+// that the strip begins a margin above the buttons.
+void FormView::BuildButtonStrip() {
+    const int top = scale_.ToPixels(form_.cmdOK.Top() - kStripMarginTwips);
+    stripPlane_->setGeometry(0, -top, scale_.ToPixels(form::GUI::kClientWidth),
+                             scale_.ToPixels(form_.Height()));
+    strip_->setFixedHeight(scale_.ToPixels(form_.Height()) - top);
+    for (const auto& binding : bindings_) {
+        const form::Control& control = binding->Control();
+        if (IsCommitButton(form_, control) || &control == &form_.StatusBar1) {
+            binding->Widget()->setParent(stripPlane_);
+            binding->SyncAll();
+        }
     }
 }
 
@@ -158,8 +182,6 @@ void FormView::SetTabOrder() {
 }
 
 void FormView::FollowWidth() {
-    const QSize full(scale_.ToPixels(form_.Width()), scale_.ToPixels(form_.Height()));
-    content_->setFixedSize(full);
     // What the width cuts off is hidden, not merely out of sight.
     for (const auto& binding : bindings_) {
         const form::Control& control = binding->Control();
@@ -167,52 +189,97 @@ void FormView::FollowWidth() {
             binding->SetCutOff(OnForm(control).left >= form_.Width());
         }
     }
+    content_->setFixedSize(scale_.ToPixels(form_.Width()),
+                           scale_.ToPixels(FormHeightAboveButtons()));
     FitToScreen();
-    KeepCommitButtonsInView();
 }
 
-// The window grows no larger than the form, nor than the screen.
-void FormView::FitToScreen() {
-    const QSize fitting = content_->size().boundedTo(AvailableClientSize(*this));
-    setMaximumSize(fitting);
-    resize(fitting);
-}
-
-// A save disables Frame1; the language frame, the DIR box and the custom
-// section beside it go with it.
-void FormView::FollowFrame1() {
-    content_->setEnabled(form_.Frame1.Enabled());
-}
-
-// OK, Cancel and Apply move, as one group, into the part of the form the
-// window shows; where the whole form shows, they stay where the form has them.
-void FormView::KeepCommitButtonsInView() {
-    std::vector<std::pair<QWidget*, QRect>> buttons;
-    QRect group;
-    for (const form::Control* control : {static_cast<const form::Control*>(&form_.cmdOK),
-                                         static_cast<const form::Control*>(&form_.cmdCancel),
-                                         static_cast<const form::Control*>(&form_.cmdApply)}) {
-        QWidget* widget = WidgetOf(control->Name());
-        if (widget == nullptr) {
+// Down to the lowest shown control beside the buttons' strip, and a margin.
+int FormView::FormHeightAboveButtons() const {
+    int bottom = 0;
+    for (const auto& binding : bindings_) {
+        const form::Control& control = binding->Control();
+        const form::Control* container = control.Container();
+        if (&control == &form_.Frame1 || &control == &form_.StatusBar1 ||
+            IsCommitButton(form_, control) ||
+            (container != nullptr && container != &form_.Frame1) || !control.Visible() ||
+            OnForm(control).left >= form_.Width()) {
             continue;
         }
-        const QRect natural = scale_.ToPixels(control->Bounds());
-        buttons.emplace_back(widget, natural);
-        group = group.united(natural);
+        bottom = std::max(bottom, OnForm(control).top + control.Height());
     }
-    if (buttons.empty()) {
+    return bottom + kStripMarginTwips;
+}
+
+// The strip and, while it shows, the bar with its text wrapped to the width.
+int FormView::BelowForm(int width) const {
+    int height = strip_->height();
+    if (bar_ != nullptr && !bar_->isHidden()) {
+        height +=
+            bar_->hasHeightForWidth() ? bar_->heightForWidth(width) : bar_->sizeHint().height();
+    }
+    return height;
+}
+
+void FormView::AddBar(QWidget& bar) {
+    bar_ = &bar;
+    static_cast<QVBoxLayout*>(layout())->insertWidget(1, &bar);
+}
+
+// The window grows no larger than the form with the strip below it, nor
+// than the screen. A scroll bar the form needs in one direction is added to
+// the other, so that a form that fits in width never scrolls sideways.
+void FormView::FitToScreen() {
+    const QSize available = AvailableClientSize(*this);
+    const QSize form = content_->size();
+    int width = form.width();
+    const bool vertical =
+        form.height() + BelowForm(std::min(width, available.width())) > available.height();
+    if (vertical) {
+        width += scroll_->verticalScrollBar()->sizeHint().width();
+    }
+    const bool horizontal = width > available.width();
+    scroll_->setHorizontalScrollBarPolicy(horizontal ? Qt::ScrollBarAsNeeded
+                                                     : Qt::ScrollBarAlwaysOff);
+    width = std::min(width, available.width());
+    int height = form.height() + BelowForm(width);
+    if (horizontal) {
+        height += scroll_->horizontalScrollBar()->sizeHint().height();
+    }
+    height = std::min(height, available.height());
+    setMaximumSize(width, height);
+    resize(width, height);
+}
+
+// A save disables Frame1; the language frame, the DIR box, the custom
+// section beside it and the buttons go with it.
+void FormView::FollowFrame1() {
+    const bool enabled = form_.Frame1.Enabled();
+    content_->setEnabled(enabled);
+    strip_->setEnabled(enabled);
+    if (enabled && !formEnabled_) {
+        // Back in the control the operator was in, before OK or Apply took
+        // the focus: Apply, disabled by the save, would hand it on.
+        RestoreFormFocus();
+    }
+    formEnabled_ = enabled;
+}
+
+void FormView::NoteFocus(QWidget* now) {
+    if (now == nullptr || !isAncestorOf(now) || (bar_ != nullptr && bar_->isAncestorOf(now))) {
         return;
     }
-    const QPoint origin = buttons.front().first->parentWidget()->mapTo(content_, QPoint(0, 0));
-    const QRect shown(
-        QPoint(scroll_->horizontalScrollBar()->value(), scroll_->verticalScrollBar()->value()) -
-            origin,
-        scroll_->viewport()->size());
-    const int dx = ShiftInto(group.left(), group.width(), shown.left(), shown.width());
-    const int dy = ShiftInto(group.top(), group.height(), shown.top(), shown.height());
-    for (auto& [widget, natural] : buttons) {
-        widget->setGeometry(natural.translated(dx, dy));
-        widget->raise();
+    for (const form::Control* button : {&form_.cmdOK, &form_.cmdCancel, &form_.cmdApply}) {
+        if (now == WidgetOf(button->Name())) {
+            return;
+        }
+    }
+    lastFocus_ = now;
+}
+
+void FormView::RestoreFormFocus() {
+    if (lastFocus_ != nullptr && lastFocus_->isVisible() && lastFocus_->isEnabled()) {
+        lastFocus_->setFocus(Qt::OtherFocusReason);
     }
 }
 
@@ -241,9 +308,9 @@ void FormView::showEvent(QShowEvent* event) {
     }
 }
 
-void FormView::resizeEvent(QResizeEvent* event) {
-    QDialog::resizeEvent(event);
-    KeepCommitButtonsInView();
+QString FormView::MnemonicText(const std::string& caption) const {
+    const auto found = otherMnemonics_.find(caption);
+    return found == otherMnemonics_.end() ? QString::fromStdString(caption) : found->second;
 }
 
 QWidget* FormView::WidgetOf(const std::string& name) const {

@@ -2,6 +2,7 @@
 
 #include "core/component_error.h"
 #include "nodestate/state_diff.h"
+#include "session/modification_time.h"
 #include "session/node_restore.h"
 
 #include <QDialogButtonBox>
@@ -19,11 +20,15 @@ QString Text(const std::string& text) {
     return QString::fromStdString(text);
 }
 
-// The changed fields' names, for the entries' list.
+// The changed fields' names as the details pane names them ("Valid Match"
+// for a reference's three columns), for the entries' list.
 QString Summary(const session::HistoryEntry& entry) {
     QStringList fields;
-    for (const nodestate::FieldChange& change : entry.changes) {
-        fields << Text(change.field);
+    for (const std::string& line : entry.changeLines) {
+        const QString name = Text(line.substr(0, line.find(": ")));
+        if (!name.isEmpty() && !fields.contains(name)) {
+            fields << name;
+        }
     }
     return fields.isEmpty() ? QStringLiteral("no field changed")
                             : fields.join(QStringLiteral(", "));
@@ -53,6 +58,14 @@ HistoryWindow::HistoryWindow(DataBase& db, session::NodeKey key, QWidget* parent
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     restore_ =
         buttons->addButton(QStringLiteral("&Restore this version"), QDialogButtonBox::ActionRole);
+    QPushButton* close = buttons->button(QDialogButtonBox::Close);
+    close->setText(QStringLiteral("&Close"));
+    // Enter presses no button: only the restore button or its mnemonic
+    // asks whether to restore.
+    for (QPushButton* button : {restore_, close}) {
+        button->setAutoDefault(false);
+        button->setDefault(false);
+    }
     layout->addWidget(buttons);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(restore_, &QPushButton::clicked, this, [this] { RestoreSelected(); });
@@ -71,8 +84,8 @@ void HistoryWindow::Refresh() {
     table_->setRowCount(static_cast<int>(entries_.size()));
     for (int row = 0; row < static_cast<int>(entries_.size()); ++row) {
         const session::HistoryEntry& entry = entries_[static_cast<std::size_t>(row)];
-        const QStringList cells{Text(entry.time), Text(session::WhoText(entry)), Text(entry.kind),
-                                Summary(entry)};
+        const QStringList cells{Text(LocalModificationTime(entry.time)),
+                                Text(session::WhoText(entry)), Text(entry.kind), Summary(entry)};
         for (int column = 0; column < cells.size(); ++column) {
             table_->setItem(row, column, new QTableWidgetItem(cells[column]));  // owned by table
         }
@@ -113,7 +126,9 @@ bool HistoryWindow::RestoreSelected(bool answerYes) {
         QMessageBox::question(this, QStringLiteral("Confirmation"),
                               QStringLiteral("Restore DBN %1 to the state after entry %2?")
                                   .arg(key_.number)
-                                  .arg(entry)) != QMessageBox::Yes) {
+                                  .arg(entry),
+                              QMessageBox::Yes | QMessageBox::No,
+                              QMessageBox::No) != QMessageBox::Yes) {
         return false;
     }
     try {

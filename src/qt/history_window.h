@@ -17,10 +17,11 @@ class DataBase;
 
 namespace dbn::qt {
 
-// The history of one dial-by-name node: its entries (time, who, kind and a
-// summary of the changed fields), newest first, and the field-by-field
-// changes of the selected one. "Restore this version" writes back the state
-// after the selected entry, after asking.
+// The history of one dial-by-name node: its entries (local time, who, kind
+// and the changed fields as the details name them), newest first, and the
+// field-by-field changes of the selected one. "Restore this version" writes
+// back the state after the selected entry, after asking (No by default);
+// Enter presses no button.
 class HistoryWindow : public QDialog {
 public:
     HistoryWindow(DataBase& db, session::NodeKey key, QWidget* parent = nullptr);

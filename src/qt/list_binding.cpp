@@ -1,6 +1,7 @@
 #include "qt/list_binding.h"
 
 #include "form/controls/operator_input.h"
+#include "qt/wheel_guard.h"
 
 #include <QAbstractItemView>
 #include <QLineEdit>
@@ -20,6 +21,7 @@ ListBinding::ListBinding(form::ListControl& list, QComboBox& combo, const TwipsS
     : ControlBinding(list, combo, scale), list_(list), combo_(combo) {
     combo.setEditable(list.IsEditable());
     combo.setMaxVisibleItems(8);
+    new WheelGuard(combo);  // owned by the combo
     WatchFocus(combo);
     // An editable list whose text was written without picking an entry has
     // no current entry; its drop-down opens on the entry of that text.

@@ -2,10 +2,12 @@
 
 #include "core/component_error.h"
 #include "database/database.h"
+#include "qt/accessible_combo.h"
 #include "qt/directory_check_window.h"
 #include "qt/event_hook.h"
 #include "qt/node_text_actions.h"
 #include "qt/screen_fit.h"
+#include "qt/wheel_guard.h"
 #include "session/change_watcher.h"
 #include "session/directory_check.h"
 
@@ -20,6 +22,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QShortcut>
 #include <QTableWidget>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -52,6 +55,7 @@ NodeListWindow::NodeListWindow(DataBase& db, std::string databasePath, OpenNode 
       list_(db),
       databasePath_(std::move(databasePath)),
       openNode_(std::move(openNode)) {
+    NameComboBoxesByField();
     setWindowTitle(Text(databasePath_) + QStringLiteral(" - Dial-by-Name Nodes"));
     auto* central = new QWidget(this);
     auto* layout = new QVBoxLayout(central);
@@ -68,6 +72,9 @@ NodeListWindow::NodeListWindow(DataBase& db, std::string databasePath, OpenNode 
     configurations_->setObjectName(QStringLiteral("configurations"));
     partitionChooser_ = new QComboBox(central);
     partitionChooser_->setObjectName(QStringLiteral("partitions"));
+    for (QComboBox* chooser : {configurations_, partitionChooser_}) {
+        new WheelGuard(*chooser);  // owned by the chooser
+    }
     filter_ = new QLineEdit(central);
     filter_->setObjectName(QStringLiteral("filter"));
     filter_->setPlaceholderText(QStringLiteral("Number or label"));
@@ -75,7 +82,13 @@ NodeListWindow::NodeListWindow(DataBase& db, std::string databasePath, OpenNode 
     addChooser(QStringLiteral("&Configuration:"), configurations_);
     addChooser(QStringLiteral("&Partition:"), partitionChooser_);
     choosers->addSpacing(12);
-    addChooser(QStringLiteral("&Filter:"), filter_);
+    // Alt+F is the File menu's: the filter has its own letter, and Ctrl+F.
+    addChooser(QStringLiteral("Fi&lter:"), filter_);
+    auto* find = new QShortcut(QKeySequence::Find, this);
+    connect(find, &QShortcut::activated, this, [this] {
+        filter_->setFocus(Qt::ShortcutFocusReason);
+        filter_->selectAll();
+    });
     layout->addLayout(choosers);
 
     table_ = new QTableWidget(0, static_cast<int>(kColumns.size()), central);
@@ -143,6 +156,7 @@ NodeListWindow::~NodeListWindow() = default;
 
 void NodeListWindow::BuildMenus() {
     QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
+    file->setToolTipsVisible(true);
     QAction* create = file->addAction(QStringLiteral("&New\u2026"), this, [this] { NewNode(); });
     create->setShortcut(QKeySequence::New);
     file->addAction(QStringLiteral("&Open"), this, [this] { OpenSelected(); });
@@ -152,11 +166,12 @@ void NodeListWindow::BuildMenus() {
     QAction* history =
         file->addAction(QStringLiteral("&History\u2026"), this, [this] { ShowHistory(); });
     history->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_H));
-    file->addAction(QStringLiteral("&Export\u2026"), this, [this] {
+    QAction* exportNodes = file->addAction(QStringLiteral("&Export\u2026"), this, [this] {
         if (auto shown = ShownPartition()) {
             ExportPartitionToFile(this, list_.Database(), *shown);
         }
     });
+    nodeActions_ = {check, history, exportNodes};
     file->addAction(QStringLiteral("A&pply From File\u2026"), this, [this] {
         if (ApplyFromFile(this, list_.Database())) {
             Refresh();
@@ -237,6 +252,11 @@ void NodeListWindow::ExplainEmptyDatabase() {
     const bool empty = partitions_.empty();
     table_->setVisible(!empty);
     empty_->setVisible(empty);
+    for (QAction* action : nodeActions_) {
+        action->setEnabled(!empty);
+        action->setToolTip(empty ? QStringLiteral("The database has no dial-by-name node.")
+                                 : QString());
+    }
     if (empty) {
         empty_->setText(WhyNoNodes());
     }

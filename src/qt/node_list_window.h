@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+class QAction;
 class QComboBox;
 class QLabel;
 class QLineEdit;
@@ -105,6 +106,8 @@ private:
     QTimer* checkTimer_ = nullptr;
     std::set<std::int16_t> marked_;
     QLabel* empty_ = nullptr;
+    // What needs a node: disabled, saying why, while the database has none.
+    std::vector<QAction*> nodeActions_;
     std::unique_ptr<EventHook> filterKeys_;
 };
 

@@ -26,13 +26,19 @@ QString ErrorText(const std::exception& error) {
     return QString::fromStdString(error.what());
 }
 
+// A file that cannot be read is an error; one whose nodes cannot be
+// applied is told as information.
+enum class ProblemBox { Information, Error };
+
 void ShowProblems(QWidget* parent, const QString& file,
-                  const std::vector<nodetext::Problem>& problems) {
+                  const std::vector<nodetext::Problem>& problems, ProblemBox kind) {
     QString text;
     for (const nodetext::Problem& problem : problems) {
         text += QString::fromStdString(nodetext::ProblemText(problem)) + QStringLiteral("\n");
     }
-    QMessageBox box(QMessageBox::Information, QStringLiteral("Information"),
+    const bool error = kind == ProblemBox::Error;
+    QMessageBox box(error ? QMessageBox::Warning : QMessageBox::Information,
+                    error ? QStringLiteral("Error") : QStringLiteral("Information"),
                     file + QStringLiteral(" cannot be applied; nothing was written."),
                     QMessageBox::Ok, parent);
     box.setDetailedText(text);
@@ -82,7 +88,7 @@ bool ApplyFromFile(QWidget* parent, DataBase& db) {
     const nodetext::ReadResult read =
         nodetext::ReadDocument(std::string_view(bytes.constData(), bytes.size()));
     if (!read.document) {
-        ShowProblems(parent, path, read.problems);
+        ShowProblems(parent, path, read.problems, ProblemBox::Error);
         return false;
     }
     try {
@@ -90,11 +96,16 @@ bool ApplyFromFile(QWidget* parent, DataBase& db) {
         options.dryRun = true;
         const session::ApplyResult planned = session::ApplyNodes(db, *read.document, options);
         if (!planned.problems.empty()) {
-            ShowProblems(parent, path, planned.problems);
+            ShowProblems(parent, path, planned.problems, ProblemBox::Information);
             return false;
         }
-        const QString changes =
-            QString::fromStdString(session::ApplyReportText(planned, true, true));
+        // The review ends with the counts, without the dry run's "nothing
+        // written": the question is whether to write.
+        QStringList changes = QString::fromStdString(session::ApplyReportText(planned, true, true))
+                                  .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        QString counts = changes.isEmpty() ? QString() : changes.takeLast();
+        counts = counts.left(counts.lastIndexOf(QStringLiteral("; "))) + QLatin1Char('.');
+        changes << counts;
         const bool writes = std::any_of(planned.nodes.begin(), planned.nodes.end(), [](auto& n) {
             return n.outcome != session::NodeOutcome::Unchanged;
         });
@@ -107,15 +118,15 @@ bool ApplyFromFile(QWidget* parent, DataBase& db) {
         QMessageBox question(QMessageBox::Question, QStringLiteral("Confirmation"),
                              QStringLiteral("Write these changes to the configuration database?"),
                              QMessageBox::Yes | QMessageBox::No, parent);
-        question.setInformativeText(changes.section(QLatin1Char('\n'), -2, -2));
-        question.setDetailedText(changes);
+        question.setInformativeText(counts);
+        question.setDetailedText(changes.join(QLatin1Char('\n')));
         question.setDefaultButton(QMessageBox::No);
         if (question.exec() != QMessageBox::Yes) {
             return false;
         }
         const session::ApplyResult applied = session::ApplyNodes(db, *read.document, {});
         if (!applied.problems.empty()) {
-            ShowProblems(parent, path, applied.problems);
+            ShowProblems(parent, path, applied.problems, ProblemBox::Information);
             return false;
         }
         QMessageBox::information(

@@ -36,19 +36,6 @@ QMessageBox::Icon IconOf(form::MsgBoxIcon icon) {
     return QMessageBox::Information;
 }
 
-int AnswerOf(QMessageBox::StandardButton button) {
-    switch (button) {
-        case QMessageBox::Yes:
-            return form::kAnswerYes;
-        case QMessageBox::No:
-            return form::kAnswerNo;
-        case QMessageBox::Cancel:
-            return form::kAnswerCancel;
-        default:
-            return form::kAnswerOK;
-    }
-}
-
 // Restores the view the services had when a modal show ends, on every path.
 class ViewScope {
 public:
@@ -88,22 +75,43 @@ void QtFormServices::Run(QMessageBox& box) {
 
 int QtFormServices::MsgBox(const std::string& text, form::MsgBoxButtons buttons,
                            form::MsgBoxIcon icon, const std::string& title) {
-    const QMessageBox::StandardButtons shown =
-        buttons == form::MsgBoxButtons::OK
-            ? QMessageBox::StandardButtons(QMessageBox::Ok)
-            : QMessageBox::StandardButtons(QMessageBox::Yes | QMessageBox::No |
-                                           QMessageBox::Cancel);
-    QMessageBox box(IconOf(icon), QString::fromStdString(title), DialogText(text), shown, view_);
-    box.setEscapeButton(buttons == form::MsgBoxButtons::OK ? QMessageBox::Ok : QMessageBox::Cancel);
+    QMessageBox box(IconOf(icon), QString::fromStdString(title), DialogText(text),
+                    QMessageBox::NoButton, view_);
+    // Each button with its answer; the last one is Escape's.
+    std::vector<std::pair<QAbstractButton*, int>> answers;
+    switch (buttons) {
+        case form::MsgBoxButtons::OK:
+            answers.emplace_back(box.addButton(QMessageBox::Ok), form::kAnswerOK);
+            break;
+        case form::MsgBoxButtons::YesNoCancel:
+            answers.emplace_back(box.addButton(QMessageBox::Yes), form::kAnswerYes);
+            answers.emplace_back(box.addButton(QMessageBox::No), form::kAnswerNo);
+            answers.emplace_back(box.addButton(QMessageBox::Cancel), form::kAnswerCancel);
+            break;
+        case form::MsgBoxButtons::SaveOverDiscardCancel:
+            // Saving over another program's change is never what Enter does.
+            answers.emplace_back(
+                box.addButton(QStringLiteral("&Save Over It"), QMessageBox::AcceptRole),
+                form::kAnswerYes);
+            answers.emplace_back(
+                box.addButton(QStringLiteral("&Discard My Changes"), QMessageBox::DestructiveRole),
+                form::kAnswerNo);
+            answers.emplace_back(box.addButton(QMessageBox::Cancel), form::kAnswerCancel);
+            box.setDefaultButton(static_cast<QPushButton*>(answers.back().first));
+            break;
+    }
+    box.setEscapeButton(answers.back().first);
     if (!nextDetails_.empty()) {
         box.setDetailedText(QString::fromStdString(std::exchange(nextDetails_, std::string())));
     }
     PlainButtons(box);
     Run(box);
-    if (box.clickedButton() == nullptr) {
-        return buttons == form::MsgBoxButtons::OK ? form::kAnswerOK : form::kAnswerCancel;
+    for (const auto& [button, code] : answers) {
+        if (box.clickedButton() == button) {
+            return code;
+        }
     }
-    return AnswerOf(box.standardButton(box.clickedButton()));
+    return answers.back().second;
 }
 
 long QtFormServices::Confirm(const std::string& text, const std::string& title) {

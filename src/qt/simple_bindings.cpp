@@ -1,6 +1,8 @@
 #include "qt/simple_bindings.h"
 
 #include "form/controls/operator_input.h"
+#include "form/mnemonics.h"
+#include "qt/focus_frame.h"
 #include "qt/form_fonts.h"
 #include "qt/group_frame.h"
 #include "qt/navigation_pictures.h"
@@ -67,7 +69,8 @@ LabelBinding::LabelBinding(form::Label& label, QLabel& widget, const TwipsScale&
 
 void LabelBinding::Sync(form::ChangeAspect aspect) {
     if (aspect == form::ChangeAspect::Caption) {
-        widget_.setText(ToQt(label_.Caption()));
+        widget_.setText(mnemonic_ ? ToQt(form::MarkMnemonic(label_.Caption(), mnemonic_))
+                                  : ToQt(label_.Caption()));
         return;
     }
     ControlBinding::Sync(aspect);
@@ -95,6 +98,11 @@ void LabelBinding::AlignWith(QWidget& field) {
     CentreOnField();
 }
 
+void LabelBinding::SetMnemonic(std::optional<char> letter) {
+    mnemonic_ = letter;
+    Sync(form::ChangeAspect::Caption);
+}
+
 void LabelBinding::CentreOnField() {
     if (field_ == nullptr) {
         return;
@@ -115,6 +123,8 @@ ButtonBinding::ButtonBinding(form::Button& button, QPushButton& widget, const Tw
         widget.setIconSize(kNavigationPictureSize);
     }
     widget.setDefault(button.IsDefault());
+    // The focused button is framed: the default button looks otherwise alike.
+    new FocusFrame(widget);  // owned by the button
     WatchFocus(widget);
     QObject::connect(&widget, &QPushButton::clicked, Context(),
                      [this] { Input([this] { return form::operator_input::Press(button_); }); });
@@ -122,10 +132,15 @@ ButtonBinding::ButtonBinding(form::Button& button, QPushButton& widget, const Tw
 
 void ButtonBinding::Sync(form::ChangeAspect aspect) {
     if (aspect == form::ChangeAspect::Caption) {
-        widget_.setText(ToQt(button_.Caption()));
+        widget_.setText(ToQt(form::MarkMnemonic(button_.Caption(), mnemonic_)));
         return;
     }
     ControlBinding::Sync(aspect);
+}
+
+void ButtonBinding::SetMnemonic(std::optional<char> letter) {
+    mnemonic_ = letter;
+    Sync(form::ChangeAspect::Caption);
 }
 
 // ---- Frame ------------------------------------------------------------------

@@ -8,6 +8,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <optional>
+
 namespace dbn::qt {
 
 // A text field as a line edit; every edit is one Type with the whole text.
@@ -30,6 +32,8 @@ public:
     // Centres a one-line label on the text line of the field beside it,
     // from now on whenever either moves.
     void AlignWith(QWidget& field);
+    // Underlines a letter of the caption, whose key then reaches its field.
+    void SetMnemonic(std::optional<char> letter);
 
 protected:
     void Sync(form::ChangeAspect aspect) override;
@@ -40,6 +44,7 @@ private:
     form::Label& label_;
     QLabel& widget_;
     QPointer<QWidget> field_;
+    std::optional<char> mnemonic_;
 };
 
 // A button with its caption or its navigation picture; a click is a Press.
@@ -47,12 +52,16 @@ class ButtonBinding : public ControlBinding {
 public:
     ButtonBinding(form::Button& button, QPushButton& widget, const TwipsScale& scale);
 
+    // Underlines a letter of the caption, whatever the caption becomes.
+    void SetMnemonic(std::optional<char> letter);
+
 protected:
     void Sync(form::ChangeAspect aspect) override;
 
 private:
     form::Button& button_;
     QPushButton& widget_;
+    std::optional<char> mnemonic_;
 };
 
 // A frame: a group box with its caption, or a borderless container. The

@@ -17,4 +17,16 @@ std::string CurrentModificationTime() {
     return FormatModificationTime(local);
 }
 
+std::string LocalModificationTime(const std::string& isoUtc) {
+    std::tm utc{};
+    const char* end = strptime(isoUtc.c_str(), "%Y-%m-%dT%H:%M:%SZ", &utc);
+    if (end == nullptr || *end != '\0') {
+        return isoUtc;
+    }
+    const std::time_t when = timegm(&utc);
+    std::tm local{};
+    localtime_r(&when, &local);
+    return FormatModificationTime(local);
+}
+
 }  // namespace dbn

@@ -12,4 +12,8 @@ std::string FormatModificationTime(const std::tm& local);
 // The current local time in that form.
 std::string CurrentModificationTime();
 
+// An ISO 8601 UTC time ("2026-11-25T14:02:07Z") as local time in that form;
+// the text itself when it is no such time.
+std::string LocalModificationTime(const std::string& isoUtc);
+
 }  // namespace dbn

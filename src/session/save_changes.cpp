@@ -384,8 +384,8 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
             answer = services_.MsgBox(nodeText() +
                                           " was changed by another program after it was opened "
                                           "here. Save your changes over it?",
-                                      form::MsgBoxButtons::YesNoCancel, form::MsgBoxIcon::Question,
-                                      "Confirmation");
+                                      form::MsgBoxButtons::SaveOverDiscardCancel,
+                                      form::MsgBoxIcon::Question, "Confirmation");
         });
         if (answer == form::kAnswerYes) {
             write(false, true);

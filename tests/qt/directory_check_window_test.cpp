@@ -4,6 +4,7 @@
 
 #include "qt/directory_check_window.h"
 
+#include <QCheckBox>
 #include <QHeaderView>
 #include <QShortcut>
 #include <QTableWidget>
@@ -51,10 +52,18 @@ TEST_F(EditorWindowTest, F7ShowsTheReportOfTheUnsavedSettingsAndSortsByAnyColumn
         EXPECT_EQ(ColumnOf(table, 4), (std::vector<std::string>{"direct", "direct", "unreachable",
                                                                 "direct", "direct"}));
 
-        table.sortItems(4, Qt::DescendingOrder);
+        // By the header or from the keyboard, which follows the header.
+        auto& sortBy = *window->findChild<QComboBox*>(QStringLiteral("sortBy"));
+        auto& descending = *window->findChild<QCheckBox*>(QStringLiteral("descending"));
+        PickEntry(sortBy, QStringLiteral("Verdict"));
+        descending.click();
         EXPECT_EQ(ColumnOf(table, 1).front(), "Chen");
-        table.sortItems(0, Qt::DescendingOrder);
+        table.horizontalHeader()->setSortIndicator(0, Qt::DescendingOrder);
         EXPECT_EQ(ColumnOf(table, 0), (std::vector<std::string>{"5", "4", "3", "2", "1"}));
+        EXPECT_EQ(sortBy.currentText(), "#");
+        EXPECT_TRUE(descending.isChecked());
+        EXPECT_EQ(SharedMnemonics(Mnemonics(*window)), std::vector<std::string>{});
+        EXPECT_EQ(AccessibleNameProblems(*window), std::vector<std::string>{});
 
         // A second check after another change reuses the same window.
         PickEntry(WidgetOf<QComboBox>(view, "cmbFirstMinDigits"), "3");

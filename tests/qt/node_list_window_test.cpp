@@ -15,6 +15,7 @@
 #include <QInputDialog>
 #include <QLabel>
 #include <QMenuBar>
+#include <QShortcut>
 #include <QTableWidget>
 #include <QTimer>
 
@@ -180,14 +181,23 @@ TEST_F(NodeListWindowTest, RefreshReadsTheDatabaseAgainAndControlsHaveAccessible
     refresh->trigger();
     EXPECT_EQ(window->ShownNumbers(), (std::vector<std::int16_t>{0, 1}));
 
-    for (QWidget* widget : window->findChildren<QWidget*>()) {
-        if (widget->focusPolicy() != Qt::NoFocus && widget->isVisible() &&
-            qobject_cast<QMenuBar*>(widget) == nullptr && widget->parent() != nullptr &&
-            widget->objectName() != QStringLiteral("qt_scrollarea_viewport")) {
-            EXPECT_FALSE(widget->accessibleName().isEmpty())
-                << widget->metaObject()->className() << " " << widget->objectName().toStdString();
+    EXPECT_EQ(AccessibleNameProblems(*window), std::vector<std::string>{});
+    EXPECT_EQ(window->findChild<QComboBox*>(QStringLiteral("partitions"))->accessibleName(),
+              "Partition");
+}
+
+// Alt+F is the File menu's alone; Ctrl+F reaches the filter.
+TEST_F(NodeListWindowTest, EveryMnemonicIsUniqueAndCtrlFReachesTheFilter) {
+    auto window = MakeWindow();
+    const auto letters = Mnemonics(*window);
+    EXPECT_EQ(SharedMnemonics(letters), std::vector<std::string>{});
+    EXPECT_EQ(letters.size(), 5u);  // File, Help, Configuration, Partition, Filter
+    for (QShortcut* shortcut : window->findChildren<QShortcut*>()) {
+        if (shortcut->key() == QKeySequence(QKeySequence::Find)) {
+            emit shortcut->activated();
         }
     }
+    EXPECT_EQ(window->focusWidget(), window->findChild<QLineEdit*>(QStringLiteral("filter")));
 }
 
 // Start-up and the filter from the keyboard: the focus in the table on the
@@ -270,6 +280,14 @@ TEST_F(NodeListWindowTest, ADatabaseWithoutNodesSaysWhyAndNewSaysWhyNot) {
         });
         window->NewNode();
         EXPECT_EQ(told, why->text());
+        // What needs a node is disabled and says why.
+        for (QAction* action : window->findChildren<QAction*>()) {
+            const QString text = action->text();
+            if (text == "&Export\u2026" || text == "&Directory Check" || text == "&History\u2026") {
+                EXPECT_FALSE(action->isEnabled()) << text.toStdString();
+                EXPECT_EQ(action->toolTip(), "The database has no dial-by-name node.");
+            }
+        }
     }
 }
 
@@ -348,6 +366,8 @@ TEST_F(NodeListWindowTest, ExportAndApplyFromFileGoThroughTheirFileDialogs) {
             WhenModal([&, answer](QWidget& question) {
                 auto& box = dynamic_cast<QMessageBox&>(question);
                 told.push_back(box.text().toStdString());
+                EXPECT_EQ(box.informativeText(), "3 nodes: 0 created, 1 changed, 2 unchanged.");
+                EXPECT_FALSE(box.detailedText().contains(QStringLiteral("dry run")));
                 if (answer == QMessageBox::Yes) {
                     WhenModal([&](QWidget& report) {
                         told.push_back(dynamic_cast<QMessageBox&>(report).text().toStdString());
@@ -365,6 +385,20 @@ TEST_F(NodeListWindowTest, ExportAndApplyFromFileGoThroughTheirFileDialogs) {
                   answer == QMessageBox::Yes ? "Front desk" : "Staff directory");
     }
     EXPECT_EQ(Cell(*window, 1, 1), "Front desk");
+
+    // A file that cannot be read is an error.
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write("{ not json");
+    file.close();
+    QString title;
+    run("A&pply From File\u2026", [&](QFileDialog& files) {
+        WhenModal([&](QWidget& box) {
+            title = box.windowTitle();
+            dynamic_cast<QMessageBox&>(box).accept();
+        });
+        choose(files);
+    });
+    EXPECT_EQ(title, "Error");
 }
 
 }  // namespace

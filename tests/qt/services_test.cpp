@@ -10,6 +10,7 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <set>
 
 namespace dbn::testing {
 namespace {
@@ -27,8 +28,11 @@ protected:
             text = box.text().toStdString();
             icon = box.icon();
             captions.clear();
+            defaultCaption = box.defaultButton() ? box.defaultButton()->text().remove('&') : "";
             for (QAbstractButton* button : box.buttons()) {
-                captions.push_back(button->text().remove('&').toStdString());
+                if (box.buttonRole(button) != QMessageBox::ActionRole) {  // not Show Details...
+                    captions.push_back(button->text().remove('&').toStdString());
+                }
             }
             for (QAbstractButton* button : box.buttons()) {
                 if (button->text().remove('&') == caption) {
@@ -44,6 +48,7 @@ protected:
     std::string text;
     QMessageBox::Icon icon = QMessageBox::NoIcon;
     std::vector<std::string> captions;
+    QString defaultCaption;
 };
 
 // A style that puts pictures on standard dialog buttons, as some desktops do.
@@ -200,6 +205,7 @@ TEST_F(ServicesTest, CloseBoxAndEscCloseAfterTheSaveQuestionWhenChanged) {
     EXPECT_TRUE(unexpectedBoxes.empty());
 }
 
+// Its buttons say what they do, and Enter gives Cancel.
 TEST_F(ServicesTest, AChangeElsewhereIsAskedInTheWindowsOwnBox) {
     const std::string node1 =
         " WHERE ConfigID = 1 AND PartID = 1 AND NodeTypeID = 15 AND NodeNumber = 1";
@@ -209,7 +215,8 @@ TEST_F(ServicesTest, AChangeElsewhereIsAskedInTheWindowsOwnBox) {
         const char* stored;
         bool dirty;
     };
-    for (const Case& c : {Case{"Yes", "Mine", "Mine", false}, Case{"No", "Theirs", "Theirs", false},
+    for (const Case& c : {Case{"Save Over It", "Mine", "Mine", false},
+                          Case{"Discard My Changes", "Theirs", "Theirs", false},
                           Case{"Cancel", "Mine", "Theirs", true}}) {
         data.Exec("UPDATE Node_DBN SET NodeDescription = 'Staff directory'" + node1);
         Open(1, [&](form::GUI& form, qt::FormView& view) {
@@ -222,6 +229,9 @@ TEST_F(ServicesTest, AChangeElsewhereIsAskedInTheWindowsOwnBox) {
             EXPECT_EQ(text,
                       "DBN 1 was changed by another program after it was opened here. Save your "
                       "changes over it?");
+            EXPECT_EQ(defaultCaption, "Cancel");
+            EXPECT_EQ(std::set<std::string>(captions.begin(), captions.end()),
+                      (std::set<std::string>{"Save Over It", "Discard My Changes", "Cancel"}));
             EXPECT_EQ(WidgetOf<QLineEdit>(view, "txtDescription").text().toStdString(), c.shown);
             EXPECT_EQ(form.cmdApply.Enabled(), c.dirty);
             form.cmdApply.SetEnabled(false);

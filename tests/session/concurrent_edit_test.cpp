@@ -39,7 +39,7 @@ TEST_F(ConcurrentEdit, EachAnswerToTheQuestionAfterAChangeElsewhere) {
         EXPECT_EQ(services.boxes[0].text, kQuestion);
         EXPECT_EQ(services.boxes[0].title, "Confirmation");
         EXPECT_EQ(services.boxes[0].icon, form::MsgBoxIcon::Question);
-        EXPECT_EQ(services.boxes[0].buttons, form::MsgBoxButtons::YesNoCancel);
+        EXPECT_EQ(services.boxes[0].buttons, form::MsgBoxButtons::SaveOverDiscardCancel);
         services.boxes.clear();
         EXPECT_EQ(NodeColumn("NodeDescription", 1, 1), c.stored) << c.answer;
     }
