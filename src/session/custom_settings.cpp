@@ -105,19 +105,18 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, RowSet& prompts,
         const std::int64_t maxMatch = value("MaxMatch");
         {
             form::GUI::ConfirmRowsGuard guard(form);
-            if (confirm == 0) {
-                form.cmbConfirmation.SetListIndex(0);
-                form.lblMaxMatches.SetEnabled(false);
-                form.cmbMaxMatches.SetEnabled(false);
-                form.cmbMaxMatches.SetListIndex(4);
-            } else {
-                form.cmbConfirmation.SetListIndex(1);
-                form.lblMaxMatches.SetEnabled(true);
-                form.cmbMaxMatches.SetEnabled(true);
-                form.cmbMaxMatches.SetListIndex(MaxMatchIndex(maxMatch));
-                if (maxMatch < 1 || maxMatch > 9) {
-                    rangeNotes_.Note("MaxMatch", maxMatch, form.cmbMaxMatches);
-                }
+            // With confirmation off the disabled box shows the stored number
+            // too (nothing when it lies outside the list), and switching the
+            // section on starts from it.
+            const bool on = confirm != 0;
+            form.cmbConfirmation.SetListIndex(on ? 1 : 0);
+            form.lblMaxMatches.SetEnabled(on);
+            form.cmbMaxMatches.SetEnabled(on);
+            form.cmbMaxMatches.SetListIndex(
+                on ? MaxMatchIndex(maxMatch)
+                   : (maxMatch >= 1 && maxMatch <= 9 ? static_cast<int>(maxMatch) - 1 : -1));
+            if (maxMatch < 1 || maxMatch > 9) {
+                rangeNotes_.Note("MaxMatch", maxMatch, form.cmbMaxMatches);
             }
             if (confirm != 0 && confirm != 1) {
                 rangeNotes_.Note("Confirm", confirm, form.cmbConfirmation);
