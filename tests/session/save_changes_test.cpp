@@ -194,9 +194,6 @@ TEST_F(SaveChanges, SettingsTheFormCannotShowAreWrittenBackAsStored) {
         {"Confirm = 5, BeforePromptNodeNumber = 3", "cmbRetryLimit=4",
          "Confirm || BeforePromptNodeNumber", "53"},
         {"DigitTimeout = 99, Method = 7", "cmbRetryLimit=4", "DigitTimeout || Method", "997"},
-        {"TimeoutNodeType = 'HANGUP', TimeoutNodeNumber = 3, TimeoutNodeTypeID = 999",
-         "cmbRetryLimit=4", "TimeoutNodeType || TimeoutNodeNumber || TimeoutNodeTypeID",
-         "HANGUP3999"},
     };
     if (!root.OnServer()) {
         // Shown through its list's fallback (and told), no overflow; the
