@@ -4,6 +4,7 @@
 #include "session/load_helpers.h"
 
 #include <functional>
+#include <optional>
 #include <stdexcept>
 
 namespace dbn::session {
@@ -184,13 +185,13 @@ bool Changed(form::GUI& gui, const Field& field) {
     return noted == gui.Loaded.shownFields.end() || Look(gui, field) != noted->second;
 }
 
-// The stored values of a field, or what the form shows when one is unknown.
-Values StoredValues(form::GUI& gui, const Field& field) {
+// The stored values of a field; none when one is unknown.
+std::optional<Values> StoredValues(form::GUI& gui, const Field& field) {
     Values values;
     for (const std::string& column : field.columns) {
         const std::string* stored = StoredValue(gui, column);
         if (stored == nullptr) {
-            return field.shown(gui);
+            return std::nullopt;
         }
         values.push_back(*stored);
     }
@@ -207,12 +208,15 @@ SavedFields FieldsToSave(form::GUI& gui) {
     SavedFields saved;
     for (const Field& field : Fields()) {
         const bool changed = Changed(gui, field);
-        const Values values = changed ? field.shown(gui) : StoredValues(gui, field);
+        const std::optional<Values> stored = StoredValues(gui, field);
+        const Values values = changed || !stored ? field.shown(gui) : *stored;
         auto& statement = field.part == 1 ? saved.part1 : saved.part2;
         for (std::size_t i = 0; i < field.columns.size(); ++i) {
             statement.emplace_back(field.columns[i], values[i]);
         }
-        saved.anyChanged = saved.anyChanged || changed;
+        // A setting changed and changed back writes what is stored.
+        saved.anyChanged =
+            saved.anyChanged || !stored || values != *stored || (field.prompts && changed);
         if (field.prompts) {
             saved.promptsChanged = changed;
         }
@@ -221,12 +225,7 @@ SavedFields FieldsToSave(form::GUI& gui) {
 }
 
 bool FormChanged(form::GUI& gui) {
-    for (const Field& field : Fields()) {
-        if (Changed(gui, field)) {
-            return true;
-        }
-    }
-    return false;
+    return FieldsToSave(gui).anyChanged;
 }
 
 void NoteShownFields(form::GUI& gui) {

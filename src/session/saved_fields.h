@@ -32,7 +32,8 @@ struct SavedFields {
     std::vector<std::pair<std::string, std::string>> part2;
     // The name prompts are written from the form (else they stay as stored).
     bool promptsChanged = false;
-    // Some field is written from the form; when none is, a save writes nothing.
+    // Some value differs from the stored one; when none does, a save writes
+    // nothing.
     bool anyChanged = false;
 };
 
@@ -40,7 +41,7 @@ struct SavedFields {
 // without a selection where a tag is read, a list short of rows) raises.
 SavedFields FieldsToSave(form::GUI& gui);
 
-// True when some field would be written from the form.
+// True when a save would change some stored value.
 bool FormChanged(form::GUI& gui);
 
 // Notes how every field looks now, right after a load, and forgets which
