@@ -110,9 +110,10 @@ public:
     std::optional<std::string> StoredState;
     // The node's Node_DBN row as loaded (or last saved): each column's stored
     // value as text (keyed in lower case) and how each stored field looked
-    // in the form then (by its first column). A save writes the stored value of every field the
-    // operator did not change and that still looks so, whatever the form shows for it (a fallback
-    // entry, a label cut to the box, NOOP for a type the partition does not offer, prompts the form
+    // in the form then (by its first column). A save writes the stored value
+    // of every field the operator did not change and that still looks so,
+    // whatever the form shows for it (a fallback entry, a label cut to the
+    // box, NOOP for a type the partition does not offer, prompts the form
     // does not list).
     struct LoadedRow {
         std::map<std::string, std::string, std::less<>> values;

@@ -35,10 +35,11 @@ void ShowTarget(form::GUI& form, session::RangeNotes& notes, const RowSet& node,
     }
 }
 
-// The entry of cmbMaxMatches a stored MaxMatch selects: values above the
-// list's top select "9", zero or below select nothing.
-int MaxMatchIndex(std::int64_t maxMatch) {
-    if (maxMatch <= 0) {
+// The entry of cmbMaxMatches a stored MaxMatch selects: zero or below
+// selects nothing; above the list's top "9" with confirmation on, nothing
+// with it off.
+int MaxMatchIndex(std::int64_t maxMatch, bool confirmation) {
+    if (maxMatch <= 0 || (maxMatch > 9 && !confirmation)) {
         return -1;
     }
     return maxMatch > 9 ? 8 : static_cast<int>(maxMatch) - 1;
@@ -112,9 +113,7 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, RowSet& prompts,
             form.cmbConfirmation.SetListIndex(on ? 1 : 0);
             form.lblMaxMatches.SetEnabled(on);
             form.cmbMaxMatches.SetEnabled(on);
-            form.cmbMaxMatches.SetListIndex(
-                on ? MaxMatchIndex(maxMatch)
-                   : (maxMatch >= 1 && maxMatch <= 9 ? static_cast<int>(maxMatch) - 1 : -1));
+            form.cmbMaxMatches.SetListIndex(MaxMatchIndex(maxMatch, on));
             if (maxMatch < 1 || maxMatch > 9) {
                 rangeNotes_.Note("MaxMatch", maxMatch, form.cmbMaxMatches);
             }

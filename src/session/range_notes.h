@@ -22,8 +22,8 @@ public:
     // Notes that a stored text is shown shortened.
     void NoteText(std::string_view column, std::string stored, std::string shown);
     // "Stored settings of NODE outside their range are shown as: ITEM; ITEM.
-    // They are kept as stored unless changed."
-    // in the column order of Node_DBN; empty when nothing was noted.
+    // They are kept as stored unless changed.", the items in the column
+    // order of Node_DBN; empty when nothing was noted.
     std::string Message(const std::string& node) const;
 
 private:
