@@ -108,15 +108,23 @@ public:
     // The fingerprint of the node's stored state when it was loaded or last
     // saved; a save finding another one asks before it overwrites.
     std::optional<std::string> StoredState;
-    // The node's Node_DBN row as loaded: each column's stored value as text,
-    // and the label as the form showed it. A setting the form cannot show
-    // as stored (a list showing nothing, a label cut to the box) is written
-    // back as stored unless the operator changed it.
+    // The node's Node_DBN row as loaded (or last saved): each column's stored
+    // value as text (keyed in lower case) and how each stored field looked
+    // in the form then (by its first column). A save writes the stored value
+    // of every field the operator did not change and that still looks so,
+    // whatever the form shows for it (a fallback entry, a label cut to the
+    // box, NOOP for a type the partition does not offer, prompts the form
+    // does not list).
     struct LoadedRow {
         std::map<std::string, std::string, std::less<>> values;
-        std::string shownDescription;
+        std::map<std::string, std::string, std::less<>> shownFields;
+        // False until the fields' looks are noted: every field then counts
+        // as changed.
+        bool fieldsNoted = false;
     };
     LoadedRow Loaded;
+    // Forgets which controls the operator changed (after a load or a save).
+    void ForgetOperatorChanges();
 
     // The confirmation list's name rows set aside, in order: those beyond the
     // Max Matches shown (at load or after lowering it). Raising Max Matches

@@ -11,6 +11,12 @@ void GUI::EnableApply() {
     cmdApply.SetEnabled(true);
 }
 
+void GUI::ForgetOperatorChanges() {
+    for (Control* control : controls_) {
+        control->SetChangedByOperator(false);
+    }
+}
+
 bool GUI::ApplyChanges() {
     if (!ValidateBeforeSave()) {
         return false;

@@ -35,10 +35,11 @@ void ShowTarget(form::GUI& form, session::RangeNotes& notes, const RowSet& node,
     }
 }
 
-// The entry of cmbMaxMatches a stored MaxMatch selects: values above the
-// list's top select "9", zero or below select nothing.
-int MaxMatchIndex(std::int64_t maxMatch) {
-    if (maxMatch <= 0) {
+// The entry of cmbMaxMatches a stored MaxMatch selects: zero or below
+// selects nothing; above the list's top "9" with confirmation on, nothing
+// with it off.
+int MaxMatchIndex(std::int64_t maxMatch, bool confirmation) {
+    if (maxMatch <= 0 || (maxMatch > 9 && !confirmation)) {
         return -1;
     }
     return maxMatch > 9 ? 8 : static_cast<int>(maxMatch) - 1;
@@ -105,19 +106,16 @@ bool Business_Rules::AssignCustomSettingsValues(RowSet& node, RowSet& prompts,
         const std::int64_t maxMatch = value("MaxMatch");
         {
             form::GUI::ConfirmRowsGuard guard(form);
-            if (confirm == 0) {
-                form.cmbConfirmation.SetListIndex(0);
-                form.lblMaxMatches.SetEnabled(false);
-                form.cmbMaxMatches.SetEnabled(false);
-                form.cmbMaxMatches.SetListIndex(4);
-            } else {
-                form.cmbConfirmation.SetListIndex(1);
-                form.lblMaxMatches.SetEnabled(true);
-                form.cmbMaxMatches.SetEnabled(true);
-                form.cmbMaxMatches.SetListIndex(MaxMatchIndex(maxMatch));
-                if (maxMatch < 1 || maxMatch > 9) {
-                    rangeNotes_.Note("MaxMatch", maxMatch, form.cmbMaxMatches);
-                }
+            // With confirmation off the disabled box shows the stored number
+            // too (nothing when it lies outside the list), and switching the
+            // section on starts from it.
+            const bool on = confirm != 0;
+            form.cmbConfirmation.SetListIndex(on ? 1 : 0);
+            form.lblMaxMatches.SetEnabled(on);
+            form.cmbMaxMatches.SetEnabled(on);
+            form.cmbMaxMatches.SetListIndex(MaxMatchIndex(maxMatch, on));
+            if (maxMatch < 1 || maxMatch > 9) {
+                rangeNotes_.Note("MaxMatch", maxMatch, form.cmbMaxMatches);
             }
             if (confirm != 0 && confirm != 1) {
                 rangeNotes_.Note("Confirm", confirm, form.cmbConfirmation);

@@ -24,11 +24,12 @@ directory::SearchSettings StoredSearchSettings(const RowSet& node) {
         return directory::DefaultLastNameSearch();
     }
     const bool confirmation = node.Field("Confirm").ToInt16() != 0;
-    // Without confirmation the form shows Max Matches 5; with it, a stored
-    // value above the list's top shows "9" and one below 1 shows nothing.
-    int maxMatches = 5;
-    if (confirmation) {
-        maxMatches = std::min<int>(std::max<int>(node.Field("MaxMatch").ToInt16(), 0), 9);
+    // As the form shows Max Matches: the stored value from 1 to 9, else
+    // nothing (0), except that with confirmation on one above 9 shows "9".
+    const int stored = node.Field("MaxMatch").ToInt16();
+    int maxMatches = stored >= 1 && stored <= 9 ? stored : 0;
+    if (confirmation && stored > 9) {
+        maxMatches = 9;
     }
     return directory::CustomSearch(
         directory::MatchModeOfTag(node.Field("FirstMode").ToInt16()),

@@ -11,6 +11,7 @@
 #include "session/load_helpers.h"
 #include "session/node_templates.h"
 #include "session/read_ahead.h"
+#include "session/saved_fields.h"
 #include "session/stored_state.h"
 
 #include <array>
@@ -74,6 +75,8 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
         completed = form::RunTrapped(services_, "LoadData", [&] {
             form::GUI& form = Form();
             form.PendingWarning.clear();
+            // Until the node is shown whole every field counts as changed.
+            form.Loaded.fieldsNoted = false;
             rangeNotes_.Clear();
             loadFailed_ = false;
             const std::int16_t config = form.ConfigID();
@@ -151,9 +154,8 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
                 // A label longer than the box is shown cut, and told.
                 const std::string label = node.Field("NodeDescription").ToText();
                 form.txtDescription.SetText(label);
-                form.Loaded.shownDescription = form.txtDescription.Text();
-                if (form.Loaded.shownDescription != label) {
-                    rangeNotes_.NoteText("NodeDescription", label, form.Loaded.shownDescription);
+                if (form.txtDescription.Text() != label) {
+                    rangeNotes_.NoteText("NodeDescription", label, form.txtDescription.Text());
                 }
                 form.NameShownNode(nodeNumber, label);
 
@@ -205,6 +207,7 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
 
                 AssignCustomSettingsValues(node, prompts, descriptions);
                 form.RememberShownLabels();
+                session::NoteShownFields(form);
                 form.StoredState = std::move(stored);
             } else {
                 form.StoredState.reset();
@@ -217,14 +220,14 @@ bool Business_Rules::LoadData(std::int16_t nodeNumber) {
             SetNavigationButtons(form);
         });
     }
-    // A stored target replaced by "NOOP" would be overwritten by the next
-    // save without a word; tell the operator once, after the load.
+    // A stored target shown as "NOOP": tell the operator once, after the
+    // load (a save keeps it as stored unless the operator picks another).
     if (found && completed && form_ != nullptr && !form_->PendingWarning.empty()) {
         const std::string warning = std::move(form_->PendingWarning);
         form_->PendingWarning.clear();
         form_->ShowInformation(warning);
     }
-    // Settings shown through a fallback would be stored so by the next save.
+    // Settings shown through a fallback: told, and kept as stored unless changed.
     if (found && completed && form_ != nullptr) {
         form::RunTrapped(services_, "LoadData", [&] {
             const std::string notes = rangeNotes_.Message(

@@ -50,7 +50,8 @@ std::string RangeNotes::Message(const std::string& node) const {
         const std::string shown = note.shown->ListIndex() < 0 ? "nothing" : note.shown->Text();
         items += note.column + " " + std::to_string(note.value) + " -> " + shown;
     }
-    return "Stored settings of " + node + " outside their range are shown as: " + items + ".";
+    return "Stored settings of " + node + " outside their range are shown as: " + items +
+           ". They are kept as stored unless changed.";
 }
 
 }  // namespace dbn::session

@@ -21,8 +21,9 @@ public:
     void Note(std::string_view column, std::int64_t value, const form::ListControl& shown);
     // Notes that a stored text is shown shortened.
     void NoteText(std::string_view column, std::string stored, std::string shown);
-    // "Stored settings of NODE outside their range are shown as: ITEM; ITEM."
-    // in the column order of Node_DBN; empty when nothing was noted.
+    // "Stored settings of NODE outside their range are shown as: ITEM; ITEM.
+    // They are kept as stored unless changed.", the items in the column
+    // order of Node_DBN; empty when nothing was noted.
     std::string Message(const std::string& node) const;
 
 private:

@@ -11,6 +11,7 @@
 #include "session/load_helpers.h"
 #include "session/modification_time.h"
 #include "session/node_history.h"
+#include "session/saved_fields.h"
 #include "session/stored_state.h"
 #include "session/transaction_scope.h"
 
@@ -31,48 +32,12 @@ constexpr int kFixedConfirmRows = 2;
 // Prompt numbers every node ends with (when the list is not longer).
 constexpr int kDefaultPromptCount = 9;
 
-// The stand-in for a prompt the confirmation list does not hold: message node 1.
-const StoredNodeRef kDefaultPrompt{"MSG", "1", "0"};
-
 // The keys that close every statement of the node's row and pool entry.
 struct NodeKeyText {
     std::string config;
     std::string partition;
     std::string number;
 };
-
-void Append(std::vector<std::string>& args, const StoredNodeRef& ref) {
-    args.push_back(ref.type);
-    args.push_back(ref.number);
-    args.push_back(ref.typeID);
-}
-
-// The stored value of a Node_DBN column as the node was loaded, if known.
-const std::string* LoadedValue(const form::GUI& gui, std::string_view column) {
-    const auto found = gui.Loaded.values.find(session::LowerCase(column));
-    return found == gui.Loaded.values.end() ? nullptr : &found->second;
-}
-
-// A list's tag for its column; a list that shows nothing (the stored value
-// lies outside it) writes back the stored value.
-std::string ListTag(const form::GUI& gui, const form::ListControl& list, std::string_view column) {
-    const std::string* stored = LoadedValue(gui, column);
-    return list.ListIndex() < 0 && stored != nullptr ? *stored : SelectedTagText(list);
-}
-
-// The same for a list whose entry text is the value.
-std::string ListText(const form::GUI& gui, const form::ListControl& list, std::string_view column) {
-    const std::string* stored = LoadedValue(gui, column);
-    return list.Text().empty() && stored != nullptr ? *stored : list.Text();
-}
-
-// The label: the stored one, whole, unless the operator changed the box
-// (which may show it cut).
-std::string Label(const form::GUI& gui) {
-    const std::string* stored = LoadedValue(gui, "NodeDescription");
-    const std::string& shown = gui.txtDescription.Text();
-    return stored != nullptr && shown == gui.Loaded.shownDescription ? *stored : shown;
-}
 
 void AppendKeys(std::vector<std::string>& args, const NodeKeyText& key) {
     args.push_back(key.config);
@@ -81,54 +46,24 @@ void AppendKeys(std::vector<std::string>& args, const NodeKeyText& key) {
     args.push_back(key.number);
 }
 
-std::vector<std::string> Part1Arguments(form::GUI& gui, const NodeKeyText& key) {
-    std::vector<std::string> args;
-    args.push_back(Label(gui));
-    args.push_back(ListTag(gui, gui.cmbMethod, "Method"));
-    args.push_back(ListText(gui, gui.cmbDirectory, "DirectoryNodeNumber"));
-    args.push_back(ListTag(gui, gui.cmbLanguage1, "FirstLanguage"));
-    args.push_back(ListTag(gui, gui.cmbLanguage2, "SecondLanguage"));
-    Append(args, PairReference(gui.cmbGreetingNode, gui.cmbGreetingNumber));
-    // Valid match, abort, star, pound, zero.
-    for (int row = 0; row < 5; ++row) {
-        Append(args, RowReference(gui.LVActions, row));
+std::vector<std::string> Values(const std::vector<std::pair<std::string, std::string>>& fields) {
+    std::vector<std::string> values;
+    for (const auto& field : fields) {
+        values.push_back(field.second);
     }
-    args.push_back(ListTag(gui, gui.cmbfirstMatch, "FirstMode"));
-    args.push_back(ListText(gui, gui.cmbFirstMinDigits, "FirstMinDigits"));
-    args.push_back(ListText(gui, gui.cmbFirstMaxDigits, "FirstMaxDigits"));
-    Append(args, PairReference(gui.cmbFirstMatchPrompt, gui.cmbFirstMatchPromptNumber));
-    args.push_back(ListTag(gui, gui.cmbsecondMatch, "SecondMode"));
-    args.push_back(ListText(gui, gui.cmbSecondMinDigits, "SecondMinDigits"));
-    args.push_back(ListText(gui, gui.cmbSecondMaxDigits, "SecondMaxDigits"));
-    Append(args, PairReference(gui.cmbSecondMatchPrompt, gui.cmbSecondMatchPromptNumber));
+    return values;
+}
+
+std::vector<std::string> Part1Arguments(const session::SavedFields& fields,
+                                        const NodeKeyText& key) {
+    std::vector<std::string> args = Values(fields.part1);
     AppendKeys(args, key);
     return args;
 }
 
-// The confirmation rows a save stores: the list's while the section is on,
-// the rows set aside in LVTemp while it is off.
-const form::ListView& PromptRows(form::GUI& gui) {
-    return SelectedTagText(gui.cmbConfirmation) == "1" ? gui.LVConfirm : gui.LVTemp;
-}
-
-std::vector<std::string> Part2Arguments(form::GUI& gui, const NodeKeyText& key) {
-    std::vector<std::string> args;
-    Append(args, PairReference(gui.cmbTimeoutNode, gui.cmbTimeoutNumber));
-    Append(args, PairReference(gui.cmbInvalidNode, gui.cmbInvalidNumber));
-    args.push_back(ListText(gui, gui.cmbDigitTimeOut, "DigitTimeout"));
-    args.push_back(ListText(gui, gui.cmbSelTimeOut, "SelectionTimeout"));
-    args.push_back(ListText(gui, gui.cmbRetryLimit, "RetryLimit"));
-    args.push_back(ListTag(gui, gui.cmbConfirmation, "Confirm"));
-    args.push_back(ListText(gui, gui.cmbMaxMatches, "MaxMatch"));
-    args.push_back(ListTag(gui, gui.cmbPlayName, "PlayName"));
-    // Before and after the names: the list's first two rows, or while the
-    // section is off the rows it set aside; default prompts only when there
-    // are none.
-    const form::ListView& prompts = PromptRows(gui);
-    const bool listed = prompts.ItemCount() >= kFixedConfirmRows;
-    Append(args, listed ? RowReference(prompts, 0) : kDefaultPrompt);
-    Append(args, listed ? RowReference(prompts, 1) : kDefaultPrompt);
-    Append(args, PairReference(gui.cmbExitPromptNode, gui.cmbExitPromptNumber));
+std::vector<std::string> Part2Arguments(const session::SavedFields& fields,
+                                        const NodeKeyText& key) {
+    std::vector<std::string> args = Values(fields.part2);
     for (int reserved = 0; reserved < kReservedColumns; ++reserved) {
         args.push_back("0");
     }
@@ -149,7 +84,7 @@ BatchStep PromptRow(const NodeKeyText& key, int promptNumber, const StoredNodeRe
 // numbers start at 1 even when there are none.
 void AddPromptRows(std::vector<BatchStep>& batch, form::GUI& gui, const NodeKeyText& key) {
     int nextPrompt = 1;
-    const form::ListView& prompts = PromptRows(gui);
+    const form::ListView& prompts = session::ListedPrompts(gui);
     for (int position = kFixedConfirmRows; position < prompts.ItemCount(); ++position) {
         batch.push_back(PromptRow(key, nextPrompt++, RowReference(prompts, position)));
     }
@@ -158,7 +93,7 @@ void AddPromptRows(std::vector<BatchStep>& batch, form::GUI& gui, const NodeKeyT
             PromptRow(key, nextPrompt++, {aside.nodeName, aside.nodeNumber, aside.typeId}));
     }
     for (; nextPrompt <= kDefaultPromptCount; ++nextPrompt) {
-        batch.push_back(PromptRow(key, nextPrompt, kDefaultPrompt));
+        batch.push_back(PromptRow(key, nextPrompt, session::kDefaultPrompt));
     }
 }
 
@@ -278,22 +213,26 @@ Business_Rules::WriteResult Business_Rules::WriteShownNode(std::int16_t nodeNumb
                 session::ChangeDetails(db_, nodeKey, *gui.StoredState, *before)};
     }
     // Every write, then the state just written (what the next save compares
-    // with), in one batch.
-    std::vector<BatchStep> batch{
-        {"Delete_DBN_PromptsNode", {key.config, key.partition, key.number}},
-        {"Update_DBN_Node_Part1", Part1Arguments(gui, key)},
-        {"Update_DBN_Node_Part2", Part2Arguments(gui, key)},
-        {"Update_Node_General_Pool",
-         {Label(gui), CurrentModificationTime(), key.config, key.partition, kDbnTypeID,
-          key.number}}};
-    AddPromptRows(batch, gui, key);
+    // with), in one batch. Fields the operator did not change are written as
+    // stored; the name prompts are left as stored unless they changed.
+    const session::SavedFields fields = session::FieldsToSave(gui);
+    std::vector<BatchStep> batch{{"Update_DBN_Node_Part1", Part1Arguments(fields, key)},
+                                 {"Update_DBN_Node_Part2", Part2Arguments(fields, key)},
+                                 {"Update_Node_General_Pool",
+                                  {fields.part1.front().second, CurrentModificationTime(),
+                                   key.config, key.partition, kDbnTypeID, key.number}}};
+    if (fields.promptsChanged) {
+        batch.insert(batch.begin(),
+                     {"Delete_DBN_PromptsNode", {key.config, key.partition, key.number}});
+        AddPromptRows(batch, gui, key);
+    }
     const std::size_t stateAt = batch.size();
     for (BatchStep& read :
          session::StoredStateReads(gui.ConfigID(), gui.PartitionID(), nodeNumber)) {
         batch.push_back(std::move(read));
     }
     std::vector<BatchAnswer> answers = db_.ExecuteBatch(batch);
-    if (answers[1].count == 0) {
+    if (answers[fields.promptsChanged ? 1 : 0].count == 0) {
         // The node row is gone: the scope undoes the batch's other writes.
         return {WriteOutcome::Vanished, std::nullopt};
     }
@@ -310,6 +249,15 @@ Business_Rules::WriteResult Business_Rules::WriteShownNode(std::int16_t nodeNumb
 
 bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
     form::GUI& gui = Form();
+    // A form that still shows the node as loaded (or last saved) writes
+    // nothing and leaves no history entry.
+    bool changed = true;
+    if (!form::RunTrapped(services_, "SaveChanges", [&] { changed = session::FormChanged(gui); })) {
+        return false;
+    }
+    if (!changed) {
+        return true;
+    }
     // A database this process may not change: refused before anything is
     // checked, created or written, in the words it was told with.
     // A database that cannot be asked has told its failure: nothing more.
@@ -417,6 +365,8 @@ bool Business_Rules::SaveChanges(std::int16_t nodeNumber) {
         return false;
     }
     gui.StoredState = std::move(result->savedState);
+    // What was written is now the stored state the next save starts from.
+    form::RunTrapped(services_, "SaveChanges", [&] { session::NoteSavedFields(gui); });
     gui.NameShownNode(nodeNumber, gui.txtDescription.Text());
     form::RunTrapped(services_, "SaveChanges", [&] { ReportMissingReferences(nodeText()); });
     return true;

@@ -209,6 +209,23 @@ TEST_F(ControlsTest, InputFocusesFirstThenActs) {
                      "mouseup", "focus txt", "header", "scroll", "focus cmd"}));
 }
 
+// Only the operator's input that changes a value marks a control changed by
+// the operator: values set by code, a re-pick of the entry shown, the same
+// text typed again, buttons and rows do not.
+TEST_F(ControlsTest, OnlyTheOperatorsChangesMarkAControl) {
+    choice.SetListIndex(1);
+    editable.SetText("7");
+    field.SetText("ab");
+    EXPECT_TRUE(input::Pick(choice, 1) && input::Type(editable, "7") && input::Type(field, "ab") &&
+                input::Press(button) && input::ClickRow(list, *second));
+    for (Control* control : controls) {
+        EXPECT_FALSE(control->ChangedByOperator()) << control->Name();
+    }
+    EXPECT_TRUE(input::Pick(choice, 0) && input::Type(editable, "8") && input::Type(field, "abc"));
+    EXPECT_TRUE(choice.ChangedByOperator() && editable.ChangedByOperator() &&
+                field.ChangedByOperator());
+}
+
 TEST_F(ControlsTest, HiddenOrDisabledControlsAndContainersRefuseInput) {
     EXPECT_FALSE(input::Type(choice, "MSG"));
     EXPECT_FALSE(input::Type(readOnly, "x"));

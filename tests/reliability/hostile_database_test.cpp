@@ -224,7 +224,7 @@ TEST_F(HostileDatabase, OutOfRangeValuesLoadWithFallbacksAndSaveInRange) {
                       "Name; FirstMinDigits -3 -> 3; FirstMaxDigits 10 -> 5; SecondMode 9 -> None; "
                       "SecondMinDigits -1 -> 1; TimeoutNodeNumber 32767 -> 1; DigitTimeout -1 -> "
                       "10; SelectionTimeout -61 -> 5; RetryLimit 99 -> 1; MaxMatch 50 -> 9; "
-                      "PlayName -1 -> Yes.");
+                      "PlayName -1 -> Yes. They are kept as stored unless changed.");
         services.boxes.clear();
         const std::pair<form::ListControl*, const char*> shown[] = {
             {&gui.cmbMaxMatches, "9"},         {&gui.cmbDigitTimeOut, "10"},
@@ -254,8 +254,8 @@ TEST_F(HostileDatabase, OutOfRangeValuesLoadWithFallbacksAndSaveInRange) {
                              "DirectoryNodeNumber || ' ' || Method || ' ' || length("
                              "NodeDescription)" +
                              node),
-              "9 10 5 1 3 1 1 200");
-    // The label the operator did not touch is written back whole.
+              "50 -1 -61 99 -3 -1 -1 200");
+    // What the operator did not change is written back as stored, the label whole.
     EXPECT_EQ(root.QueryText("SELECT NodeDescription FROM Node_General_Pool WHERE PartID = 2 AND "
                              "NodeTypeID = 15 AND NodeNumber = 5"),
               std::string(200, 'd'));

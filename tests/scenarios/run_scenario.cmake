@@ -28,6 +28,29 @@ if(NOT init_status EQUAL 0)
   message(FATAL_ERROR "init failed (${init_status}): ${init_error}")
 endif()
 
+# NAME.sql beside the script changes the fresh database before the run
+# (stored values the form cannot show as they are); the rows NAME.query reads
+# after the run follow the run's output, after a line "stored:".
+string(REGEX REPLACE "\\.play$" "" base ${SCRIPT})
+function(run_sql sql_file result_variable)
+  if("$ENV{DBN_TEST_ENGINE}" STREQUAL "postgresql")
+    execute_process(COMMAND psql -X -q -A -t -F "|" -v ON_ERROR_STOP=1 -f ${sql_file}
+        "${server_uri}"
+      RESULT_VARIABLE sql_status OUTPUT_VARIABLE sql_out ERROR_VARIABLE sql_error)
+  else()
+    execute_process(COMMAND sqlite3 -bail ${WORK}/root/Corvell/Sonavis+/Database/NewDB.mdb
+      INPUT_FILE ${sql_file}
+      RESULT_VARIABLE sql_status OUTPUT_VARIABLE sql_out ERROR_VARIABLE sql_error)
+  endif()
+  if(NOT sql_status EQUAL 0)
+    message(FATAL_ERROR "${sql_file} failed (${sql_status}): ${sql_error}")
+  endif()
+  set(${result_variable} "${sql_out}" PARENT_SCOPE)
+endfunction()
+if(EXISTS ${base}.sql)
+  run_sql(${base}.sql ignored)
+endif()
+
 if(FROM_STDIN)
   execute_process(COMMAND ${EDITOR} play --data-root ${WORK}/root -
     INPUT_FILE ${SCRIPT}
@@ -37,5 +60,8 @@ else()
     RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE err)
 endif()
 
-string(REGEX REPLACE "\\.play$" "" base ${SCRIPT})
+if(EXISTS ${base}.query)
+  run_sql(${base}.query stored)
+  string(APPEND out "stored:\n${stored}")
+endif()
 include(${CMAKE_CURRENT_LIST_DIR}/compare_outputs.cmake)

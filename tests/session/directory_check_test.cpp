@@ -57,7 +57,8 @@ TEST_F(DirectoryCheckTest, StoredValuesOutsideTheListsAreReadAsTheEditorShowsThe
          CustomSearch(MatchMode::LastName, 3, 5, 0, 1, 5, true, 3)},
         {"SecondMode = 1, SecondMinDigits = 0, SecondMaxDigits = 12",
          CustomSearch(MatchMode::LastName, 3, 5, 1, 1, 5, true, 3)},
-        {"Confirm = 0, MaxMatch = 2", CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, false, 5)},
+        {"Confirm = 0, MaxMatch = 2", CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, false, 2)},
+        {"Confirm = 0, MaxMatch = 12", CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, false, 0)},
         {"Confirm = 2, MaxMatch = 12", CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, true, 9)},
         {"MaxMatch = 0", CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, true, 0)},
     };

@@ -92,7 +92,8 @@ TEST_F(LoadNode, ConfirmationRowsFollowConfirmAndMaxMatch) {
          " 3a=Name1/MSG 7 4a=Name2/MSG 8 5a=Name3/MSG 9 6a=Name4/MSG 1 7a=Name5/MSG 1 "
          "8a=Name6/MSG 1 9a=Name7/MSG 1 10a=Name8/MSG 1 11a=Name9/MSG 1"},
         {"UPDATE Node_DBN SET Confirm = 2", 1, 2, nullptr},
-        {"UPDATE Node_DBN SET Confirm = 0", 0, 4, nullptr},
+        // Off: the disabled box shows the stored number.
+        {"UPDATE Node_DBN SET Confirm = 0", 0, 2, nullptr},
     };
     for (const auto& [arrange, confirmation, maxMatches, names] : cases) {
         TempDataRoot fresh(TempDataRoot::Content::Demo);
@@ -105,9 +106,11 @@ TEST_F(LoadNode, ConfirmationRowsFollowConfirmAndMaxMatch) {
         });
     }
     const std::string shownAs = "Stored settings of DBN 1 outside their range are shown as: ";
-    EXPECT_EQ(services.TakeBoxTexts(), (std::vector<std::string>{shownAs + "MaxMatch 0 -> nothing.",
-                                                                 shownAs + "MaxMatch 12 -> 9.",
-                                                                 shownAs + "Confirm 2 -> Yes."}));
+    const std::string kept = ". They are kept as stored unless changed.";
+    EXPECT_EQ(services.TakeBoxTexts(),
+              (std::vector<std::string>{shownAs + "MaxMatch 0 -> nothing" + kept,
+                                        shownAs + "MaxMatch 12 -> 9" + kept,
+                                        shownAs + "Confirm 2 -> Yes" + kept}));
 }
 
 TEST_F(LoadNode, UnavailableTargetsShowNoopAndWarnOnceAfterTheLoad) {

@@ -86,22 +86,27 @@ TEST_F(LoadNotices, SettingsShownThroughAFallbackAreToldOnceAfterLoading) {
         const char* told;  // "" when nothing is told
     };
     for (const Case& c : {
-             Case{2, "Method = 99, DirectoryNodeNumber = 0, SecondLanguage = 7",
+             // With confirmation off Max Matches outside 1 to 9 shows nothing.
+             Case{2, "Method = 99, DirectoryNodeNumber = 0, SecondLanguage = 7, MaxMatch = 40",
                   "Stored settings of DBN 2 outside their range are shown as: Method 99 -> "
-                  "Default Last Name; DirectoryNodeNumber 0 -> 1; SecondLanguage 7 -> None."},
+                  "Default Last Name; DirectoryNodeNumber 0 -> 1; SecondLanguage 7 -> None; "
+                  "MaxMatch 40 -> nothing. They are kept as stored unless changed."},
              Case{1, "MaxMatch = 12, RetryLimit = 9, FirstMode = 0, GreetingNodeNumber = 500",
                   "Stored settings of DBN 1 outside their range are shown as: GreetingNodeNumber "
-                  "500 -> 1; FirstMode 0 -> Last Name; RetryLimit 9 -> 1; MaxMatch 12 -> 9."},
+                  "500 -> 1; FirstMode 0 -> Last Name; RetryLimit 9 -> 1; MaxMatch 12 -> 9. They "
+                  "are "
+                  "kept as stored unless changed."},
              // A label longer than its box is told as one more item.
              Case{1, "NodeDescription = 'Reception and the whole staff directory', Method = 7",
                   "Stored settings of DBN 1 outside their range are shown as: NodeDescription "
                   "\"Reception and the whole staff directory\" -> \"Reception and the whole "
-                  "staff \"; Method 7 -> Default Last Name."},
+                  "staff \"; Method 7 -> Default Last Name. They are kept as stored unless "
+                  "changed."},
              Case{1, "MaxMatch = 0, PlayName = 3",
                   "Stored settings of DBN 1 outside their range are shown as: MaxMatch 0 -> "
-                  "nothing; PlayName 3 -> Yes."},
+                  "nothing; PlayName 3 -> Yes. They are kept as stored unless changed."},
              // Values the lists map without a fallback are not told.
-             Case{2, "Method = 1, DirectoryNodeNumber = 99, RetryLimit = 5, MaxMatch = 40", ""},
+             Case{2, "Method = 1, DirectoryNodeNumber = 99, RetryLimit = 5, MaxMatch = 4", ""},
          }) {
         SetNode(1, c.node, c.stored);
         Open(1, c.node, [](form::GUI&) {});

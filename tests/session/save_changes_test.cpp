@@ -117,15 +117,16 @@ TEST_F(SaveChanges, PoolEntryGetsTheLabelAndALocalTimeOnEverySaveAndEmptyNumbers
         EXPECT_TRUE(Rules(gui).SaveChanges(2));
         EXPECT_TRUE(std::regex_match(root.QueryText("SELECT DateModified" + pool),
                                      std::regex(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d)")));
-        // Nothing changed since: the time is written again all the same (the
-        // pool row changed by another program is saved over, answered Yes).
+        // Nothing changed since: a save writes nothing, asks nothing (not
+        // even about the pool row another program changed) and adds no
+        // history entry.
         root.Exec("UPDATE Node_General_Pool SET DateModified = 'old'" + key);
-        services.answers = {form::kAnswerYes};
         EXPECT_TRUE(Rules(gui).SaveChanges(2));
-        EXPECT_TRUE(services.answers.empty());
+        EXPECT_TRUE(services.boxes.empty());
     });
     EXPECT_EQ(root.QueryText("SELECT NodeDescription" + pool), "Sales team");
-    EXPECT_NE(root.QueryText("SELECT DateModified" + pool), "old");
+    EXPECT_EQ(root.QueryText("SELECT DateModified" + pool), "old");
+    EXPECT_EQ(Count("Node_History", ""), 1);
     EXPECT_EQ(NodeColumn("GreetingNodeNumber || FirstPromptNodeNumber || SecondPromptNodeNumber "
                          "|| TimeoutNodeNumber || InvalidNodeNumber || ConfirmationExitNodeNumber",
                          1, 2),
@@ -172,9 +173,9 @@ TEST_F(SaveChanges, AFailedSaveWritesNothingAndLeavesTheFormAsItWas) {
 // A type the partition offers without numbers (HANGUP has no limit row) is
 // shown and stored as NOOP is: its code alone, number 0.
 // What the form cannot show as stored (a label longer than its box, a value
-// outside a list that then shows nothing) is written back as stored when the
-// operator changes another setting; a changed label is written as typed, and
-// a value beyond 32 bits loads through its list's fallback.
+// outside a list, Max Matches with confirmation off, a target shown as NOOP,
+// prompts of a Confirm other than 0 and 1) is written back as stored when the
+// operator changes another setting; a changed label is written as typed.
 TEST_F(SaveChanges, SettingsTheFormCannotShowAreWrittenBackAsStored) {
     const std::string longLabel = "Reception and the whole staff directory";
     struct Case {
@@ -188,13 +189,17 @@ TEST_F(SaveChanges, SettingsTheFormCannotShowAreWrittenBackAsStored) {
         {"NodeDescription = '" + longLabel + "'", "txtDescription=Front desk", "NodeDescription",
          "Front desk"},
         {"Confirm = 1, MaxMatch = -3", "cmbRetryLimit=4", "MaxMatch", "-3"},
-        {"Confirm = 5", "cmbRetryLimit=4", "Confirm", "1"},
+        {"Confirm = 1, MaxMatch = 12", "cmbRetryLimit=4", "MaxMatch", "12"},
+        {"Confirm = 0, MaxMatch = 7", "cmbRetryLimit=4", "MaxMatch", "7"},
+        {"Confirm = 5, BeforePromptNodeNumber = 3", "cmbRetryLimit=4",
+         "Confirm || BeforePromptNodeNumber", "53"},
+        {"DigitTimeout = 99, Method = 7", "cmbRetryLimit=4", "DigitTimeout || Method", "997"},
     };
     if (!root.OnServer()) {
         // Shown through its list's fallback (and told), no overflow; the
         // server's 16-bit columns cannot hold it in the first place.
-        cases.push_back(
-            {"FirstMinDigits = 9223372036854775807", "cmbRetryLimit=4", "FirstMinDigits", "3"});
+        cases.push_back({"FirstMinDigits = 9223372036854775807", "cmbRetryLimit=4",
+                         "FirstMinDigits", "9223372036854775807"});
     }
     for (const Case& c : cases) {
         root.Exec("UPDATE Node_DBN SET RetryLimit = 3, " + c.stored + Where(1, "NodeNumber", 1));
@@ -220,7 +225,9 @@ TEST_F(SaveChanges, SettingsTheFormCannotShowAreWrittenBackAsStored) {
             << c.stored;
         root.Exec(
             "UPDATE Node_DBN SET NodeDescription = 'Staff directory', Confirm = 1, "
-            "MaxMatch = 5, FirstMinDigits = 2" +
+            "MaxMatch = 5, FirstMinDigits = 2, DigitTimeout = 10, Method = 0, "
+            "BeforePromptNodeNumber = 5, TimeoutNodeType = 'XFER', TimeoutNodeNumber = 1, "
+            "TimeoutNodeTypeID = 4" +
             Where(1, "NodeNumber", 1));
     }
 }

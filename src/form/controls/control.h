@@ -88,6 +88,12 @@ public:
     // Raised when the control receives the focus it did not have.
     std::function<void()> GotFocus;
 
+    // Set when the operator's own input changed the control's value (a
+    // value set by code leaves it); the form clears it after a load or a
+    // save, so that a save writes the stored value of what was not changed.
+    bool ChangedByOperator() const noexcept { return changedByOperator_; }
+    void SetChangedByOperator(bool changed) noexcept { changedByOperator_ = changed; }
+
     // Change notification for views. Answers a handle for Unobserve.
     int Observe(ChangeObserver observer);
     void Unobserve(int handle);
@@ -105,6 +111,7 @@ private:
     int tabIndex_;
     bool visible_ = true;
     bool enabled_ = true;
+    bool changedByOperator_ = false;
     FocusScope* focusScope_ = nullptr;
     std::vector<std::pair<int, ChangeObserver>> observers_;
     int nextObserver_ = 1;

@@ -33,6 +33,7 @@ bool Pick(ListControl& list, int index) {
         return true;
     }
     list.SetListIndex(index);
+    list.SetChangedByOperator(true);
     return true;
 }
 
@@ -40,7 +41,10 @@ bool Type(ListControl& list, const std::string& text) {
     if (!list.IsEditable() || !TakeFocus(list)) {
         return false;
     }
-    list.SetText(text);
+    if (text != list.Text()) {
+        list.SetText(text);
+        list.SetChangedByOperator(true);
+    }
     return true;
 }
 
@@ -48,7 +52,11 @@ bool Type(TextField& field, const std::string& text) {
     if (field.ReadOnly() || !TakeFocus(field)) {
         return false;
     }
+    const std::string before = field.Text();
     field.SetText(text);
+    if (field.Text() != before) {
+        field.SetChangedByOperator(true);
+    }
     return true;
 }
 

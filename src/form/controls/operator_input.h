@@ -12,7 +12,8 @@ namespace dbn::form {
 // reaches only a control that accepts input (visible and enabled, and so are
 // its containers); otherwise the call answers false and changes nothing.
 // Accepted input first gives the control the focus (GotFocus when it did not
-// have it), as a mouse click does, then acts.
+// have it), as a mouse click does, then acts. A pick or text that changes the
+// control's value marks it changed by the operator.
 namespace operator_input {
 
 // Picks entry index of a list: selects it (Click). The entry the list already
