@@ -145,19 +145,36 @@ HistoryEntry EntryOf(RowSet& rows, bool withStates) {
     entry.dbUser = rows.Field("DbUser").ToText();
     entry.program = rows.Field("Program").ToText();
     entry.kind = rows.Field("Kind").ToText();
-    for (const Json& change : Json::parse(rows.Field("Changes").ToText())) {
-        entry.changes.push_back(
-            {change.at("field").get<std::string>(), change.at("before"), change.at("after")});
+    // A malformed part is named in the entry's own words; the library's
+    // message is not shown.
+    const char* part = "its list of changes is not valid";
+    try {
+        const Json changes = Json::parse(rows.Field("Changes").ToText());
+        if (!changes.is_array()) {
+            throw std::invalid_argument("not a list");
+        }
+        for (const Json& change : changes) {
+            entry.changes.push_back(
+                {change.at("field").get<std::string>(), change.at("before"), change.at("after")});
+        }
+        if (withStates) {
+            part = "its state before is not a node state";
+            entry.before = nodestate::FromStoredJson(rows.Field("StateBefore").ToText());
+            part = "its state after is not a node state";
+            entry.after = nodestate::FromStoredJson(rows.Field("StateAfter").ToText());
+        }
+    } catch (const std::exception&) {
+        entry.changes.clear();
+        entry.before.reset();
+        entry.after.reset();
+        entry.damage = "entry " + std::to_string(entry.entry) + " cannot be read: " + part;
+        return entry;
     }
     const std::string lines = rows.Field("ChangeText").ToText();
     for (std::size_t at = 0; at < lines.size();) {
         const std::size_t end = std::min(lines.find('\n', at), lines.size());
         entry.changeLines.push_back(lines.substr(at, end - at));
         at = end + 1;
-    }
-    if (withStates) {
-        entry.before = nodestate::FromStoredJson(rows.Field("StateBefore").ToText());
-        entry.after = nodestate::FromStoredJson(rows.Field("StateAfter").ToText());
     }
     return entry;
 }
@@ -409,6 +426,9 @@ Json EntryJson(const HistoryEntry& entry, bool withKey) {
     out["program"] = entry.program;
     out["kind"] = entry.kind;
     out["changes"] = ChangesJson(entry.changes);
+    if (!entry.damage.empty()) {
+        out["error"] = entry.damage;
+    }
     return out;
 }
 

@@ -82,6 +82,10 @@ struct HistoryEntry {
     // The states; left empty by ReadNodeHistoryChanges.
     std::optional<nodestate::NodeState> before;
     std::optional<nodestate::NodeState> after;
+    // Set when part of the row cannot be read (malformed JSON): "entry 12
+    // cannot be read: its state after is not a node state". Such an entry
+    // has no changes and no states; the others are read as usual.
+    std::string damage;
 };
 
 // The node's entries, newest first; at most limit of them when given.

@@ -341,6 +341,48 @@ TEST_F(NodeTextTest, NodeChangedSinceTheExportIsRefusedUnlessForced) {
     EXPECT_EQ(Stored("NodeDescription"), "Staff directory");
 }
 
+// Another program's change committed while the apply waits for the nodes'
+// rows, after the apply first looked at them: compared under the locks,
+// refused like a change since the export, or replaced with --force and kept
+// as the history's state before.
+TEST_F(NodeTextTest, AChangeCommittedWhileTheApplyWaitsIsSeen) {
+    for (const bool force : {false, true}) {
+        json document = Exported();
+        document["nodes"][1]["retryLimit"] = 4;
+        root.Exec("UPDATE Node_DBN SET NodeDescription = 'Staff directory'" +
+                  Where(1, "NodeNumber", 1));
+        TempDataRoot::Writer other(
+            root, "UPDATE Node_DBN SET NodeDescription = 'Theirs'" + Where(1, "NodeNumber", 1));
+        bool committed = false;
+        db.SetWaitHandler([&] {
+            if (!committed) {
+                committed = true;
+                other.Commit();
+            }
+        });
+        ApplyOptions options;
+        options.force = force;
+        const ApplyResult result = Apply(document, options);
+        db.SetWaitHandler({});
+        EXPECT_TRUE(committed);
+        EXPECT_EQ(result.written, force);
+        if (!force) {
+            EXPECT_EQ(Texts(result.problems),
+                      std::vector<std::string>{
+                          "nodes[1]: DBN 1 was changed in the database since the export (it now "
+                          "differs from the file in: label, retryLimit); --force writes the file "
+                          "over it"});
+            EXPECT_EQ(Stored("NodeDescription || RetryLimit"), "Theirs3");
+            continue;
+        }
+        EXPECT_EQ(Stored("NodeDescription || RetryLimit"), "Staff directory4");
+        const auto history =
+            session::ReadNodeHistory(db, {1, 1, node_type::kDialByName, 1}, std::nullopt);
+        ASSERT_EQ(history.size(), 1u);
+        EXPECT_EQ(history[0].before->node["NodeDescription"], "Theirs");
+    }
+}
+
 TEST_F(NodeTextTest, NewNumbersAreCreatedFromTheTemplateAndMissingTargetsOnRequest) {
     json document = Exported();
     json fresh = document["nodes"][1];
