@@ -388,10 +388,16 @@ std::string ChangeDetails(DataBase& db, const NodeKey& key, const std::string& l
     } catch (const std::invalid_argument&) {
         // Loaded before this program kept states as JSON: no fields to name.
     }
+    // The newest entry names the change only when it left the node as it
+    // is now; else the change was made by a program that writes no history.
     std::string details = "Changed";
-    const std::vector<HistoryEntry> newest = ReadNodeHistory(db, key, 1);
-    if (!newest.empty()) {
-        details += " by " + newest[0].user + " on " + newest[0].host + " at " + newest[0].time;
+    if (db.KeepsHistory()) {
+        const std::vector<HistoryEntry> newest = ReadNodeHistory(db, key, 1);
+        if (!newest.empty() && newest[0].after == current) {
+            details += " by " + newest[0].user + " on " + newest[0].host + " at " + newest[0].time;
+        } else {
+            details = "This node was changed outside this program; not in the history";
+        }
     }
     std::string fields;
     if (loaded) {

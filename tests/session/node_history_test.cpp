@@ -256,6 +256,37 @@ TEST_F(NodeHistory, RestoreRefusesOtherNodesAndUnknownEntries) {
     EXPECT_EQ(Count("Node_History", ""), 1);
 }
 
+// A damaged row hides no other: it is listed with the reason it cannot be
+// read, and restoring it is refused with that reason.
+TEST_F(NodeHistory, ADamagedEntryIsNamedAndHidesNoOther) {
+    for (const char* description : {"One", "Two", "Three"}) {
+        SaveDescription(description);
+    }
+    DataBase db;
+    const auto all = session::ReadNodeHistory(db, kDbn11, std::nullopt);
+    ASSERT_EQ(all.size(), 3u);
+    const std::string changes = std::to_string(all[1].entry);
+    const std::string state = std::to_string(all[0].entry);
+    root.Exec("UPDATE Node_History SET Changes = '[{oops' WHERE EntryID = " + changes);
+    root.Exec("UPDATE Node_History SET StateAfter = '[1]' WHERE EntryID = " + state);
+    const auto listed = session::ReadNodeHistoryChanges(db, kDbn11, std::nullopt);
+    ASSERT_EQ(listed.size(), 3u);
+    EXPECT_EQ(listed[1].damage,
+              "entry " + changes + " cannot be read: its list of changes is not valid");
+    EXPECT_TRUE(listed[0].damage.empty());
+    EXPECT_EQ(listed[2].changes, all[2].changes);
+    const auto read = session::ReadNodeHistory(db, kDbn11, std::nullopt);
+    ASSERT_EQ(read.size(), 3u);
+    EXPECT_EQ(read[0].damage,
+              "entry " + state + " cannot be read: its state after is not a node state");
+    EXPECT_EQ(read[2].after, all[2].after);
+    const ComponentError refused =
+        ErrorOf([&] { session::RestoreNodeVersion(db, kDbn11, all[0].entry, true); });
+    EXPECT_EQ(refused.Description(), "History entry " + state +
+                                         " cannot be read: its state after is not a node state. "
+                                         "Nothing was restored.");
+}
+
 TEST_F(NodeHistory, RestoreNamesReferencesToNodesThatAreGone) {
     SaveDescription("One");
     DataBase db;
