@@ -397,28 +397,23 @@ References LookUpReferences(DataBase& db, std::int16_t config, std::int16_t part
     return references;
 }
 
-// When some of the file's fingerprinted nodes are not found as exported in
-// the partition the file names, another configuration and partition that
-// holds them all: a file of another partition (its header edited or mixed up). The
-// partition's refusals would only call its nodes changed or deleted.
+// When none of the file's fingerprinted nodes is found as exported in the
+// partition the file names, the configuration and partition that holds most
+// of them: a file of another partition (its header edited or mixed up),
+// whose nodes the partition's refusals would only call changed or deleted.
+// Templates are left out: they are often alike in every partition.
 std::optional<std::pair<std::int16_t, std::int16_t>> OtherOrigin(
     DataBase& db, const nodetext::NodeDocument& document,
     const std::map<std::int64_t, TextNode>& stored) {
     auto matches = [&](const std::map<std::int64_t, TextNode>& nodes) {
-        std::size_t matched = 0;
-        std::size_t fingerprinted = 0;
-        for (const TextNode& file : document.nodes) {
-            if (file.stored.empty()) {
-                continue;
-            }
-            ++fingerprinted;
-            const auto found = nodes.find(file.number);
-            matched += found != nodes.end() && nodetext::Fingerprint(found->second) == file.stored;
-        }
-        return std::pair{matched, fingerprinted};
+        return std::count_if(
+            document.nodes.begin(), document.nodes.end(), [&](const TextNode& file) {
+                const auto found = nodes.find(file.number);
+                return file.number != 0 && !file.stored.empty() && found != nodes.end() &&
+                       nodetext::Fingerprint(found->second) == file.stored;
+            });
     };
-    const auto [matchedHere, fingerprinted] = matches(stored);
-    if (matchedHere == fingerprinted) {
+    if (matches(stored) > 0) {
         return std::nullopt;
     }
     db.Execute("Get_Partitions_With_Nodes", {CommandArg(node_type::kDialByName)});
@@ -427,15 +422,19 @@ std::optional<std::pair<std::int16_t, std::int16_t>> OtherOrigin(
     for (RowSetCloser closer(rows); !rows.Eof(); rows.MoveNext()) {
         partitions.emplace_back(rows.Field("ConfigID").ToInt16(), rows.Field("PartID").ToInt16());
     }
+    std::optional<std::pair<std::int16_t, std::int16_t>> origin;
+    std::ptrdiff_t most = 0;
     for (const auto& [config, partition] : partitions) {
         if (config == document.configuration && partition == document.partition) {
             continue;
         }
-        if (matches(ReadStoredNodes(db, config, partition)).first == fingerprinted) {
-            return std::pair{config, partition};
+        if (const std::ptrdiff_t found = matches(ReadStoredNodes(db, config, partition));
+            found > most) {
+            most = found;
+            origin = std::pair{config, partition};
         }
     }
-    return std::nullopt;
+    return origin;
 }
 
 void ListNodes(ApplyResult& result, const std::vector<PlannedNode>& planned) {
