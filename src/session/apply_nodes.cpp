@@ -362,39 +362,66 @@ bool Writes(const std::vector<PlannedNode>& planned) {
     });
 }
 
-// The references the written nodes gather, each looked up in one batch.
+// The references the written nodes gather, each looked up in one batch
+// (sent on its own, or with other reads).
 struct References {
     std::vector<RequiredNode> required;
     std::vector<bool> exists;
 };
 
-References LookUpReferences(DataBase& db, std::int16_t config, std::int16_t partition,
-                            const std::vector<PlannedNode>& planned) {
-    References references;
+std::vector<RequiredNode> GatherAll(const std::vector<PlannedNode>& planned) {
+    std::vector<RequiredNode> required;
     std::set<std::string> keys;
+    for (const PlannedNode& plan : planned) {
+        if (plan.outcome != NodeOutcome::Unchanged) {
+            GatherReferences(plan.node, required, keys);
+        }
+    }
+    return required;
+}
+
+std::vector<BatchStep> ReferenceLookups(std::int16_t config, std::int16_t partition,
+                                        const std::vector<RequiredNode>& required) {
+    std::vector<BatchStep> lookups;
+    for (const RequiredNode& node : required) {
+        lookups.push_back({"Get_Description",
+                           {CommandArg(config), CommandArg(partition), LookedUpTypeID(node.typeID),
+                            node.number}});
+    }
+    return lookups;
+}
+
+References FoundReferences(std::vector<RequiredNode> required, BatchAnswer* answers,
+                           const std::vector<PlannedNode>& planned) {
     std::set<std::string> creating;  // DBN numbers this apply creates
     for (const PlannedNode& plan : planned) {
         if (plan.outcome == NodeOutcome::Created) {
             creating.insert(std::to_string(plan.node.number));
         }
-        if (plan.outcome != NodeOutcome::Unchanged) {
-            GatherReferences(plan.node, references.required, keys);
-        }
     }
-    std::vector<BatchStep> lookups;
-    for (const RequiredNode& node : references.required) {
-        lookups.push_back({"Get_Description",
-                           {CommandArg(config), CommandArg(partition), LookedUpTypeID(node.typeID),
-                            node.number}});
-    }
-    std::vector<BatchAnswer> answers =
-        lookups.empty() ? std::vector<BatchAnswer>{} : db.ExecuteBatch(lookups);
-    for (std::size_t i = 0; i < answers.size(); ++i) {
+    References references{std::move(required), {}};
+    for (std::size_t i = 0; i < references.required.size(); ++i) {
         const RequiredNode& node = references.required[i];
         references.exists.push_back(!answers[i].rows.Eof() ||
                                     (node.typeID == kDbnType && creating.count(node.number) > 0));
     }
     return references;
+}
+
+References LookUpReferences(DataBase& db, std::int16_t config, std::int16_t partition,
+                            const std::vector<PlannedNode>& planned) {
+    std::vector<RequiredNode> required = GatherAll(planned);
+    std::vector<BatchAnswer> answers =
+        required.empty() ? std::vector<BatchAnswer>{}
+                         : db.ExecuteBatch(ReferenceLookups(config, partition, required));
+    return FoundReferences(std::move(required), answers.data(), planned);
+}
+
+bool SameReferences(const std::vector<RequiredNode>& a, const std::vector<RequiredNode>& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](const RequiredNode& x, const RequiredNode& y) {
+                          return x.key == y.key && x.typeID == y.typeID && x.number == y.number;
+                      });
 }
 
 // When none of the file's fingerprinted nodes is found as exported in the
@@ -498,7 +525,14 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
     }
     TransactionScope transaction(db);
     LockPartitionNodes(db, config, partition);
-    stored = ReadStoredNodes(db, config, partition);
+    // The nodes again and the first look's references in one batch; the
+    // references are looked up again only when the second look changed them.
+    const std::vector<RequiredNode> firstRequired = GatherAll(planned);
+    std::vector<BatchStep> reads = StoredNodeReads(config, partition);
+    const std::vector<BatchStep> lookups = ReferenceLookups(config, partition, firstRequired);
+    reads.insert(reads.end(), lookups.begin(), lookups.end());
+    std::vector<BatchAnswer> answers = db.ExecuteBatch(reads);
+    stored = StoredNodesOf(answers.data());
     planned = PlanNodes(stored, document, options, targets, absentBefore, result.problems);
     if (!result.problems.empty()) {
         result.nodes.clear();
@@ -508,7 +542,9 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
     if (!Writes(planned)) {
         return result;
     }
-    const References references = LookUpReferences(db, config, partition, planned);
+    const References references = SameReferences(GatherAll(planned), firstRequired)
+                                      ? FoundReferences(firstRequired, answers.data() + 3, planned)
+                                      : LookUpReferences(db, config, partition, planned);
     // The new nodes are copied from the template in one batch; each one's
     // history row is the one its write adds.
     std::vector<TemplateCopy> newNodes;
