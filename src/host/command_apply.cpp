@@ -6,24 +6,62 @@
 #include "nodetext/text_form.h"
 #include "session/apply_nodes.h"
 
+#include <array>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <sstream>
 
 namespace dbn::host {
 namespace {
 
+// A node file is far smaller; anything larger is refused unread.
+constexpr std::uintmax_t kLargestFile = 64u * 1024 * 1024;
+
+// Why the path cannot be a node file, told before anything is read from it
+// (a device may never end), or std::nullopt.
+std::optional<std::string> Unfit(const std::string& path) {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (error || !fs::exists(status)) {
+        return "cannot be read";
+    }
+    if (fs::is_directory(status)) {
+        return "is a folder, not a file";
+    }
+    if (fs::is_character_file(status) || fs::is_block_file(status) || fs::is_socket(status)) {
+        return "is a device, not a file";
+    }
+    if (fs::is_regular_file(status) && fs::file_size(path, error) > kLargestFile) {
+        return "is larger than 64 MB, far larger than a file of nodes";
+    }
+    return std::nullopt;
+}
+
 // Reads and checks the file; prints its problems and answers nothing when
 // it cannot be applied.
 std::optional<nodetext::NodeDocument> ReadFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
-        std::cerr << "dbn-node-editor: " << path << ": cannot be read\n";
+    std::optional<std::string> unfit = Unfit(path);
+    std::string text;
+    if (!unfit) {
+        // A pipe has no size to ask: it is read until it passes the limit.
+        std::ifstream file(path, std::ios::binary);
+        std::array<char, 65536> buffer{};
+        while (file && text.size() <= kLargestFile) {
+            file.read(buffer.data(), buffer.size());
+            text.append(buffer.data(), static_cast<std::size_t>(file.gcount()));
+        }
+        if (file.bad() || (!file.eof() && text.size() <= kLargestFile)) {
+            unfit = "cannot be read";
+        } else if (text.size() > kLargestFile) {
+            unfit = "is larger than 64 MB, far larger than a file of nodes";
+        }
+    }
+    if (unfit) {
+        std::cerr << "dbn-node-editor: " << path << ": " << *unfit << "\n";
         return std::nullopt;
     }
-    std::ostringstream text;
-    text << file.rdbuf();
-    nodetext::ReadResult read = nodetext::ReadDocument(text.str());
+    nodetext::ReadResult read = nodetext::ReadDocument(text);
     for (const nodetext::Problem& problem : read.problems) {
         std::cerr << "dbn-node-editor: " << path << ": " << nodetext::ProblemText(problem) << "\n";
     }

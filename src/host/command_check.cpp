@@ -21,7 +21,12 @@ int RunCheck(const CommandArgs& args) {
     const std::int16_t node = KeyArgument("NODE", args.Positionals()[2]);
 
     DataBase db;
-    const directory::DirectoryReport report = session::CheckStoredNode(db, config, partition, node);
+    std::string shownAs;
+    const directory::DirectoryReport report =
+        session::CheckStoredNode(db, config, partition, node, &shownAs);
+    if (!shownAs.empty()) {
+        std::cerr << "dbn-node-editor: " << shownAs << "\n";
+    }
     std::cout << (args.IsSet("json") ? directory::ReportJson(report)
                                      : directory::ReportText(report));
     return report.ReachableCount() == report.Total() ? kExitOk : kSomeUnreachable;

@@ -7,6 +7,9 @@ namespace dbn::host {
 void PrintHistoryEntry(std::ostream& out, const session::HistoryEntry& entry) {
     out << entry.entry << "  " << entry.time << "  " << session::WhoText(entry) << "  "
         << entry.program << "  " << entry.kind << "\n";
+    if (!entry.damage.empty()) {
+        out << "    " << entry.damage << "\n";
+    }
     for (const std::string& line : entry.changeLines) {
         out << "    " << line << "\n";
     }
@@ -20,7 +23,7 @@ void PrintChangeLine(std::ostream& out, const session::HistoryEntry& entry) {
     for (const nodestate::FieldChange& change : entry.changes) {
         fields += (fields.empty() ? ": " : ", ") + change.field;
     }
-    out << fields << "\n";
+    out << fields << (entry.damage.empty() ? "" : ": " + entry.damage) << "\n";
 }
 
 }  // namespace dbn::host

@@ -214,15 +214,31 @@ public:
     }
     bool Failed() const { return failed_; }
 
+    // A key (a node, configuration or partition number): 16 bits.
     std::optional<std::int64_t> Whole(const Json& json, const std::string& path) {
+        return WholeIn(json, path, -32768, 32767);
+    }
+
+    // A stored value: whatever a column holds, so that a value beyond what
+    // the editor offers comes back unchanged; a changed one is checked
+    // against the field's range when it is applied.
+    std::optional<std::int64_t> StoredWhole(const Json& json, const std::string& path) {
+        return WholeIn(json, path, std::numeric_limits<std::int64_t>::min(),
+                       std::numeric_limits<std::int64_t>::max());
+    }
+
+    std::optional<std::int64_t> WholeIn(const Json& json, const std::string& path, std::int64_t low,
+                                        std::int64_t high) {
         if (json.is_number_integer()) {
-            const bool fits = json.is_number_unsigned() ? json.get<std::uint64_t>() <= 32767
-                                                        : json.get<std::int64_t>() >= -32768 &&
-                                                              json.get<std::int64_t>() <= 32767;
+            const bool fits =
+                json.is_number_unsigned()
+                    ? json.get<std::uint64_t>() <= static_cast<std::uint64_t>(high)
+                    : json.get<std::int64_t>() >= low && json.get<std::int64_t>() <= high;
             if (fits) {
                 return json.get<std::int64_t>();
             }
-            Fail(path, Shown(json) + " is outside -32768 to 32767");
+            Fail(path, Shown(json) + " is outside " + std::to_string(low) + " to " +
+                           std::to_string(high));
             return std::nullopt;
         }
         Fail(path, "must be a whole number, not " + Shown(json));
@@ -250,7 +266,7 @@ public:
         if (json.is_null()) {
             return Value{};
         }
-        if (auto number = Whole(json, path)) {
+        if (auto number = StoredWhole(json, path)) {
             return Value{*number};
         }
         return std::nullopt;
@@ -284,7 +300,7 @@ public:
         } else {
             good = false;
         }
-        if (auto number = Whole(json["number"], path + ".number")) {
+        if (auto number = StoredWhole(json["number"], path + ".number")) {
             ref.number = *number;
         } else {
             good = false;
@@ -455,6 +471,113 @@ std::pair<std::size_t, std::size_t> LineAndColumn(std::string_view text, std::si
     return {line, column};
 }
 
+// The deepest nesting a node file has: the document, its list of nodes, a
+// node, its confirmation, the list of prompts and one prompt.
+constexpr std::size_t kDeepestNesting = 6;
+
+// A first pass over the text before any value is built: malformed JSON and
+// numbers beyond the range of numbers named by line and column, nesting
+// deeper than a node file has and a key given twice in one object named by
+// their JSON path. The first problem ends the pass.
+class TextChecker {
+public:
+    explicit TextChecker(std::string_view text) : text_(text) {}
+
+    std::optional<Problem> Check() {
+        Json::sax_parse(text_.begin(), text_.end(), this);
+        return problem_;
+    }
+
+    bool null() { return Element(); }
+    bool boolean(bool) { return Element(); }
+    bool number_integer(Json::number_integer_t) { return Element(); }
+    bool number_unsigned(Json::number_unsigned_t) { return Element(); }
+    bool number_float(Json::number_float_t, const Json::string_t&) { return Element(); }
+    bool string(Json::string_t&) { return Element(); }
+    bool binary(Json::binary_t&) { return Element(); }
+    bool start_object(std::size_t) { return Open(false); }
+    bool start_array(std::size_t) { return Open(true); }
+    bool end_object() { return Close(); }
+    bool end_array() { return Close(); }
+    bool key(Json::string_t& key) {
+        Frame& frame = frames_.back();
+        if (!frame.keys.insert(key).second) {
+            problem_ = Problem{Path(frames_.size() - 1), "the key \"" + key + "\" is given twice"};
+            return false;
+        }
+        frame.key = key;
+        return true;
+    }
+    bool parse_error(std::size_t position, const std::string& token,
+                     const nlohmann::detail::exception& error) {
+        // A number is named where it begins, any other error where reading
+        // stopped.
+        const bool number = dynamic_cast<const nlohmann::detail::out_of_range*>(&error) != nullptr;
+        const std::size_t at = number && position >= token.size() ? position - token.size()
+                               : position == 0                    ? 0
+                                                                  : position - 1;
+        const auto [line, column] = LineAndColumn(text_, at);
+        std::string reason;
+        if (number) {
+            reason = "the number " + token + " is beyond the range of numbers";
+        } else {
+            // "[json.exception.parse_error.101] parse error at line 1, column 2: X" -> X
+            reason = error.what();
+            if (const std::size_t colon = reason.find(": "); colon != std::string::npos) {
+                reason = reason.substr(colon + 2);
+            }
+            reason = "malformed JSON: " + reason;
+        }
+        problem_ = Problem{"", "line " + std::to_string(line) + ", column " +
+                                   std::to_string(column) + ": " + reason};
+        return false;
+    }
+
+private:
+    struct Frame {
+        bool array = false;
+        std::size_t elements = 0;  // of an array, begun so far
+        std::string key;           // of an object, the latest
+        std::set<std::string> keys;
+    };
+
+    // The JSON path of the value being read inside the first `depth` frames.
+    std::string Path(std::size_t depth) const {
+        std::string path;
+        for (std::size_t i = 0; i < depth; ++i) {
+            const Frame& frame = frames_[i];
+            path += frame.array ? "[" + std::to_string(frame.elements - 1) + "]"
+                                : (path.empty() ? "" : ".") + frame.key;
+        }
+        return path;
+    }
+    bool Element() {
+        if (!frames_.empty() && frames_.back().array) {
+            ++frames_.back().elements;
+        }
+        return true;
+    }
+    bool Open(bool array) {
+        Element();
+        if (frames_.size() == kDeepestNesting) {
+            problem_ = Problem{Path(frames_.size()), "is nested deeper than a node file goes (" +
+                                                         std::to_string(kDeepestNesting) +
+                                                         " levels of objects and lists)"};
+            return false;
+        }
+        frames_.push_back({array, 0, {}, {}});
+        return true;
+    }
+    bool Close() {
+        frames_.pop_back();
+        return true;
+    }
+
+    std::string_view text_;
+    std::vector<Frame> frames_;
+    std::optional<Problem> problem_;
+};
+
 std::optional<std::int64_t> DocumentKey(const Json& json, const char* key,
                                         std::vector<Problem>& problems) {
     NodeReader reader(problems, key);
@@ -514,20 +637,11 @@ std::string ProblemText(const Problem& problem) {
 
 ReadResult ReadDocument(std::string_view text) {
     ReadResult result;
-    Json json;
-    try {
-        json = Json::parse(text.begin(), text.end());
-    } catch (const Json::parse_error& error) {
-        const auto [line, column] = LineAndColumn(text, error.byte == 0 ? 0 : error.byte - 1);
-        std::string reason = error.what();
-        // "[json.exception.parse_error.101] parse error at line 1, column 2: X" -> X
-        if (const std::size_t colon = reason.find(": "); colon != std::string::npos) {
-            reason = reason.substr(colon + 2);
-        }
-        result.problems.push_back({"", "line " + std::to_string(line) + ", column " +
-                                           std::to_string(column) + ": malformed JSON: " + reason});
+    if (std::optional<Problem> problem = TextChecker(text).Check()) {
+        result.problems.push_back(std::move(*problem));
         return result;
     }
+    Json json = Json::parse(text.begin(), text.end());
     std::vector<Problem>& problems = result.problems;
     if (!json.is_object()) {
         problems.push_back({"", "the document must be a JSON object"});

@@ -7,6 +7,7 @@
 #include "session/node_templates.h"
 #include "session/node_text_store.h"
 #include "session/partition_targets.h"
+#include "session/stored_state.h"
 #include "session/transaction_scope.h"
 
 #include <algorithm>
@@ -167,32 +168,43 @@ public:
         }
     }
 
-    // The checks every save makes: the label's text and the search settings.
-    void CheckSave(const TextNode& node) {
+    // The checks every save makes: the label's text and the search
+    // settings, each when a field it reads changed (a stored value left as
+    // it was is never refused, even one beyond what the editor offers).
+    void CheckSave(const TextNode& node, const std::vector<FieldChange>& changes) {
+        auto changed = [&](std::initializer_list<const char*> paths) {
+            return std::any_of(paths.begin(), paths.end(),
+                               [&](const char* path) { return nodetext::Changed(changes, path); });
+        };
         auto label = node.columns.find("NodeDescription");
-        if (label != node.columns.end() &&
+        if (changed({"label"}) && label != node.columns.end() &&
             !form::TextValidator().IsValidText(nodetext::ValueText(label->second))) {
             Fail("label",
                  "Double quotes and continuous single quotes are not allowed in the Label field");
         }
         if (Column(node, "Method") != 0) {
-            if (Column(node, "FirstLanguage") == 0 && Column(node, "SecondLanguage") == 0) {
+            if (changed({"method", "languages.first", "languages.second"}) &&
+                Column(node, "FirstLanguage") == 0 && Column(node, "SecondLanguage") == 0) {
                 Fail("languages.first", "Please select a language in Language 1");
             }
             return;
         }
+        const bool method = changed({"method"});
         const std::int64_t firstMode = Column(node, "FirstMode");
         const std::int64_t secondMode = Column(node, "SecondMode");
-        if (firstMode == secondMode && (firstMode == 1 || firstMode == 2)) {
+        if ((method || changed({"stages[0].mode", "stages[1].mode"})) && firstMode == secondMode &&
+            (firstMode == 1 || firstMode == 2)) {
             Fail("stages[1].mode",
                  "Second Match must be different from the First Match.  Please select another "
                  "option in Second Match.");
         }
         const char* order = "Min Digits value must be less than or equal to Max Digits value.";
-        if (Column(node, "FirstMinDigits") > Column(node, "FirstMaxDigits")) {
+        if ((method || changed({"stages[0].minDigits", "stages[0].maxDigits"})) &&
+            Column(node, "FirstMinDigits") > Column(node, "FirstMaxDigits")) {
             Fail("stages[0].minDigits", order);
         }
-        if (secondMode != 0 && Column(node, "SecondMinDigits") > Column(node, "SecondMaxDigits")) {
+        if ((method || changed({"stages[1].mode", "stages[1].minDigits", "stages[1].maxDigits"})) &&
+            secondMode != 0 && Column(node, "SecondMinDigits") > Column(node, "SecondMaxDigits")) {
             Fail("stages[1].minDigits", order);
         }
     }
@@ -262,28 +274,21 @@ void GatherReferences(const TextNode& node, std::vector<RequiredNode>& required,
     Gather(required, keys, nodetext::RefColumns(node, "ConfirmationExit"));
 }
 
-}  // namespace
-
-ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
-                       const ApplyOptions& options) {
-    ApplyResult result;
-    const auto config = static_cast<std::int16_t>(document.configuration);
-    const auto partition = static_cast<std::int16_t>(document.partition);
-    const PartitionTargets targets(db, config, partition);
-    std::map<std::int64_t, TextNode> stored = ReadStoredNodes(db, config, partition);
-    if (stored.empty()) {
-        result.problems.push_back({"partition", "configuration " + CommandArg(config) +
-                                                    ", partition " + CommandArg(partition) +
-                                                    " has no dial-by-name nodes in this database"});
-        return result;
-    }
+// The document's nodes against the stored ones: each node's outcome and the
+// node as it will be stored, or the refusals. `absentBefore` names the
+// numbers an earlier look found missing: one stored meanwhile is refused
+// like a node changed since the export.
+std::vector<PlannedNode> PlanNodes(const std::map<std::int64_t, TextNode>& stored,
+                                   const nodetext::NodeDocument& document,
+                                   const ApplyOptions& options, const PartitionTargets& targets,
+                                   const std::set<std::int64_t>& absentBefore,
+                                   std::vector<nodetext::Problem>& problems) {
     const auto templateNode = stored.find(0);
-
     std::vector<PlannedNode> planned;
     for (std::size_t i = 0; i < document.nodes.size(); ++i) {
         const TextNode& file = document.nodes[i];
         const std::string prefix = Prefix(i);
-        NodeChecker checker(result.problems, targets, prefix);
+        NodeChecker checker(problems, targets, prefix);
         PlannedNode plan;
         plan.index = i;
         const auto found = stored.find(file.number);
@@ -293,22 +298,26 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
             // A node changed since the export matters only when the file
             // would write it: one that already matches the file is unchanged.
             const std::vector<FieldChange> differences = nodetext::Changes(*base, file);
-            if (!file.stored.empty() && file.stored != nodetext::Fingerprint(*base) &&
-                !differences.empty() && !options.force) {
+            const bool changedSince = file.stored.empty()
+                                          ? absentBefore.count(file.number) > 0
+                                          : file.stored != nodetext::Fingerprint(*base);
+            if (changedSince && !differences.empty() && !options.force) {
                 std::string fields;
                 for (const FieldChange& change : differences) {
                     fields += (fields.empty() ? "" : ", ") + change.path;
                 }
-                result.problems.push_back(
+                problems.push_back(
                     {prefix, "DBN " + std::to_string(file.number) +
-                                 " was changed in the database since the export (it now "
-                                 "differs from the file in: " +
-                                 fields + "); --force writes the file over it"});
+                                 (file.stored.empty() ? " was created in the database meanwhile"
+                                                      : " was changed in the database since the "
+                                                        "export") +
+                                 " (it now differs from the file in: " + fields +
+                                 "); --force writes the file over it"});
                 continue;
             }
         } else {
             if (!file.stored.empty() && !options.force) {
-                result.problems.push_back(
+                problems.push_back(
                     {prefix, "DBN " + std::to_string(file.number) +
                                  " was deleted from the database since the export; --force "
                                  "creates it again from the template"});
@@ -340,66 +349,202 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
                     checker.CheckField(rule, plan.node);
                 }
             }
-            checker.CheckSave(plan.node);
+            checker.CheckSave(plan.node, plan.changes);
         }
         planned.push_back(std::move(plan));
     }
-    if (!result.problems.empty()) {
-        return result;
-    }
-    for (const PlannedNode& plan : planned) {
-        result.nodes.push_back({plan.node.number, plan.outcome, plan.changes});
-    }
+    return planned;
+}
 
+bool Writes(const std::vector<PlannedNode>& planned) {
+    return std::any_of(planned.begin(), planned.end(), [](const PlannedNode& plan) {
+        return plan.outcome != NodeOutcome::Unchanged;
+    });
+}
+
+// The references the written nodes gather, each looked up in one batch
+// (sent on its own, or with other reads).
+struct References {
+    std::vector<RequiredNode> required;
+    std::vector<bool> exists;
+};
+
+std::vector<RequiredNode> GatherAll(const std::vector<PlannedNode>& planned) {
     std::vector<RequiredNode> required;
     std::set<std::string> keys;
+    for (const PlannedNode& plan : planned) {
+        if (plan.outcome != NodeOutcome::Unchanged) {
+            GatherReferences(plan.node, required, keys);
+        }
+    }
+    return required;
+}
+
+std::vector<BatchStep> ReferenceLookups(std::int16_t config, std::int16_t partition,
+                                        const std::vector<RequiredNode>& required) {
+    std::vector<BatchStep> lookups;
+    for (const RequiredNode& node : required) {
+        lookups.push_back({"Get_Description",
+                           {CommandArg(config), CommandArg(partition), LookedUpTypeID(node.typeID),
+                            node.number}});
+    }
+    return lookups;
+}
+
+References FoundReferences(std::vector<RequiredNode> required, BatchAnswer* answers,
+                           const std::vector<PlannedNode>& planned) {
     std::set<std::string> creating;  // DBN numbers this apply creates
     for (const PlannedNode& plan : planned) {
         if (plan.outcome == NodeOutcome::Created) {
             creating.insert(std::to_string(plan.node.number));
         }
-        if (plan.outcome != NodeOutcome::Unchanged) {
-            GatherReferences(plan.node, required, keys);
-        }
     }
-    // Every reference's node is looked up in one batch.
-    std::set<const RequiredNode*> found;
-    {
-        std::vector<BatchStep> lookups;
-        for (const RequiredNode& node : required) {
-            lookups.push_back({"Get_Description",
-                               {CommandArg(config), CommandArg(partition),
-                                LookedUpTypeID(node.typeID), node.number}});
-        }
-        std::vector<BatchAnswer> answers =
-            lookups.empty() ? std::vector<BatchAnswer>{} : db.ExecuteBatch(lookups);
-        for (std::size_t i = 0; i < answers.size(); ++i) {
-            if (!answers[i].rows.Eof()) {
-                found.insert(&required[i]);
-            }
-        }
+    References references{std::move(required), {}};
+    for (std::size_t i = 0; i < references.required.size(); ++i) {
+        const RequiredNode& node = references.required[i];
+        references.exists.push_back(!answers[i].rows.Eof() ||
+                                    (node.typeID == kDbnType && creating.count(node.number) > 0));
     }
-    auto exists = [&](const RequiredNode& node) {
-        return (node.typeID == kDbnType && creating.count(node.number) > 0) ||
-               found.count(&node) > 0;
-    };
+    return references;
+}
 
+References LookUpReferences(DataBase& db, std::int16_t config, std::int16_t partition,
+                            const std::vector<PlannedNode>& planned) {
+    std::vector<RequiredNode> required = GatherAll(planned);
+    std::vector<BatchAnswer> answers =
+        required.empty() ? std::vector<BatchAnswer>{}
+                         : db.ExecuteBatch(ReferenceLookups(config, partition, required));
+    return FoundReferences(std::move(required), answers.data(), planned);
+}
+
+bool SameReferences(const std::vector<RequiredNode>& a, const std::vector<RequiredNode>& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](const RequiredNode& x, const RequiredNode& y) {
+                          return x.key == y.key && x.typeID == y.typeID && x.number == y.number;
+                      });
+}
+
+// When none of the file's fingerprinted nodes is found as exported in the
+// partition the file names, the configuration and partition that holds most
+// of them: a file of another partition (its header edited or mixed up),
+// whose nodes the partition's refusals would only call changed or deleted.
+// Templates are left out: they are often alike in every partition.
+std::optional<std::pair<std::int16_t, std::int16_t>> OtherOrigin(
+    DataBase& db, const nodetext::NodeDocument& document,
+    const std::map<std::int64_t, TextNode>& stored) {
+    auto matches = [&](const std::map<std::int64_t, TextNode>& nodes) {
+        return std::count_if(
+            document.nodes.begin(), document.nodes.end(), [&](const TextNode& file) {
+                const auto found = nodes.find(file.number);
+                return file.number != 0 && !file.stored.empty() && found != nodes.end() &&
+                       nodetext::Fingerprint(found->second) == file.stored;
+            });
+    };
+    if (matches(stored) > 0) {
+        return std::nullopt;
+    }
+    db.Execute("Get_Partitions_With_Nodes", {CommandArg(node_type::kDialByName)});
+    std::vector<std::pair<std::int16_t, std::int16_t>> partitions;
+    RowSet& rows = db.Recordset("Get_Partitions_With_Nodes");
+    for (RowSetCloser closer(rows); !rows.Eof(); rows.MoveNext()) {
+        partitions.emplace_back(rows.Field("ConfigID").ToInt16(), rows.Field("PartID").ToInt16());
+    }
+    std::optional<std::pair<std::int16_t, std::int16_t>> origin;
+    std::ptrdiff_t most = 0;
+    for (const auto& [config, partition] : partitions) {
+        if (config == document.configuration && partition == document.partition) {
+            continue;
+        }
+        if (const std::ptrdiff_t found = matches(ReadStoredNodes(db, config, partition));
+            found > most) {
+            most = found;
+            origin = std::pair{config, partition};
+        }
+    }
+    return origin;
+}
+
+void ListNodes(ApplyResult& result, const std::vector<PlannedNode>& planned) {
+    result.nodes.clear();
+    for (const PlannedNode& plan : planned) {
+        result.nodes.push_back({plan.node.number, plan.outcome, plan.changes});
+    }
+}
+
+}  // namespace
+
+ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
+                       const ApplyOptions& options) {
+    ApplyResult result;
+    const auto config = static_cast<std::int16_t>(document.configuration);
+    const auto partition = static_cast<std::int16_t>(document.partition);
+    const PartitionTargets targets(db, config, partition);
+    std::map<std::int64_t, TextNode> stored = ReadStoredNodes(db, config, partition);
+    std::vector<PlannedNode> planned;
+    if (stored.empty()) {
+        result.problems.push_back({"partition", "configuration " + CommandArg(config) +
+                                                    ", partition " + CommandArg(partition) +
+                                                    " has no dial-by-name nodes in this database"});
+    } else {
+        // A first look without locks: refusals and dry runs never hold any.
+        planned = PlanNodes(stored, document, options, targets, {}, result.problems);
+    }
+    if (!result.problems.empty()) {
+        if (const auto origin = OtherOrigin(db, document, stored)) {
+            result.problems = {{"partition", "the file names configuration " + CommandArg(config) +
+                                                 ", partition " + CommandArg(partition) +
+                                                 ", but its nodes are those of configuration " +
+                                                 CommandArg(origin->first) + ", partition " +
+                                                 CommandArg(origin->second)}};
+        }
+        return result;
+    }
+    ListNodes(result, planned);
     if (options.dryRun) {
-        for (const RequiredNode& node : required) {
-            if (!exists(node)) {
+        const References references = LookUpReferences(db, config, partition, planned);
+        for (std::size_t i = 0; i < references.required.size(); ++i) {
+            if (!references.exists[i]) {
                 (options.createMissing ? result.createdReferences : result.missingReferences)
-                    .push_back(node.key);
+                    .push_back(references.required[i].key);
             }
         }
         return result;
     }
-    const bool writes = std::any_of(planned.begin(), planned.end(), [](const PlannedNode& plan) {
-        return plan.outcome != NodeOutcome::Unchanged;
-    });
-    if (!writes) {
+    if (!Writes(planned)) {
         return result;
+    }
+    // The write compares again under the locks of the partition's nodes: a
+    // change committed by another program since the first look is refused
+    // as one made since the export, and the history's state before each
+    // write is the state it replaces.
+    std::set<std::int64_t> absentBefore;
+    for (const PlannedNode& plan : planned) {
+        if (plan.outcome == NodeOutcome::Created) {
+            absentBefore.insert(plan.node.number);
+        }
     }
     TransactionScope transaction(db);
+    LockPartitionNodes(db, config, partition);
+    // The nodes again and the first look's references in one batch; the
+    // references are looked up again only when the second look changed them.
+    const std::vector<RequiredNode> firstRequired = GatherAll(planned);
+    std::vector<BatchStep> reads = StoredNodeReads(config, partition);
+    const std::vector<BatchStep> lookups = ReferenceLookups(config, partition, firstRequired);
+    reads.insert(reads.end(), lookups.begin(), lookups.end());
+    std::vector<BatchAnswer> answers = db.ExecuteBatch(reads);
+    stored = StoredNodesOf(answers.data());
+    planned = PlanNodes(stored, document, options, targets, absentBefore, result.problems);
+    if (!result.problems.empty()) {
+        result.nodes.clear();
+        return result;
+    }
+    ListNodes(result, planned);
+    if (!Writes(planned)) {
+        return result;
+    }
+    const References references = SameReferences(GatherAll(planned), firstRequired)
+                                      ? FoundReferences(firstRequired, answers.data() + 3, planned)
+                                      : LookUpReferences(db, config, partition, planned);
     // The new nodes are copied from the template in one batch; each one's
     // history row is the one its write adds.
     std::vector<TemplateCopy> newNodes;
@@ -433,10 +578,11 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
     std::vector<Absent> absent;
     std::map<std::pair<std::string, std::string>, std::size_t> copyOf;
     std::vector<TemplateCopy> copies;
-    for (const RequiredNode& node : required) {
-        if (exists(node)) {
+    for (std::size_t i = 0; i < references.required.size(); ++i) {
+        if (references.exists[i]) {
             continue;
         }
+        const RequiredNode& node = references.required[i];
         const auto [at, first] =
             copyOf.try_emplace({LookedUpTypeID(node.typeID), node.number}, copies.size());
         if (first) {

@@ -10,6 +10,7 @@
 #include "directory/directory_report.h"
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace dbn::form {
@@ -39,9 +40,13 @@ directory::SearchSettings StoredSearchSettings(const RowSet& node);
 std::int16_t StoredDirectoryNumber(const RowSet& node);
 
 // The check of a stored node. Raises kErrCheckedNodeMissing or
-// kErrDirectoryMissing (ComponentError) when a node is missing.
+// kErrDirectoryMissing (ComponentError) when a node is missing. Settings
+// beyond the editor's lists are read as the editor shows them; with shownAs
+// given, it tells them as the editor does ("Stored settings of DBN 1 outside
+// their range are shown as: MaxMatch 40000 -> 9."), or is left empty.
 directory::DirectoryReport CheckStoredNode(DataBase& db, std::int16_t config,
-                                           std::int16_t partition, std::int16_t node);
+                                           std::int16_t partition, std::int16_t node,
+                                           std::string* shownAs = nullptr);
 
 // The search settings the form shows now, saved or not.
 directory::SearchSettings FormSearchSettings(const form::GUI& form);

@@ -145,19 +145,36 @@ HistoryEntry EntryOf(RowSet& rows, bool withStates) {
     entry.dbUser = rows.Field("DbUser").ToText();
     entry.program = rows.Field("Program").ToText();
     entry.kind = rows.Field("Kind").ToText();
-    for (const Json& change : Json::parse(rows.Field("Changes").ToText())) {
-        entry.changes.push_back(
-            {change.at("field").get<std::string>(), change.at("before"), change.at("after")});
+    // A malformed part is named in the entry's own words; the library's
+    // message is not shown.
+    const char* part = "its list of changes is not valid";
+    try {
+        const Json changes = Json::parse(rows.Field("Changes").ToText());
+        if (!changes.is_array()) {
+            throw std::invalid_argument("not a list");
+        }
+        for (const Json& change : changes) {
+            entry.changes.push_back(
+                {change.at("field").get<std::string>(), change.at("before"), change.at("after")});
+        }
+        if (withStates) {
+            part = "its state before is not a node state";
+            entry.before = nodestate::FromStoredJson(rows.Field("StateBefore").ToText());
+            part = "its state after is not a node state";
+            entry.after = nodestate::FromStoredJson(rows.Field("StateAfter").ToText());
+        }
+    } catch (const std::exception&) {
+        entry.changes.clear();
+        entry.before.reset();
+        entry.after.reset();
+        entry.damage = "entry " + std::to_string(entry.entry) + " cannot be read: " + part;
+        return entry;
     }
     const std::string lines = rows.Field("ChangeText").ToText();
     for (std::size_t at = 0; at < lines.size();) {
         const std::size_t end = std::min(lines.find('\n', at), lines.size());
         entry.changeLines.push_back(lines.substr(at, end - at));
         at = end + 1;
-    }
-    if (withStates) {
-        entry.before = nodestate::FromStoredJson(rows.Field("StateBefore").ToText());
-        entry.after = nodestate::FromStoredJson(rows.Field("StateAfter").ToText());
     }
     return entry;
 }
@@ -371,10 +388,16 @@ std::string ChangeDetails(DataBase& db, const NodeKey& key, const std::string& l
     } catch (const std::invalid_argument&) {
         // Loaded before this program kept states as JSON: no fields to name.
     }
+    // The newest entry names the change only when it left the node as it
+    // is now; else the change was made by a program that writes no history.
     std::string details = "Changed";
-    const std::vector<HistoryEntry> newest = ReadNodeHistory(db, key, 1);
-    if (!newest.empty()) {
-        details += " by " + newest[0].user + " on " + newest[0].host + " at " + newest[0].time;
+    if (db.KeepsHistory()) {
+        const std::vector<HistoryEntry> newest = ReadNodeHistory(db, key, 1);
+        if (!newest.empty() && newest[0].after == current) {
+            details += " by " + newest[0].user + " on " + newest[0].host + " at " + newest[0].time;
+        } else {
+            details = "This node was changed outside this program; not in the history";
+        }
     }
     std::string fields;
     if (loaded) {
@@ -409,6 +432,9 @@ Json EntryJson(const HistoryEntry& entry, bool withKey) {
     out["program"] = entry.program;
     out["kind"] = entry.kind;
     out["changes"] = ChangesJson(entry.changes);
+    if (!entry.damage.empty()) {
+        out["error"] = entry.damage;
+    }
     return out;
 }
 

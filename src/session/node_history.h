@@ -82,6 +82,10 @@ struct HistoryEntry {
     // The states; left empty by ReadNodeHistoryChanges.
     std::optional<nodestate::NodeState> before;
     std::optional<nodestate::NodeState> after;
+    // Set when part of the row cannot be read (malformed JSON): "entry 12
+    // cannot be read: its state after is not a node state". Such an entry
+    // has no changes and no states; the others are read as usual.
+    std::string damage;
 };
 
 // The node's entries, newest first; at most limit of them when given.
@@ -98,8 +102,11 @@ long LastHistoryEntry(DataBase& db);
 
 // How a node changed since it was loaded, for the question before saving
 // over it: "Changed by alice on ws1 at 2026-11-25T14:02:07Z: MaxMatch: 5 ->
-// 3; ...", who and when from its newest history entry (left out when the
-// database keeps none).
+// 3; ...", who and when from its newest history entry when that entry left
+// the node as it is now; "This node was changed outside this program; not
+// in the history: ..." when no entry did (left out when the database keeps
+// no history). The fields are those that differ between the loaded state
+// and the current one.
 std::string ChangeDetails(DataBase& db, const NodeKey& key, const std::string& loadedJson,
                           const nodestate::NodeState& current);
 

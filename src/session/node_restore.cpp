@@ -7,6 +7,7 @@
 #include "session/load_helpers.h"
 #include "session/modification_time.h"
 #include "session/node_templates.h"
+#include "session/stored_state.h"
 #include "session/transaction_scope.h"
 
 #include <algorithm>
@@ -128,6 +129,9 @@ RestoreResult RestoreNodeVersion(DataBase& db, const NodeKey& key, long entry, b
     if (!found) {
         Refuse("There is no history entry " + std::to_string(entry) + ".");
     }
+    if (!found->damage.empty()) {
+        Refuse("History " + found->damage + ".");
+    }
     const NodeKey& of = found->key;
     if (of.typeID != node_type::kDialByName) {
         Refuse("History entry " + std::to_string(entry) + " is of a " + found->typeCode +
@@ -143,6 +147,10 @@ RestoreResult RestoreNodeVersion(DataBase& db, const NodeKey& key, long entry, b
                (before ? "before" : "after") + " its change.");
     }
     TransactionScope transaction(db);
+    // The state replaced is read under the node's row locks: a change
+    // another program commits meanwhile is waited for, and kept as the new
+    // entry's state before.
+    LockStoredState(db, key.config, key.partition, key.number);
     const std::optional<NodeState> current = ReadNodeState(db, key);
     if (!current) {
         Refuse(NodeText(key) + " no longer exists in the configuration database.");

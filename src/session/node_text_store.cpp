@@ -73,15 +73,23 @@ void AppendRef(std::vector<std::string>& args, const TextNode& node, const std::
 
 // One batch whatever the number of nodes: the nodes, the partition's pool
 // (for the modification times) and its prompt rows.
+std::vector<BatchStep> StoredNodeReads(std::int16_t config, std::int16_t partition) {
+    const std::string configText = CommandArg(config);
+    const std::string partitionText = CommandArg(partition);
+    return {{"Get_All_DBN_Nodes", {configText, partitionText, kDbnType}},
+            {"Get_Partition_Pool", {configText, partitionText}},
+            {"Get_Partition_DBN_Prompts", {configText, partitionText}}};
+}
+
 std::map<std::int64_t, TextNode> ReadStoredNodes(
     DataBase& db, std::int16_t config, std::int16_t partition,
     const std::optional<std::vector<std::int16_t>>& only) {
-    const std::string configText = CommandArg(config);
-    const std::string partitionText = CommandArg(partition);
-    std::vector<BatchAnswer> answers =
-        db.ExecuteBatch({{"Get_All_DBN_Nodes", {configText, partitionText, kDbnType}},
-                         {"Get_Partition_Pool", {configText, partitionText}},
-                         {"Get_Partition_DBN_Prompts", {configText, partitionText}}});
+    std::vector<BatchAnswer> answers = db.ExecuteBatch(StoredNodeReads(config, partition));
+    return StoredNodesOf(answers.data(), only);
+}
+
+std::map<std::int64_t, TextNode> StoredNodesOf(
+    BatchAnswer* answers, const std::optional<std::vector<std::int16_t>>& only) {
     std::map<std::int64_t, TextNode> nodes;
     for (RowSet& rows = answers[0].rows; !rows.Eof(); rows.MoveNext()) {
         TextNode node;

@@ -22,6 +22,12 @@ std::map<std::int64_t, nodetext::TextNode> ReadStoredNodes(
     DataBase& db, std::int16_t config, std::int16_t partition,
     const std::optional<std::vector<std::int16_t>>& only = std::nullopt);
 
+// The same in two halves: the reads, to send in a batch with others, and
+// the nodes from their three answers (consecutive, from the first given).
+std::vector<BatchStep> StoredNodeReads(std::int16_t config, std::int16_t partition);
+std::map<std::int64_t, nodetext::TextNode> StoredNodesOf(
+    BatchAnswer* answers, const std::optional<std::vector<std::int16_t>>& only = std::nullopt);
+
 // The export of a partition: every node, or the numbers named (each must
 // exist; the first missing one is named in a ComponentError).
 nodetext::NodeDocument ExportNodes(DataBase& db, std::int16_t config, std::int16_t partition,

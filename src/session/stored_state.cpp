@@ -50,4 +50,15 @@ void LockStoredState(DataBase& db, std::int16_t configID, std::int16_t partition
     });
 }
 
+void LockPartitionNodes(DataBase& db, std::int16_t configID, std::int16_t partitionID) {
+    const std::int64_t config = configID;
+    const std::int64_t partition = partitionID;
+    const std::int64_t type = node_type::kDialByName;
+    db.LockRows({
+        {"Node_DBN", {{"ConfigID", config}, {"PartID", partition}, {"NodeTypeID", type}}},
+        {"Detail_DBN_Prompts", {{"ConfigID", config}, {"PartID", partition}}},
+        {"Node_General_Pool", {{"ConfigID", config}, {"PartID", partition}, {"NodeTypeID", type}}},
+    });
+}
+
 }  // namespace dbn::session

@@ -26,6 +26,10 @@ std::optional<std::string> ReadStoredState(DataBase& db, std::int16_t configID,
 void LockStoredState(DataBase& db, std::int16_t configID, std::int16_t partitionID,
                      std::int16_t nodeNumber);
 
+// The same for every dial-by-name node of a partition at once: a bulk write
+// (apply) compares and writes its nodes under these locks.
+void LockPartitionNodes(DataBase& db, std::int16_t configID, std::int16_t partitionID);
+
 // The three reads of the stored state, to send in a batch of one's own.
 std::vector<BatchStep> StoredStateReads(std::int16_t configID, std::int16_t partitionID,
                                         std::int16_t nodeNumber);

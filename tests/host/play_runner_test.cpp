@@ -106,7 +106,8 @@ TEST(PlayRunner, EachLineRunsBeforeTheNextIsReadSoAChangeBetweenLinesIsAsked) {
         "your changes over it? => ";
     // The details name the other change's fields (no history entry: an SQL update).
     const std::string details =
-        "details: Changed: NodeDescription: \"Staff directory\" -> \"Theirs\"\n";
+        "details: This node was changed outside this program; not in the history: "
+        "NodeDescription: \"Staff directory\" -> \"Theirs\"\n";
     const auto theirs = [](testing::TempDataRoot& root) {
         root.Exec("UPDATE Node_DBN SET NodeDescription = 'Theirs'" + kNode1);
     };

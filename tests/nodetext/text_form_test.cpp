@@ -139,8 +139,11 @@ TEST(TextFormTest, RefusesEveryBadPartWithItsPath) {
         {"wrong type", "/label", 5, "nodes[1].label: must be a text, not 5"},
         {"unknown field", "/colour", "red", "nodes[1].colour: unknown field"},
         {"unknown target field", "/greeting/via", 1, "nodes[1].greeting.via: unknown field"},
-        {"huge number", "/directory", 99999999999LL,
-         "nodes[1].directory: 99999999999 is outside -32768 to 32767"},
+        {"number beyond any column", "/directory", 18446744073709551615ULL,
+         "nodes[1].directory: 18446744073709551615 is outside -9223372036854775808 to "
+         "9223372036854775807"},
+        {"node number beyond 16 bits", "/number", 40000,
+         "nodes[1].number: 40000 is outside -32768 to 32767"},
         {"real number", "/stages/0/minDigits", 2.5,
          "nodes[1].stages[0].minDigits: must be a whole number, not 2.5"},
         {"unknown name", "/method", "Fast",

@@ -174,10 +174,10 @@ TEST_F(RoundTrips, ApplyOfNodesAsTextWhateverTheirNumber) {
                     "NodeDescription = 'Desk ' || NodeNumber"),
               999);
     // The connection, the partition's targets in two batches (the first
-    // asking the schema's version too), its nodes in one, the references'
-    // lookups in one, the transaction's start, every node's writes with its
-    // states in one batch, and the history rows with the commit: the same
-    // count for 9 nodes or 999.
+    // asking the schema's version too), its nodes in one, the transaction's
+    // start, its nodes again under their row locks with the references'
+    // lookups, every node's writes with its states in one batch, and the
+    // history rows with the commit: the same count for 9 nodes or 999.
     EXPECT_EQ(roundTrips, 8) << "apply of 999 nodes as text";
 }
 

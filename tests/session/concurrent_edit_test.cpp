@@ -4,6 +4,9 @@
 // navigation go on.
 #include "session_support.h"
 
+#include "session/apply_nodes.h"
+#include "session/node_text_store.h"
+
 namespace dbn::testing {
 namespace {
 
@@ -90,6 +93,32 @@ TEST_F(ConcurrentEdit, AWriterCommittingWhileTheSaveWaitsIsSeenAndAsked) {
         EXPECT_EQ(NodeColumn("NodeDescription", 1, 1), "Staff directory") << change;
     }
     EXPECT_EQ(NodeColumn("RetryLimit", 1, 1), "4");
+}
+
+// The question's details name who changed the node only when the history
+// holds that change; a change made outside this program is told as such,
+// with the fields that differ from what the form loaded.
+TEST_F(ConcurrentEdit, TheQuestionNamesTheChangeAsTheHistoryHoldsIt) {
+    services.answers = {form::kAnswerCancel, form::kAnswerCancel};
+    Open(1, 1, [&](form::GUI& gui) {
+        Set(gui, "txtDescription=Mine");
+        DataBase other;
+        nodetext::NodeDocument theirs = session::ExportNodes(other, 1, 1, {1});
+        theirs.nodes[0].columns["NodeDescription"] = std::string("Theirs");
+        ASSERT_TRUE(session::ApplyNodes(other, theirs, {}).written);
+        gui.cmdApply_Click();
+        root.Exec("UPDATE Node_DBN SET RetryLimit = 4" + kNode1);
+        gui.cmdApply_Click();
+    });
+    ASSERT_EQ(services.boxDetails.size(), 2u);
+    const std::string label = R"(NodeDescription: "Staff directory" -> "Theirs")";
+    EXPECT_TRUE(services.boxDetails[0].starts_with("Changed by ")) << services.boxDetails[0];
+    EXPECT_NE(services.boxDetails[0].find(": " + label), std::string::npos);
+    EXPECT_EQ(services.boxDetails[0].find("RetryLimit"), std::string::npos);
+    EXPECT_TRUE(services.boxDetails[1].starts_with(
+        "This node was changed outside this program; not in the history: " + label))
+        << services.boxDetails[1];
+    EXPECT_NE(services.boxDetails[1].find("RetryLimit: 3 -> 4"), std::string::npos);
 }
 
 TEST_F(ConcurrentEdit, OnlyACommittedSaveLetsTheFormGoAndItIsTheNewReference) {

@@ -47,29 +47,55 @@ TEST_F(DirectoryCheckTest, StoredNodeChecksItsDirectoryUnderItsSettings) {
     EXPECT_EQ(count.total, 5);
 }
 
+// Values beyond the lists, beyond 16 bits too, are read as the editor shows
+// them and told as the editor tells them.
 TEST_F(DirectoryCheckTest, StoredValuesOutsideTheListsAreReadAsTheEditorShowsThem) {
     using directory::CustomSearch;
-    const std::pair<const char*, SearchSettings> cases[] = {
-        {"Method = 1, FirstMode = 4", directory::DefaultLastNameSearch()},
-        {"FirstMode = 4, SecondMode = 2",
-         CustomSearch(MatchMode::Extension, 3, 5, 0, 1, 5, true, 3)},
-        {"FirstMode = 9, FirstMinDigits = 0, FirstMaxDigits = 10, SecondMode = 7",
-         CustomSearch(MatchMode::LastName, 3, 5, 0, 1, 5, true, 3)},
-        {"SecondMode = 1, SecondMinDigits = 0, SecondMaxDigits = 12",
-         CustomSearch(MatchMode::LastName, 3, 5, 1, 1, 5, true, 3)},
-        {"Confirm = 0, MaxMatch = 2", CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, false, 2)},
-        {"Confirm = 0, MaxMatch = 12", CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, false, 0)},
-        {"Confirm = 2, MaxMatch = 12", CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, true, 9)},
-        {"MaxMatch = 0", CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, true, 0)},
+    struct Case {
+        const char* assignments;
+        SearchSettings settings;
+        const char* shownAs;
     };
-    for (const auto& [assignments, settings] : cases) {
+    const Case cases[] = {
+        {"Method = 1, FirstMode = 4", directory::DefaultLastNameSearch(), ""},
+        {"FirstMode = 4, SecondMode = 2",
+         CustomSearch(MatchMode::Extension, 3, 5, 0, 1, 5, true, 3), ""},
+        {"FirstMode = 9, FirstMinDigits = 0, FirstMaxDigits = 10, SecondMode = 7",
+         CustomSearch(MatchMode::LastName, 3, 5, 0, 1, 5, true, 3),
+         "FirstMode 9 -> Last Name; FirstMinDigits 0 -> 3; FirstMaxDigits 10 -> 5; SecondMode 7 "
+         "-> None"},
+        {"SecondMode = 1, SecondMinDigits = 0, SecondMaxDigits = 12",
+         CustomSearch(MatchMode::LastName, 3, 5, 1, 1, 5, true, 3),
+         "SecondMinDigits 0 -> 1; SecondMaxDigits 12 -> 5"},
+        {"Confirm = 0, MaxMatch = 2", CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, false, 2),
+         ""},
+        {"Confirm = 0, MaxMatch = 12", CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, false, 0),
+         "MaxMatch 12 -> nothing"},
+        {"Confirm = 2, MaxMatch = 12", CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, true, 9),
+         "Confirm 2 -> Yes; MaxMatch 12 -> 9"},
+        {"MaxMatch = 0", CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, true, 0),
+         "MaxMatch 0 -> nothing"},
+        {"Method = 70000, DirectoryNodeNumber = 40000", directory::DefaultLastNameSearch(),
+         "Method 70000 -> Default Last Name; DirectoryNodeNumber 40000 -> 1"},
+        {"MaxMatch = 40000, FirstMinDigits = 2147483647",
+         CustomSearch(MatchMode::LastName, 3, 5, 2, 1, 5, true, 9),
+         "FirstMinDigits 2147483647 -> 3; MaxMatch 40000 -> 9"},
+    };
+    for (const Case& c : cases) {
         root.Exec(
-            "UPDATE Node_DBN SET Method = 0, FirstMode = 1, FirstMinDigits = 3, "
-            "FirstMaxDigits = 5, SecondMode = 2, SecondMinDigits = 1, SecondMaxDigits = 5, "
-            "Confirm = 1, MaxMatch = 3" +
+            "UPDATE Node_DBN SET Method = 0, DirectoryNodeNumber = 1, FirstMode = 1, "
+            "FirstMinDigits = 3, FirstMaxDigits = 5, SecondMode = 2, SecondMinDigits = 1, "
+            "SecondMaxDigits = 5, Confirm = 1, MaxMatch = 3" +
             Where(1, "NodeNumber", 1));
-        SetNode(1, 1, assignments);
-        EXPECT_EQ(Stored(1, 1).settings, settings) << assignments;
+        SetNode(1, 1, c.assignments);
+        DataBase db;
+        std::string shownAs;
+        EXPECT_EQ(session::CheckStoredNode(db, 1, 1, 1, &shownAs).settings, c.settings)
+            << c.assignments;
+        EXPECT_EQ(shownAs, *c.shownAs == '\0' ? std::string()
+                                              : "Stored settings of DBN 1 outside their range "
+                                                "are shown as: " +
+                                                    std::string(c.shownAs) + ".");
     }
 }
 

@@ -155,15 +155,24 @@ TEST_F(NodeHistory, AWatcherHearsAnotherConnectionsSave) {
     EXPECT_TRUE(watcher.NewChanges().empty());
 }
 
+// A failing write of the node or of its history entry rolls back the whole
+// save: the node unchanged, no entry, the error shown.
 TEST_F(NodeHistory, ARolledBackChangeWritesNoEntry) {
-    root.InjectFailure("Node_General_Pool", "UPDATE");
-    Open(1, 1, [&](form::GUI& gui) {
-        Set(gui, "txtDescription=Never");
-        gui.cmdApply_Click();
-        EXPECT_TRUE(gui.cmdApply.Enabled());
-    });
-    EXPECT_EQ(Count("Node_History", ""), 0);
-    root.RemoveInjectedFailure("Node_General_Pool");
+    for (const auto& [table, event] :
+         {std::pair{"Node_General_Pool", "UPDATE"}, std::pair{"Node_History", "INSERT"}}) {
+        root.InjectFailure(table, event);
+        Open(1, 1, [&](form::GUI& gui) {
+            Set(gui, "txtDescription=Never");
+            gui.cmdApply_Click();
+            EXPECT_TRUE(gui.cmdApply.Enabled()) << table;
+        });
+        root.RemoveInjectedFailure(table);
+        EXPECT_EQ(Count("Node_History", ""), 0) << table;
+        EXPECT_EQ(NodeColumn("NodeDescription", 1, 1), "Staff directory") << table;
+        ASSERT_EQ(services.boxes.size(), 1u) << table;
+        EXPECT_EQ(services.boxes[0].title, "Error") << table;
+        services.boxes.clear();
+    }
 }
 
 TEST_F(NodeHistory, RestoresAnEntrysStateAfterAndBefore) {
@@ -177,18 +186,48 @@ TEST_F(NodeHistory, RestoresAnEntrysStateAfterAndBefore) {
     ASSERT_EQ(entries.size(), 2u);
     const long first = entries[1].entry;
 
+    const auto replaced = session::ReadNodeState(db, kDbn11);
     const session::RestoreResult after = session::RestoreNodeVersion(db, kDbn11, first, false);
     EXPECT_EQ(NodeColumn("NodeDescription || '/' || MaxMatch", 1, 1), "One/" + maxMatch);
     EXPECT_EQ(session::ReadNodeState(db, kDbn11)->details, entries[1].after->details);
     const auto restored = session::ReadHistoryEntry(db, after.entry);
     ASSERT_TRUE(restored.has_value());
     EXPECT_EQ(restored->kind, "restored");
+    // The entry holds the state replaced and the state written, in that order.
+    EXPECT_EQ(restored->before, replaced);
+    EXPECT_EQ(restored->after, session::ReadNodeState(db, kDbn11));
     EXPECT_EQ(Fields(*restored), (std::vector<std::string>{"NodeDescription", "MaxMatch"}));
     EXPECT_TRUE(after.missing.empty());
 
     session::RestoreNodeVersion(db, kDbn11, first, true);
     EXPECT_EQ(NodeColumn("NodeDescription", 1, 1), "Staff directory");
     EXPECT_EQ(session::ReadNodeHistory(db, kDbn11, std::nullopt).size(), 4u);
+}
+
+// Another program's change committed while the restore waits for the node's
+// rows is the state the restore replaces, so that restoring the entry's
+// state before brings it back.
+TEST_F(NodeHistory, RestoreReplacesAChangeCommittedWhileItWaits) {
+    SaveDescription("One");
+    DataBase db;
+    const long entry = session::LastHistoryEntry(db);
+    TempDataRoot::Writer other(root,
+                               "UPDATE Node_DBN SET RetryLimit = 5" + Where(1, "NodeNumber", 1));
+    bool committed = false;
+    db.SetWaitHandler([&] {
+        if (!committed) {
+            committed = true;
+            other.Commit();
+        }
+    });
+    const session::RestoreResult result = session::RestoreNodeVersion(db, kDbn11, entry, true);
+    db.SetWaitHandler({});
+    EXPECT_TRUE(committed);
+    const auto restored = session::ReadHistoryEntry(db, result.entry);
+    ASSERT_TRUE(restored && restored->before);
+    EXPECT_EQ(restored->before->node["RetryLimit"], 5);
+    session::RestoreNodeVersion(db, kDbn11, result.entry, true);
+    EXPECT_EQ(NodeColumn("NodeDescription || '/' || RetryLimit", 1, 1), "One/5");
 }
 
 TEST_F(NodeHistory, RestoreRefusesOtherNodesAndUnknownEntries) {
@@ -215,6 +254,37 @@ TEST_F(NodeHistory, RestoreRefusesOtherNodesAndUnknownEntries) {
     }
     EXPECT_EQ(NodeColumn("NodeDescription", 1, 1), before);
     EXPECT_EQ(Count("Node_History", ""), 1);
+}
+
+// A damaged row hides no other: it is listed with the reason it cannot be
+// read, and restoring it is refused with that reason.
+TEST_F(NodeHistory, ADamagedEntryIsNamedAndHidesNoOther) {
+    for (const char* description : {"One", "Two", "Three"}) {
+        SaveDescription(description);
+    }
+    DataBase db;
+    const auto all = session::ReadNodeHistory(db, kDbn11, std::nullopt);
+    ASSERT_EQ(all.size(), 3u);
+    const std::string changes = std::to_string(all[1].entry);
+    const std::string state = std::to_string(all[0].entry);
+    root.Exec("UPDATE Node_History SET Changes = '[{oops' WHERE EntryID = " + changes);
+    root.Exec("UPDATE Node_History SET StateAfter = '[1]' WHERE EntryID = " + state);
+    const auto listed = session::ReadNodeHistoryChanges(db, kDbn11, std::nullopt);
+    ASSERT_EQ(listed.size(), 3u);
+    EXPECT_EQ(listed[1].damage,
+              "entry " + changes + " cannot be read: its list of changes is not valid");
+    EXPECT_TRUE(listed[0].damage.empty());
+    EXPECT_EQ(listed[2].changes, all[2].changes);
+    const auto read = session::ReadNodeHistory(db, kDbn11, std::nullopt);
+    ASSERT_EQ(read.size(), 3u);
+    EXPECT_EQ(read[0].damage,
+              "entry " + state + " cannot be read: its state after is not a node state");
+    EXPECT_EQ(read[2].after, all[2].after);
+    const ComponentError refused =
+        ErrorOf([&] { session::RestoreNodeVersion(db, kDbn11, all[0].entry, true); });
+    EXPECT_EQ(refused.Description(), "History entry " + state +
+                                         " cannot be read: its state after is not a node state. "
+                                         "Nothing was restored.");
 }
 
 TEST_F(NodeHistory, RestoreNamesReferencesToNodesThatAreGone) {

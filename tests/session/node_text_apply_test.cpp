@@ -303,7 +303,21 @@ TEST_F(NodeTextTest, EachRefusalIsListedAndNothingIsWritten) {
     if (!root.OnServer()) {
         EXPECT_EQ(FileBytes(), bytes);
     }
+    // A file naming another partition than its nodes' is told as such.
     json other = json::parse(text);
+    other["configuration"] = 7;
+    EXPECT_EQ(Texts(Apply(other).problems),
+              std::vector<std::string>{"partition: the file names configuration 7, partition 1, "
+                                       "but its nodes are those of configuration 1, partition 1"});
+    other["partition"] = 2;
+    other["configuration"] = 1;
+    EXPECT_EQ(Texts(Apply(other).problems),
+              std::vector<std::string>{"partition: the file names configuration 1, partition 2, "
+                                       "but its nodes are those of configuration 1, partition 1"});
+    for (json& node : other["nodes"]) {
+        node.erase("stored");
+    }
+    other["partition"] = 1;
     other["configuration"] = 7;
     EXPECT_EQ(Texts(Apply(other).problems),
               std::vector<std::string>{
@@ -324,6 +338,17 @@ TEST_F(NodeTextTest, NodeChangedSinceTheExportIsRefusedUnlessForced) {
                   "from the file in: label, retryLimit); --force writes the file over it"});
     EXPECT_EQ(Stored("RetryLimit"), "3");
 
+    // A change to the prompt rows alone is a change since the export too.
+    json prompts = Exported();
+    prompts["nodes"][1]["retryLimit"] = 5;
+    root.Exec("UPDATE Detail_DBN_Prompts SET PromptNodeNumber = 9" + Where(1, "NodeMasterID", 1) +
+              " AND PromptNumber = 4");
+    EXPECT_EQ(Texts(Apply(prompts).problems),
+              std::vector<std::string>{
+                  "nodes[1]: DBN 1 was changed in the database since the export (it now differs "
+                  "from the file in: retryLimit, confirmation.prompts); --force writes the file "
+                  "over it"});
+
     json gone = Exported();
     root.Exec(
         "DELETE FROM Node_DBN WHERE PartID = 1 AND NodeNumber = 2;"
@@ -339,6 +364,91 @@ TEST_F(NodeTextTest, NodeChangedSinceTheExportIsRefusedUnlessForced) {
     ASSERT_TRUE(forced.written);
     EXPECT_EQ(Stored("RetryLimit"), "4");
     EXPECT_EQ(Stored("NodeDescription"), "Staff directory");
+    EXPECT_EQ(root.QueryText("SELECT PromptNodeNumber FROM Detail_DBN_Prompts" +
+                             Where(1, "NodeMasterID", 1) + " AND PromptNumber = 4"),
+              "1");
+}
+
+// Name prompts beyond Max Matches are not references, as in the editor's
+// save: neither reported missing nor created.
+TEST_F(NodeTextTest, NamePromptsBeyondMaxMatchesAreNoReferences) {
+    json document = Exported();
+    json& confirmation = document["nodes"][1]["confirmation"];
+    confirmation["enabled"] = true;
+    confirmation["maxMatches"] = 2;
+    confirmation["prompts"][1] = {{"type", "MSG"}, {"number", 76}};
+    confirmation["prompts"][5] = {{"type", "MSG"}, {"number", 77}};
+    ApplyOptions create;
+    create.createMissing = true;
+    const ApplyResult result = Apply(document, create);
+    ASSERT_TRUE(result.written);
+    EXPECT_EQ(result.createdReferences, std::vector<std::string>{"MSG 76"});
+    EXPECT_TRUE(result.missingReferences.empty());
+    EXPECT_EQ(root.QueryInt("SELECT COUNT(*) FROM Node_MSG WHERE PartID = 1 AND NodeNumber = 77"),
+              0);
+}
+
+// Stored values beyond 16 bits are exported as stored and applied back
+// unchanged, with another field changed too; only a changed value is held
+// to the field's range.
+TEST_F(NodeTextTest, StoredValuesBeyondSixteenBitsComeBackUnchanged) {
+    const std::string big = root.OnServer() ? "2147483647" : "9223372036854775807";
+    root.Exec("UPDATE Node_DBN SET MaxMatch = 40000, FirstMinDigits = " + big +
+              Where(1, "NodeNumber", 1));
+    json document = Exported();
+    EXPECT_EQ(document["nodes"][1]["confirmation"]["maxMatches"], 40000);
+    EXPECT_EQ(Apply(document).nodes[1].outcome, NodeOutcome::Unchanged);
+    document["nodes"][1]["retryLimit"] = 2;
+    ASSERT_TRUE(Apply(document).written);
+    EXPECT_EQ(Stored("MaxMatch || '/' || FirstMinDigits || '/' || RetryLimit"),
+              "40000/" + big + "/2");
+    document = Exported();
+    document["nodes"][1]["confirmation"]["maxMatches"] = 40001;
+    EXPECT_EQ(
+        Texts(Apply(document).problems),
+        std::vector<std::string>{"nodes[1].confirmation.maxMatches: 40001 is outside 1 to 9"});
+}
+
+// Another program's change committed while the apply waits for the nodes'
+// rows, after the apply first looked at them: compared under the locks,
+// refused like a change since the export, or replaced with --force and kept
+// as the history's state before.
+TEST_F(NodeTextTest, AChangeCommittedWhileTheApplyWaitsIsSeen) {
+    for (const bool force : {false, true}) {
+        root.Exec("UPDATE Node_DBN SET NodeDescription = 'Staff directory'" +
+                  Where(1, "NodeNumber", 1));
+        json document = Exported();
+        document["nodes"][1]["retryLimit"] = 4;
+        TempDataRoot::Writer other(
+            root, "UPDATE Node_DBN SET NodeDescription = 'Theirs'" + Where(1, "NodeNumber", 1));
+        bool committed = false;
+        db.SetWaitHandler([&] {
+            if (!committed) {
+                committed = true;
+                other.Commit();
+            }
+        });
+        ApplyOptions options;
+        options.force = force;
+        const ApplyResult result = Apply(document, options);
+        db.SetWaitHandler({});
+        EXPECT_TRUE(committed);
+        EXPECT_EQ(result.written, force);
+        if (!force) {
+            EXPECT_EQ(Texts(result.problems),
+                      std::vector<std::string>{
+                          "nodes[1]: DBN 1 was changed in the database since the export (it now "
+                          "differs from the file in: label, retryLimit); --force writes the file "
+                          "over it"});
+            EXPECT_EQ(Stored("NodeDescription || RetryLimit"), "Theirs3");
+            continue;
+        }
+        EXPECT_EQ(Stored("NodeDescription || RetryLimit"), "Staff directory4");
+        const auto history =
+            session::ReadNodeHistory(db, {1, 1, node_type::kDialByName, 1}, std::nullopt);
+        ASSERT_EQ(history.size(), 1u);
+        EXPECT_EQ(history[0].before->node["NodeDescription"], "Theirs");
+    }
 }
 
 TEST_F(NodeTextTest, NewNumbersAreCreatedFromTheTemplateAndMissingTargetsOnRequest) {

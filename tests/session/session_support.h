@@ -26,6 +26,9 @@ public:
     std::string descriptionAtUnload;
     std::vector<std::string> confirmTitles;
     std::function<void()> onConfirm = [] {};
+    std::vector<std::string> boxDetails;
+
+    void SetNextBoxDetails(const std::string& details) override { boxDetails.push_back(details); }
 
     void EndModal(form::GUI& form) override {
         FakeServices::EndModal(form);
