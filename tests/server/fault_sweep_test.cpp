@@ -208,23 +208,18 @@ protected:
 
 TEST_F(FaultSweep, OpenAndNext) {
     bool moved = false;
+    // Opening: shown, or the lost connection told; nothing to write.
     Sweep({[] {},
            [&](const std::function<void()>& arm) {
                arm();
                bool shown = false;
-               Open(1, 1, [&](form::GUI& gui) {
-                   shown = gui.nodeNumber() == 1;
-                   Set(gui, "txtDescription=Mine");
-                   services.answers = {form::kAnswerNo};
-                   gui.cmdNext_Click();
-               });
+               Open(1, 1, [&](form::GUI& gui) { shown = gui.nodeNumber() == 1; });
                const Told told = ToldByBoxes();
-               EXPECT_TRUE(shown || told == Told::Lost);
-               EXPECT_NE(told, Told::Maybe);
+               EXPECT_EQ(shown, told == Told::Nothing);
                return told;
            },
            [] { return true; }, [] { return true; }});
-    // Next alone, the form staying as it was when it cannot move.
+    // Next, the form staying as it was when it cannot move.
     Sweep({[] {},
            [&](const std::function<void()>& arm) {
                Told told = Told::Nothing;
