@@ -1,5 +1,6 @@
 #include "database/database.h"
 
+#include "core/component_error.h"
 #include "database/command_catalogue.h"
 #include "database/database_engine.h"
 #include "database/database_errors.h"
@@ -32,6 +33,22 @@ DataBase::DataBase() : DataBase(ResolveDatabaseTarget()) {}
 DataBase::DataBase(DatabaseTarget target) : target_(std::move(target)) {}
 
 DataBase::~DataBase() = default;
+
+template <class Work>
+auto DataBase::WithCommitWording(Work work) {
+    try {
+        return work();
+    } catch (const ComponentError& error) {
+        if (error.Number() != kErrCommitUncertain || uncertainCommit_.empty()) {
+            throw;
+        }
+        RaiseServerError(kErrCommitUncertain,
+                         "The database server \"" + DisplayName(target_) +
+                             "\" cannot be reached: the connection to it was lost during the "
+                             "commit, so " +
+                             uncertainCommit_);
+    }
+}
 
 std::string DataBase::ConnectionString() const {
     return target_.IsServer() ? DisplayName(target_)
@@ -237,7 +254,7 @@ std::vector<BatchAnswer> DataBase::RunBatch(const std::vector<BatchStep>& steps,
                 break;  // told when it was queued
         }
     }
-    std::vector<CommandResult> results = SendBatch(engineSteps);
+    std::vector<CommandResult> results = WithCommitWording([&] { return SendBatch(engineSteps); });
     std::vector<BatchAnswer> answers(results.size());
     for (std::size_t i = 0; i < results.size(); ++i) {
         const EngineStep& step = engineSteps[i];
@@ -327,48 +344,60 @@ void DataBase::BeginTrans() {
     SendQueuedWrites();
     ForgetReadAhead();
     Notify(DataBaseStep::BeginTrans);
+    savepoints_ = 0;
     Engine().BeginWrite();
 }
 
 void DataBase::CommitTrans() {
+    savepoints_ = 0;
     if (!queued_.empty()) {
         ExecuteBatch({BatchStep::CommitTrans()});
         return;
     }
     ForgetReadAhead();
     Notify(DataBaseStep::CommitTrans);
-    Engine().Exec("COMMIT", "CommitTrans");
+    WithCommitWording([&] { Engine().Exec("COMMIT", "CommitTrans"); });
 }
 
 void DataBase::RollbackTrans() {
     queued_.clear();
+    savepoints_ = 0;
     ForgetReadAhead();
     Notify(DataBaseStep::RollbackTrans);
-    Engine().Exec("ROLLBACK", "RollbackTrans");
+    // A lost connection took its transaction with it: nothing to undo, and
+    // no new connection just for that.
+    if (engine_) {
+        engine_->Exec("ROLLBACK", "RollbackTrans");
+    }
 }
 
 void DataBase::BeginSavepoint() {
     Notify(DataBaseStep::BeginSavepoint);
-    Queue(Statement("BeginSavepoint", "SAVEPOINT nested"));
+    ++savepoints_;
+    Queue(Statement("BeginSavepoint", "SAVEPOINT " + SavepointName()));
 }
 
 void DataBase::ReleaseSavepoint() {
     Notify(DataBaseStep::ReleaseSavepoint);
-    Queue(Statement("ReleaseSavepoint", "RELEASE nested"));
+    const std::string name = SavepointName();
+    savepoints_ = std::max(0, savepoints_ - 1);
+    Queue(Statement("ReleaseSavepoint", "RELEASE " + name));
+}
+
+std::string DataBase::SavepointName() const {
+    return "nested" + std::to_string(savepoints_);
 }
 
 void DataBase::RollbackToSavepoint() {
     ForgetReadAhead();
     Notify(DataBaseStep::RollbackToSavepoint);
-    // A savepoint not yet sent is undone by dropping it and what followed it.
-    int released = 0;
+    const std::string name = SavepointName();
+    savepoints_ = std::max(0, savepoints_ - 1);
+    // A savepoint not yet sent is undone by dropping it and what followed it
+    // (inner savepoints released meanwhile included).
+    const std::string begin = "SAVEPOINT " + name;
     for (auto step = queued_.rbegin(); step != queued_.rend(); ++step) {
-        if (step->kind != BatchStep::Kind::Statement) {
-            continue;
-        }
-        if (step->command == "ReleaseSavepoint") {
-            ++released;
-        } else if (step->command == "BeginSavepoint" && released-- == 0) {
+        if (step->kind == BatchStep::Kind::Statement && step->args.front() == begin) {
             queued_.erase(std::next(step).base(), queued_.end());
             return;
         }
@@ -376,7 +405,11 @@ void DataBase::RollbackToSavepoint() {
     // Sent: everything queued is inside it.
     queued_.clear();
     // Rolling back to a savepoint keeps it open; releasing it then ends it.
-    Engine().Exec("ROLLBACK TO nested; RELEASE nested", "RollbackToSavepoint");
+    Engine().Exec("ROLLBACK TO " + name + "; RELEASE " + name, "RollbackToSavepoint");
+}
+
+void DataBase::SetUncertainCommitText(std::string text) {
+    uncertainCommit_ = std::move(text);
 }
 
 std::optional<std::string> DataBase::ReadOnlyNotice() {

@@ -93,10 +93,20 @@ public:
     // The row set "rs" + command of a row-returning command.
     RowSet& Recordset(std::string_view command);
 
+    // A transaction whose connection is lost stays open here until it is
+    // committed or rolled back: no statement of it is ever sent on a new
+    // connection. Each then fails with the lost-connection message, saying
+    // that nothing was written; a commit whose answer was lost says that
+    // it may or may not have been written.
     void BeginTrans();
     void CommitTrans();
+    // Ends the transaction; on a lost connection there is nothing to undo.
     void RollbackTrans();
     bool InTransaction() const noexcept;
+    // The end of the message of a commit whose answer was lost, after
+    // "... lost during the commit, so ": what may or may not have been
+    // written and what to check. Empty (the default): a save's wording.
+    void SetUncertainCommitText(std::string text);
 
     // When this process may read the configuration but not change it:
     // "The configuration database "NAME" is open read-only: USER may read it
@@ -112,7 +122,9 @@ public:
 
     // A nested unit of work inside the open transaction: rolling it back
     // undoes its own work only; releasing it keeps that work in the
-    // transaction. Nested ones end innermost first. Beginning and releasing
+    // transaction. Nested ones end innermost first; each level has its own
+    // name, so that a rollback never reaches a savepoint whose release is
+    // still queued. Beginning and releasing
     // one travel with the next statements; rolling back one that has not
     // yet travelled costs nothing.
     void BeginSavepoint();
@@ -163,6 +175,12 @@ private:
     // schema version in the same round trip where the engine can.
     std::vector<CommandResult> SendBatch(const std::vector<EngineStep>& steps);
     void Notify(DataBaseStep step);
+    // The name of the innermost open savepoint.
+    std::string SavepointName() const;
+    // Runs work, giving a commit whose answer was lost this connection's
+    // wording.
+    template <class Work>
+    auto WithCommitWording(Work work);
     // Queues a step to travel with the next ones (at once outside a
     // transaction).
     void Queue(BatchStep step);
@@ -192,6 +210,8 @@ private:
     long executed_ = 0;
     DataBaseObserver observer_;
     std::vector<KeptAnswer> readAhead_;
+    int savepoints_ = 0;  // open savepoints of the transaction
+    std::string uncertainCommit_;
 };
 
 // Drops the answers read ahead on a DataBase when the scope ends, so that

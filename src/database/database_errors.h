@@ -23,6 +23,8 @@ inline constexpr long kErrDatabaseExists = 4007;
 inline constexpr long kErrDatabaseCreate = 4008;
 inline constexpr long kErrDatabaseInUse = 4009;
 inline constexpr long kErrDatabaseNotRegularFile = 4013;
+// Another file took the open file's place (init or copy --force).
+inline constexpr long kErrDatabaseReplaced = 4014;
 
 // A database server that cannot be used.
 inline constexpr long kErrServerUnreachable = 4020;

@@ -87,6 +87,13 @@ void RaiseEngineError(sqlite3* db, int resultCode, const std::string& path,
                       std::string_view doing) {
     const std::string engineMessage =
         db != nullptr ? sqlite3_errmsg(db) : sqlite3_errstr(resultCode);
+    if (resultCode == SQLITE_READONLY_DBMOVED) {
+        // init --force or copy --force put another file in its place.
+        RaiseDatabaseError(kErrDatabaseReplaced,
+                           "The configuration database " + Quoted(path) +
+                               " was replaced by another file since it was opened here. Nothing "
+                               "was written; open it again.");
+    }
     switch (resultCode & 0xff) {
         case SQLITE_BUSY:
         case SQLITE_LOCKED:

@@ -16,6 +16,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <utility>
 
 namespace dbn {
 namespace {
@@ -156,10 +157,10 @@ public:
         const std::vector<EngineStep>& steps, int version) override;
     void BeginWrite() override;
     void Exec(const std::string& sql, std::string_view doing) override;
-    // A lost connection has no transaction left.
+    // A transaction whose connection was lost stays open until it is ended
+    // here, so that none of its statements goes to a new connection.
     bool InTransaction() const override {
-        const PGTransactionStatusType status = PQtransactionStatus(conn_.get());
-        return status == PQTRANS_INTRANS || status == PQTRANS_INERROR || status == PQTRANS_ACTIVE;
+        return Lost() ? open_ != Open::None : ServerInTransaction();
     }
     std::vector<std::string> RowLockStatements(const std::vector<RowLock>& locks) override;
     std::optional<std::string> ReadOnlyUser() override;
@@ -177,6 +178,7 @@ public:
     }
     void BeginRead() override {
         Exec("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY", "reading");
+        open_ = Open::Reading;
     }
     TableRows ReadTable(const SchemaTable& table) override;
     void AppendRows(const SchemaTable& table, const TableRows& rows) override;
@@ -208,7 +210,7 @@ public:
         return PQsocket(conn_.get());
     }
     bool ChangesCommitted() override {
-        if (PQconsumeInput(conn_.get()) == 0) {
+        if (PQconsumeInput(conn_.get()) == 0 || Lost()) {
             RaiseFailure(nullptr, "watching for changes");
         }
         bool heard = false;
@@ -220,9 +222,31 @@ public:
     }
 
 private:
+    // The transaction this connection has open, as far as this side knows.
+    enum class Open { None, Reading, Writing };
+    bool ServerInTransaction() const {
+        const PGTransactionStatusType status = PQtransactionStatus(conn_.get());
+        return status == PQTRANS_INTRANS || status == PQTRANS_INERROR || status == PQTRANS_ACTIVE;
+    }
+    // After a round trip on a live connection: what the server says.
+    void NoteTransaction() {
+        if (!Lost()) {
+            open_ = !ServerInTransaction() ? Open::None
+                    : open_ == Open::None  ? Open::Writing
+                                           : open_;
+        }
+    }
     // Raises the clear error for a failed result (or a lost connection).
     [[noreturn]] void RaiseFailure(const PGresult* result, std::string_view doing) const;
-    [[noreturn]] void RaiseCommitUncertain() const;
+    // The connection was lost inside an open transaction, before its
+    // commit was sent: nothing of it was written. It stays open here until
+    // it is ended.
+    [[noreturn]] void RaiseLostTransaction() const { RaiseFailure(nullptr, {}); }
+    // The connection was lost after the commit was sent, before its answer.
+    [[noreturn]] void RaiseCommitUncertain(std::string_view doing);
+    // Before anything is sent: a lost connection is made again, unless a
+    // transaction was open on it.
+    void ReconnectIfLost();
     // Checks that result is one of the good statuses.
     Result Checked(PGresult* raw, std::string_view doing) const;
     // Runs sql (one or more statements) as PQexec does; while the server has
@@ -267,6 +291,7 @@ private:
     Connection conn_;
     std::set<std::string, std::less<>> prepared_;
     std::function<void()> waitHandler_;
+    Open open_ = Open::None;
 };
 
 PostgresEngine::PostgresEngine(const std::string& conninfo, std::chrono::milliseconds lockTimeout)
@@ -358,9 +383,7 @@ Result PostgresEngine::Sent(Send send, std::string_view doing, bool repeatable) 
     // A connection found lost before anything is sent is made again; a
     // statement sent outside a transaction that cannot have written anything
     // is sent once more on a new connection when the old one broke under it.
-    if (Lost()) {
-        Reconnect();
-    }
+    ReconnectIfLost();
     const bool idle = !InTransaction();
     PGresult* raw = send();
     if (idle && repeatable && Lost()) {
@@ -368,19 +391,40 @@ Result PostgresEngine::Sent(Send send, std::string_view doing, bool repeatable) 
         Reconnect();
         raw = send();
     }
+    NoteTransaction();
     return Checked(raw, doing);
+}
+
+void PostgresEngine::ReconnectIfLost() {
+    if (!Lost()) {
+        return;
+    }
+    if (open_ != Open::None) {
+        RaiseLostTransaction();
+    }
+    Reconnect();
 }
 
 void PostgresEngine::RaiseFailure(const PGresult* result, std::string_view doing) const {
     if (PQstatus(conn_.get()) != CONNECTION_OK) {
+        // Inside a write transaction whose commit was not sent, certainly
+        // nothing; the transaction stays open here until it is ended.
         RaiseServerError(kErrServerUnreachable,
                          "The database server \"" + name_ +
-                             "\" cannot be reached: the connection to it was lost.");
+                             "\" cannot be reached: the connection to it was lost." +
+                             (open_ == Open::Writing ? " Nothing was written." : ""));
     }
     const char* state = result != nullptr ? PQresultErrorField(result, PG_DIAG_SQLSTATE) : nullptr;
     const std::string sqlState = state != nullptr ? state : "";
     if (sqlState == "55P03" || sqlState == "40P01") {
         RaiseLockedError(name_, kServerSource);
+    }
+    if (sqlState == "42501" || sqlState == "25006") {
+        // A role that may not write, or a standby: the words the editor uses.
+        RaiseServerError(kErrDatabaseReadOnly,
+                         "The configuration database \"" + name_ +
+                             "\" is open read-only: " + UserName() +
+                             " may read it but not change it. Changes cannot be saved.");
     }
     if (sqlState == "42P01") {
         RaiseServerError(kErrSchemaMissing,
@@ -422,32 +466,59 @@ CommandResult PostgresEngine::Run(const CatalogueCommand& command,
 }
 
 void PostgresEngine::Exec(const std::string& sql, std::string_view doing) {
-    const bool ending =
-        sql.starts_with("COMMIT") || sql.starts_with("ROLLBACK") || sql.starts_with("RELEASE");
+    const bool commit = sql.starts_with("COMMIT");
+    const bool ending = commit || sql.starts_with("ROLLBACK") || sql.starts_with("RELEASE");
     if (ending && Lost()) {
-        // The transaction went with the connection.
-        if (sql.starts_with("COMMIT")) {
-            RaiseCommitUncertain();
+        // The transaction went with the connection; a rollback has nothing
+        // left to do, a commit was never sent.
+        if (sql == "ROLLBACK") {
+            open_ = Open::None;
+            return;
+        }
+        if (commit) {
+            const Open was = std::exchange(open_, Open::None);
+            RaiseServerError(kErrServerUnreachable,
+                             "The database server \"" + name_ +
+                                 "\" cannot be reached: the connection to it was lost." +
+                                 (was == Open::Writing ? " Nothing was written." : ""));
         }
         RaiseFailure(nullptr, doing);
     }
-    if (sql.starts_with("COMMIT")) {
+    if (commit) {
         Result result(ExecWaiting(sql));
         if (Lost()) {
-            RaiseCommitUncertain();
+            RaiseCommitUncertain(doing);
         }
+        NoteTransaction();
         Checked(result.release(), doing);
         return;
     }
     Sent([&] { return ExecWaiting(sql); }, doing, !ending);
 }
 
-void PostgresEngine::RaiseCommitUncertain() const {
+void PostgresEngine::RaiseCommitUncertain(std::string_view doing) {
+    open_ = Open::None;
+    // What may or may not have been written, and what to check.
+    std::string outcome = "the save may or may not have been written: the node is read again.";
+    if (doing == "copying") {
+        outcome =
+            "the copy may or may not have been written: see whether the target holds the "
+            "configuration (dbn-node-editor export --database TARGET CONFIG PARTITION), or "
+            "copy again with --force.";
+    } else if (doing == "creating the configuration") {
+        outcome =
+            "the new configuration may or may not have been written: see whether the database "
+            "holds it (dbn-node-editor export CONFIG PARTITION), or run init --force again.";
+    } else if (doing == "upgrading the schema") {
+        outcome =
+            "the upgrade may or may not have been written: run the command again; it upgrades "
+            "the database if it is still of the older version.";
+    }
     RaiseServerError(kErrCommitUncertain,
                      "The database server \"" + name_ +
                          "\" cannot be reached: the connection to it was lost during the "
-                         "commit, so the save may or may not have been written: the node is read "
-                         "again.");
+                         "commit, so " +
+                         outcome);
 }
 
 PGresult* PostgresEngine::ExecWaiting(const std::string& sql) {
@@ -546,9 +617,7 @@ int PostgresEngine::SendStep(const EngineStep& step) {
 
 template <class Attempt>
 auto PostgresEngine::Resent(const std::vector<EngineStep>& steps, Attempt attempt) {
-    if (Lost()) {
-        Reconnect();
-    }
+    ReconnectIfLost();
     // Reads sent outside a transaction are sent once more on a new connection
     // when the old one broke under them; writes, which may have been done
     // when their answer was lost, never are.
@@ -606,12 +675,19 @@ std::vector<CommandResult> PostgresEngine::RunBatchOnce(const std::vector<Engine
     std::vector<int> expected;
     expected.reserve(steps.size());
     bool sent = true;
+    // Set once the commit's messages are on their way: a connection lost
+    // after that leaves the outcome unknown.
+    bool commitSent = false;
     std::set<std::string, std::less<>> preparing;
     for (const EngineStep& step : steps) {
         const bool prepares = step.kind == EngineStep::Kind::Command &&
                               !prepared_.contains(step.command->name) &&
                               !preparing.contains(step.command->name);
+        if (step.kind == EngineStep::Kind::BeginWrite) {
+            open_ = Open::Writing;
+        }
         const int results = sent ? SendStep(step) : -1;
+        commitSent = commitSent || step.kind == EngineStep::Kind::Commit;
         if (results < 0) {
             sent = false;
             break;
@@ -627,6 +703,9 @@ std::vector<CommandResult> PostgresEngine::RunBatchOnce(const std::vector<Engine
             prepared_.erase(name);
         }
         PQexitPipelineMode(conn);
+        if (commitSent && Lost()) {
+            RaiseCommitUncertain("CommitTrans");
+        }
         RaiseFailure(nullptr, "sending a batch");
     }
     // Reads every result up to the batch's end, keeping the first failure.
@@ -715,12 +794,10 @@ std::vector<CommandResult> PostgresEngine::RunBatchOnce(const std::vector<Engine
             prepared_.erase(name);
         }
     }
-    const bool commits = std::any_of(steps.begin(), steps.end(), [](const EngineStep& step) {
-        return step.kind == EngineStep::Kind::Commit;
-    });
-    if (commits && Lost()) {
-        RaiseCommitUncertain();
+    if (commitSent && Lost()) {
+        RaiseCommitUncertain("CommitTrans");
     }
+    NoteTransaction();
     if (failure || lost) {
         RaiseFailure(failure.get(), failure ? failedDoing : "sending a batch");
     }
@@ -733,6 +810,7 @@ void PostgresEngine::BeginWrite() {
     } catch (...) {
         // The failed lock leaves the transaction open and aborted.
         Result ignored(PQexec(conn_.get(), "ROLLBACK"));
+        open_ = Open::None;
         throw;
     }
 }

@@ -4,6 +4,9 @@
 #include "database/database_engine.h"
 #include "database/database_errors.h"
 #include "database/schema_model.h"
+#include "database/temporary_files.h"
+
+#include <unistd.h>
 
 #include <filesystem>
 #include <iostream>
@@ -84,6 +87,29 @@ std::string FreeBackupPath(const std::string& path, int version) {
     return candidate;
 }
 
+// The copy of the file before its upgrade, written beside its final name and
+// renamed into place when whole, so that a run killed half way never leaves
+// a partial copy under the name the messages give.
+void WriteBackup(const std::string& path, const std::string& backup) {
+    for (const std::string& removed : detail::RemoveStaleTemporaries(backup)) {
+        DatabaseNotice(removed);
+    }
+    const std::string temporary = backup + ".new-" + std::to_string(::getpid());
+    const detail::TemporaryFileGuard guard(temporary);
+    std::error_code error;
+    try {
+        BackupSqliteFile(path, temporary);
+        std::filesystem::rename(temporary, backup, error);
+    } catch (...) {
+        std::filesystem::remove(temporary, error);
+        throw;
+    }
+    if (error) {
+        std::filesystem::remove(temporary, error);
+        RaiseDatabaseError(kErrDatabaseCreate, "The copy " + backup + " cannot be written.");
+    }
+}
+
 void Upgrade(DatabaseEngine& engine, bool server, int from) {
     engine.BeginWrite();
     try {
@@ -152,7 +178,7 @@ SchemaState PrepareSchema(DatabaseEngine& engine, const DatabaseTarget& target) 
     try {
         if (!target.IsServer()) {
             backup = FreeBackupPath(target.location, state.version);
-            BackupSqliteFile(target.location, backup);
+            WriteBackup(target.location, backup);
         }
         Upgrade(engine, target.IsServer(), state.version);
     } catch (const ComponentError& failure) {

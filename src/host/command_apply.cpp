@@ -80,6 +80,9 @@ int Run(const CommandArgs& args, bool diff) {
     options.createMissing = args.IsSet("create-missing");
 
     DataBase db;
+    db.SetUncertainCommitText("the changes of " + path +
+                              " may or may not have been written: dbn-node-editor diff " + path +
+                              " shows which of them are stored.");
     const session::ApplyResult result = session::ApplyNodes(db, *document, options);
     if (!result.problems.empty()) {
         for (const nodetext::Problem& problem : result.problems) {

@@ -30,6 +30,11 @@ int RunRestore(const CommandArgs& args) {
     const long entry = EntryArgument(args.Positionals()[3]);
     const bool before = args.IsSet("before");
     DataBase db;
+    db.SetUncertainCommitText(
+        "the restore may or may not have been written: dbn-node-editor "
+        "history " +
+        args.Positionals()[0] + " " + args.Positionals()[1] + " " + args.Positionals()[2] +
+        " shows it as the newest entry if it was.");
     const session::RestoreResult result = session::RestoreNodeVersion(db, key, entry, before);
     const std::string node = "DBN " + std::to_string(key.number);
     std::cout << node << " was restored to the state " << (before ? "before" : "after") << " entry "

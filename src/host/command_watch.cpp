@@ -1,5 +1,6 @@
 // The "watch" sub-command: prints each change of a node as it is committed,
-// by any program on any workstation.
+// by any program on any workstation. It outlives a server restart or
+// failover and a replaced file, telling each once on standard error.
 #include "database/database.h"
 #include "database/database_target.h"
 #include "host/history_output.h"
@@ -9,9 +10,12 @@
 
 #include <poll.h>
 
+#include <charconv>
 #include <chrono>
 #include <iostream>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace dbn::host {
 namespace {
@@ -20,7 +24,8 @@ namespace {
 constexpr std::chrono::milliseconds kFileCheck{200};
 
 // Waits until another program may have committed a change: the server's
-// announcement on the socket, or the file's change seen on a short timer.
+// announcement on the socket, or the file's change (or the time to connect
+// again) seen on a short timer.
 void AwaitChange(int socket) {
     if (socket >= 0) {
         pollfd wanted{socket, POLLIN, 0};
@@ -28,6 +33,20 @@ void AwaitChange(int socket) {
     } else {
         std::this_thread::sleep_for(kFileCheck);
     }
+}
+
+// --after ENTRY: a history entry's number, 0 for the first one on.
+std::optional<long> AfterOption(const CommandArgs& args) {
+    const std::optional<std::string> text = args.Value("after");
+    if (!text) {
+        return std::nullopt;
+    }
+    long value = 0;
+    const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), value);
+    if (error != std::errc() || end != text->data() + text->size() || value < 0) {
+        throw UsageError("--after ENTRY must be a history entry's number, not \"" + *text + "\"");
+    }
+    return value;
 }
 
 int RunWatch(const CommandArgs& args) {
@@ -42,16 +61,24 @@ int RunWatch(const CommandArgs& args) {
     }
     const std::optional<long> count = CountOption(args, "count");
     const bool json = args.IsSet("json");
-    session::ChangeWatcher watcher(ResolveDatabaseTarget());
+    session::ChangeWatcher watcher(ResolveDatabaseTarget(), AfterOption(args));
     if (!watcher.Active()) {
         std::cerr << "dbn-node-editor: the configuration database keeps no history; there is "
                      "nothing to watch.\n";
         return kExitFailed;
     }
     long printed = 0;
+    // Entries after --after are printed at once.
+    bool first = args.Value("after").has_value();
     while (!count || printed < *count) {
-        AwaitChange(watcher.Socket());
-        for (const session::HistoryEntry& entry : watcher.NewChanges()) {
+        if (!std::exchange(first, false)) {
+            AwaitChange(watcher.Socket());
+        }
+        std::vector<session::HistoryEntry> entries = watcher.NewChanges();
+        if (const std::optional<std::string> notice = watcher.TakeNotice()) {
+            std::cerr << "dbn-node-editor: " << *notice << "\n";
+        }
+        for (const session::HistoryEntry& entry : entries) {
             if (where &&
                 (entry.key.config != where->first || entry.key.partition != where->second)) {
                 continue;
@@ -77,7 +104,8 @@ HostCommand WatchCommand() {
     command.name = "watch";
     command.summary = "print each change of a node as it is committed, until interrupted";
     command.options = {{"json", "", "print each change as one JSON object per line"},
-                       {"count", "N", "stop after N changes"}};
+                       {"count", "N", "stop after N changes"},
+                       {"after", "ENTRY", "first print the changes after this history entry"}};
     command.arguments = {{"CONFIG", "only changes in this configuration", true},
                          {"PARTITION", "only changes in this partition", true}};
     command.exitCodes = {{1, "failed: no database, or one that keeps no history"}};

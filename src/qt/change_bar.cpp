@@ -4,6 +4,7 @@
 #include "form/gui.h"
 #include "qt/focus_frame.h"
 #include "qt/form_view.h"
+#include "qt/live_watch.h"
 #include "session/business_rules.h"
 #include "session/change_watcher.h"
 #include "session/editor_changes.h"
@@ -13,16 +14,9 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QSocketNotifier>
-#include <QTimer>
 #include <QVBoxLayout>
 
 namespace dbn::qt {
-namespace {
-
-constexpr int kFileCheckMilliseconds = 500;
-
-}  // namespace
 
 ChangeBar* ChangeBar::Attach(FormView& view, form::GUI& form) {
     auto* rules = dynamic_cast<Business_Rules*>(form.FormBusinessRules());
@@ -43,7 +37,7 @@ ChangeBar* ChangeBar::Attach(FormView& view, form::GUI& form) {
 
 ChangeBar::ChangeBar(FormView& view, form::GUI& form,
                      std::unique_ptr<session::ChangeWatcher> watcher)
-    : QFrame(&view), view_(view), form_(form), watcher_(std::move(watcher)) {
+    : QFrame(&view), view_(view), form_(form) {
     setObjectName(QStringLiteral("changeBar"));
     setAccessibleName(QStringLiteral("Changed by another program"));
     setFrameShape(QFrame::StyledPanel);
@@ -83,14 +77,10 @@ ChangeBar::ChangeBar(FormView& view, form::GUI& form,
             HideBar();
         }
     });
-    if (watcher_->Socket() >= 0) {
-        auto* notifier = new QSocketNotifier(watcher_->Socket(), QSocketNotifier::Read, this);
-        connect(notifier, &QSocketNotifier::activated, this, [this] { TakeChanges(); });
-    } else {
-        auto* timer = new QTimer(this);
-        connect(timer, &QTimer::timeout, this, [this] { TakeChanges(); });
-        timer->start(kFileCheckMilliseconds);
-    }
+    live_ = new LiveWatch(
+        std::move(watcher), this,
+        [this](const std::vector<session::HistoryEntry>& entries) { ShowEntries(entries); },
+        [this](const std::string& notice) { ShowNotice(QString::fromStdString(notice)); });
 }
 
 ChangeBar::~ChangeBar() {
@@ -98,12 +88,18 @@ ChangeBar::~ChangeBar() {
 }
 
 void ChangeBar::TakeChanges() {
-    std::vector<session::HistoryEntry> entries;
-    try {
-        entries = watcher_->NewChanges();
-    } catch (const ComponentError&) {
+    live_->Check();
+}
+
+void ChangeBar::ShowNotice(const QString& notice) {
+    if (!form_.IsLoaded()) {
         return;
     }
+    // Beside a change already shown, else on its own.
+    ShowBar(Text().isEmpty() ? notice : Text() + QStringLiteral(" ") + notice, details_);
+}
+
+void ChangeBar::ShowEntries(const std::vector<session::HistoryEntry>& entries) {
     if (!form_.IsLoaded()) {
         return;
     }

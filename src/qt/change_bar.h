@@ -3,10 +3,9 @@
 #include <QFrame>
 
 #include <memory>
+#include <vector>
 
 class QLabel;
-class QSocketNotifier;
-class QTimer;
 
 namespace dbn {
 struct DatabaseTarget;
@@ -22,6 +21,7 @@ struct HistoryEntry;
 namespace dbn::qt {
 
 class FormView;
+class LiveWatch;
 
 // The bar the editor shows in its own row above its buttons as soon as
 // another program changes the node on show: "DBN 5 was changed by USER on
@@ -43,7 +43,8 @@ public:
     ~ChangeBar() override;
 
     // Reads the changes heard since the last call and shows the bar for one
-    // of the node on show.
+    // of the node on show; a lost connection, and the watcher connecting
+    // again, are told in the bar once.
     void TakeChanges();
     QString Text() const;
     QString Details() const;
@@ -52,11 +53,13 @@ public:
 
 private:
     void ShowBar(const QString& text, const QString& details);
+    void ShowEntries(const std::vector<session::HistoryEntry>& entries);
+    void ShowNotice(const QString& notice);
     void HideBar();
 
     FormView& view_;
     form::GUI& form_;
-    std::unique_ptr<session::ChangeWatcher> watcher_;
+    LiveWatch* live_ = nullptr;
     QLabel* label_ = nullptr;
     QString details_;
     int formObserver_ = 0;

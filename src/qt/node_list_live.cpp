@@ -2,55 +2,97 @@
 // the history of the selected node.
 #include "core/component_error.h"
 #include "qt/history_window.h"
+#include "qt/live_watch.h"
 #include "qt/node_list_window.h"
 #include "session/change_watcher.h"
 
 #include <QBrush>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QPalette>
-#include <QSocketNotifier>
+#include <QStatusBar>
 #include <QTableWidget>
 #include <QTimer>
+
+#include <functional>
+#include <utility>
 
 namespace dbn::qt {
 namespace {
 
-// How often a file is asked whether another program changed it, and how
-// long a changed row stays marked.
-constexpr int kFileCheckMilliseconds = 500;
+// How long a changed row stays marked.
 constexpr int kMarkMilliseconds = 4000;
+
+// Calls a function once, on the event loop's turn after the first paint of
+// the window or of any widget in it (a window wholly covered by its children
+// is never painted itself).
+class AfterFirstPaint : public QObject {
+public:
+    AfterFirstPaint(QWidget& window, std::function<void()> then)
+        : QObject(&window), window_(window), then_(std::move(then)) {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (then_ && event->type() == QEvent::Paint && watched->isWidgetType() &&
+            (watched == &window_ || window_.isAncestorOf(static_cast<QWidget*>(watched)))) {
+            QCoreApplication::instance()->removeEventFilter(this);
+            QTimer::singleShot(0, parent(), std::exchange(then_, {}));
+            deleteLater();
+        }
+        return false;
+    }
+
+private:
+    QWidget& window_;
+    std::function<void()> then_;
+};
 
 }  // namespace
 
 void NodeListWindow::StartWatching() {
+    long from = 0;
     try {
-        watcher_ = std::make_unique<session::ChangeWatcher>(list_.Database().Target());
+        from = session::LastHistoryEntry(list_.Database());
     } catch (const ComponentError&) {
         // No live changes without a database; the list says why on Refresh.
         return;
     }
-    if (!watcher_->Active()) {
+    // The listener's connection is made after the first paint, so that the
+    // list shows as soon as it is read.
+    new AfterFirstPaint(*this, [this, from] { Listen(from); });  // owned by this window
+}
+
+void NodeListWindow::Listen(long from) {
+    if (live_ != nullptr) {
         return;
     }
-    if (watcher_->Socket() >= 0) {
-        notifier_ = new QSocketNotifier(watcher_->Socket(), QSocketNotifier::Read, this);
-        connect(notifier_, &QSocketNotifier::activated, this, [this] { TakeChanges(); });
-    } else {
-        checkTimer_ = new QTimer(this);
-        connect(checkTimer_, &QTimer::timeout, this, [this] { TakeChanges(); });
-        checkTimer_->start(kFileCheckMilliseconds);
+    std::unique_ptr<session::ChangeWatcher> watcher;
+    try {
+        watcher = std::make_unique<session::ChangeWatcher>(list_.Database().Target(), from);
+    } catch (const ComponentError&) {
+        return;
     }
+    if (!watcher->Active()) {
+        return;
+    }
+    live_ = new LiveWatch(
+        std::move(watcher), this,
+        [this](const std::vector<session::HistoryEntry>& entries) { ShowChanges(entries); },
+        [this](const std::string& notice) {
+            statusBar()->showMessage(QString::fromStdString(notice));
+        });
+    live_->Check();  // what was committed since the list was read
 }
 
 void NodeListWindow::TakeChanges() {
-    if (!watcher_) {
-        return;
+    if (live_ != nullptr) {
+        live_->Check();
     }
-    std::vector<session::HistoryEntry> entries;
-    try {
-        entries = watcher_->NewChanges();
-    } catch (const ComponentError&) {
-        return;  // heard again on the next change
-    }
+}
+
+void NodeListWindow::ShowChanges(const std::vector<session::HistoryEntry>& entries) {
     const std::optional<session::PartitionKey> shown = ShownPartition();
     std::set<std::int16_t> changed;
     bool affectsShown = false;

@@ -22,7 +22,7 @@ class QTimer;
 namespace dbn {
 class DataBase;
 namespace session {
-class ChangeWatcher;
+struct HistoryEntry;
 }
 }  // namespace dbn
 
@@ -30,6 +30,7 @@ namespace dbn::qt {
 
 class DirectoryCheckWindow;
 class EventHook;
+class LiveWatch;
 
 // The program's main window: the dial-by-name nodes of one partition of the
 // configuration database, with a configuration and a partition chooser and
@@ -72,8 +73,12 @@ public:
 
 private:
     void BuildMenus();
-    // Starts hearing other programs' changes (when the database keeps history).
+    // Starts hearing other programs' changes (when the database keeps
+    // history) once the list has painted, from the newest entry as the list
+    // was read.
     void StartWatching();
+    void Listen(long from);
+    void ShowChanges(const std::vector<session::HistoryEntry>& entries);
     void MarkRows(const std::set<std::int16_t>& numbers);
     // Fills the partition chooser for the chosen configuration, choosing
     // `preferred` when it is there, and reads that partition's nodes.
@@ -101,9 +106,7 @@ private:
     QLineEdit* filter_ = nullptr;
     QTableWidget* table_ = nullptr;
     DirectoryCheckWindow* report_ = nullptr;
-    std::unique_ptr<session::ChangeWatcher> watcher_;
-    QSocketNotifier* notifier_ = nullptr;
-    QTimer* checkTimer_ = nullptr;
+    LiveWatch* live_ = nullptr;
     std::set<std::int16_t> marked_;
     QLabel* empty_ = nullptr;
     // What needs a node: disabled, saying why, while the database has none.

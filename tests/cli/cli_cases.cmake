@@ -104,6 +104,8 @@ expect(STATUS 1 ERR "^dbn-node-editor: History entry 1 is not of DBN 2. Nothing 
   ARGS restore --data-root ${history_root} 1 1 2 1)
 expect(STATUS 2 ERR "watch needs both CONFIG and PARTITION, or neither"
   ARGS watch --data-root ${history_root} 1)
+expect(STATUS 0 OUT "^2 1/1 DBN 1 [^\n]* restored: NodeDescription\n$"
+  ARGS watch --data-root ${history_root} --after 1 --count 1)
 execute_process(COMMAND sh -c
     "\"$0\" watch --data-root \"$1\" --json --count 1 1 1 > \"$2/watched\" & sleep 1; \"$0\" play --data-root \"$1\" \"$2/save.play\" > /dev/null; wait"
     ${EDITOR} ${history_root} ${WORK}

@@ -2,6 +2,7 @@
 
 #include "database/database.h"
 #include "database/database_errors.h"
+#include "database/database_setup.h"
 #include "error_of.h"
 #include "temp_database.h"
 
@@ -95,6 +96,23 @@ TEST(DatabaseFile, APipeASocketOrADeviceIsRefusedAtOnce) {
                     std::string(kind) + ", not a regular file");
     }
     ::close(listener);
+}
+
+// init --force under an open connection: a write is told that the file was
+// replaced, not that it is read-only, and writes nothing anywhere.
+TEST(DatabaseFile, AFileReplacedUnderAnOpenConnectionIsToldAsReplaced) {
+    TempDataRoot root(TempDataRoot::Content::Demo);
+    DBN_FILE_TEST_ONLY(root);
+    DataBase db(DatabaseTarget::SqliteFile(root.DatabasePath()));
+    EXPECT_EQ(db.Execute("Get_Node_Names"), 18);
+    CreateConfigurationDatabase(root.DatabasePath(), false, ExistingDatabase::Replace);
+    const ComponentError error = ErrorOf([&] {
+        db.BeginTrans();
+        db.Execute("Update_Node_General_Pool", {"x", "2001-01-01 00:00:00", "1", "1", "0", "1"});
+        db.CommitTrans();
+    });
+    ExpectError(error, kErrDatabaseReplaced, root.DatabasePath(),
+                "was replaced by another file since it was opened here. Nothing was written");
 }
 
 TEST(DatabaseFile, LockedByAnotherProgramAfterTheTimeOut) {

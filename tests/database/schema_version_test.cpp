@@ -11,6 +11,8 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <signal.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -44,6 +46,19 @@ void MakeVersionOne(const TempDataRoot& root) {
 
 long long Rows(const TempDataRoot& root, const std::string& table) {
     return root.QueryInt("SELECT count(*) FROM " + table);
+}
+
+// The dial-by-name nodes of an SQLite file, read as they are (no upgrade).
+long long NodesIn(const std::string& path) {
+    sqlite3* raw = nullptr;
+    sqlite3_open_v2(path.c_str(), &raw, SQLITE_OPEN_READONLY, nullptr);
+    std::unique_ptr<sqlite3, int (*)(sqlite3*)> file(raw, sqlite3_close);
+    sqlite3_stmt* statement = nullptr;
+    sqlite3_prepare_v2(file.get(), "SELECT count(*) FROM Node_DBN", -1, &statement, nullptr);
+    const long long count =
+        sqlite3_step(statement) == SQLITE_ROW ? sqlite3_column_int64(statement, 0) : -1;
+    sqlite3_finalize(statement);
+    return count;
 }
 
 TEST(SchemaVersion, InitMakesTheCurrentVersion) {
@@ -101,6 +116,46 @@ TEST(SchemaVersion, UpgradesVersionOneOnceKeepingEveryRow) {
     DataBase again;
     EXPECT_EQ(again.SchemaVersion(), 2);
     EXPECT_EQ(notices.said.size(), 1u);
+}
+
+// An upgrade killed outright while it copies the old version: the copy's
+// name only ever holds a whole copy, and the next run finishes the upgrade
+// and removes what the killed one left.
+TEST(SchemaVersion, AKilledUpgradeNeverLeavesAPartialCopyUnderTheBackupName) {
+    TempDataRoot root(TempDataRoot::Content::Demo);
+    DBN_FILE_TEST_ONLY(root);
+    MakeVersionOne(root);
+    const long long nodes = Rows(root, "Node_DBN");
+    const std::string backup = UpgradeBackupPath(root.DatabasePath(), 1);
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        DataBase db;
+        db.SchemaVersion();
+        ::_exit(0);
+    }
+    // Killed as soon as its copy is begun, under either name (or when it is
+    // done).
+    const std::string partial = backup + ".new-" + std::to_string(child);
+    int status = 0;
+    while (!fs::exists(partial) && !fs::exists(backup) &&
+           ::waitpid(child, &status, WNOHANG) == 0) {
+    }
+    ::kill(child, SIGKILL);
+    ::waitpid(child, &status, 0);
+    Notices notices;
+    DataBase db;
+    EXPECT_EQ(db.SchemaVersion(), 2);
+    // Every copy there is holds every node; nothing else is left.
+    for (const std::string& copy : {backup, backup + ".2"}) {
+        if (fs::exists(copy)) {
+            EXPECT_EQ(NodesIn(copy), nodes) << copy;
+        }
+    }
+    EXPECT_TRUE(fs::exists(backup));
+    for (const auto& entry : fs::directory_iterator(fs::path(backup).parent_path())) {
+        EXPECT_EQ(entry.path().string().find(".new-"), std::string::npos) << entry.path();
+    }
 }
 
 TEST(SchemaVersion, RefusesANewerVersionWithoutWritingToIt) {

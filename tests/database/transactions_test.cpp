@@ -75,6 +75,21 @@ TEST_F(Transactions, RollbackAndSavepointsUndoTheirWorkAndCommandsAnswerRowsChan
     db_.CommitTrans();
     EXPECT_EQ(Labels(), "outer/kept/Please hold/again/Before names");
 
+    // Each level has its own savepoint: rolling back the outer one while the
+    // inner one's release is still queued undoes both writes and leaves the
+    // transaction usable.
+    db_.BeginTrans();
+    db_.BeginSavepoint();
+    Label(1, "outer undone");
+    db_.BeginSavepoint();
+    Label(2, "inner undone");
+    db_.ReleaseSavepoint();
+    db_.RollbackToSavepoint();
+    EXPECT_TRUE(db_.InTransaction());
+    Label(5, "after");
+    db_.CommitTrans();
+    EXPECT_EQ(Labels(), "outer/kept/Please hold/again/after");
+
     EXPECT_EQ(db_.Execute("Delete_DBN_PromptsNode", {"1", "1", "2"}), 9);
     EXPECT_EQ(db_.Execute("Delete_DBN_PromptsNode", {"1", "1", "2"}), 0);
     EXPECT_EQ(Prompts(), 0);

@@ -3,6 +3,11 @@
 // opens; Apply then refuses in the same words, writing nothing, and keeps
 // the change mark.
 
+#include "database/configuration_copy.h"
+#include "error_of.h"
+#include "session/apply_nodes.h"
+#include "session/node_restore.h"
+#include "session/node_text_store.h"
 #include "session/session_support.h"
 
 #include <stdlib.h>
@@ -33,15 +38,17 @@ protected:
             PgExec(ConnectTo(TestServerUri()).get(), "DROP ROLE " + role);
         }
     }
+    std::string Notice() const {
+        return "The configuration database \"" + DisplayName(DatabaseTarget::Server(uri)) +
+               "\" is open read-only: " + role +
+               " may read it but not change it. Changes cannot be saved.";
+    }
     std::string role;
     std::string uri;
 };
 
 TEST_F(ReadOnly, ToldWhenTheEditorOpensAndApplyRefusesInTheSameWords) {
-    const std::string notice = "The configuration database \"" +
-                               DisplayName(DatabaseTarget::Server(uri)) +
-                               "\" is open read-only: " + role +
-                               " may read it but not change it. Changes cannot be saved.";
+    const std::string notice = Notice();
     services.confirmAnswers = {form::kConfirmYes};
     Open(1, 1, [&](form::GUI& gui) {
         EXPECT_EQ(services.TakeBoxTexts(), std::vector<std::string>{notice});
@@ -54,6 +61,34 @@ TEST_F(ReadOnly, ToldWhenTheEditorOpensAndApplyRefusesInTheSameWords) {
     });
     EXPECT_EQ(NodeColumn("NodeDescription", 1, 1), "Staff directory");
     EXPECT_EQ(Count("Node_MSG", Where(1, "NodeNumber", 50)), 0);
+}
+
+// The commands that write without the editor refuse in the same words,
+// never with the server's "permission denied".
+TEST_F(ReadOnly, ApplyRestoreAndCopyRefuseInTheEditorsWords) {
+    {
+        DataBase owner(root.Target());  // an entry to restore
+        nodetext::NodeDocument document = session::ExportNodes(owner, 1, 1, {1});
+        document.nodes[0].columns["NodeDescription"] = std::string("Owner's");
+        ASSERT_TRUE(session::ApplyNodes(owner, document, {}).written);
+    }
+    DataBase db;
+    nodetext::NodeDocument document = session::ExportNodes(db, 1, 1, {1});
+    document.nodes[0].columns["NodeDescription"] = std::string("Mine");
+    const std::function<void()> writers[] = {
+        [&] { session::ApplyNodes(db, document, {}); },
+        [&] {
+            session::RestoreNodeVersion(db, {1, 1, 15, 1}, 1, true);
+        },
+        [&] {
+            CopyConfiguration(DatabaseTarget::SqliteFile(root.DatabasePath()),
+                              DatabaseTarget::Server(uri), ExistingDatabase::Replace);
+        },
+    };
+    for (const auto& write : writers) {
+        EXPECT_EQ(ErrorOf(write).Description(), Notice());
+    }
+    EXPECT_EQ(NodeColumn("NodeDescription", 1, 1), "Owner's");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "session_support.h"
 
 #include "database/database_errors.h"
+#include "database/database_setup.h"
 #include "error_of.h"
 #include "nodestate/state_diff.h"
 #include "session/change_watcher.h"
@@ -153,6 +154,28 @@ TEST_F(NodeHistory, AWatcherHearsAnotherConnectionsSave) {
     EXPECT_EQ(heard[0].key.number, 1);
     EXPECT_EQ(Fields(heard[0]), std::vector<std::string>{"NodeDescription"});
     EXPECT_TRUE(watcher.NewChanges().empty());
+}
+
+// A watcher started after a given entry reports the later ones at once; one
+// whose file is replaced (init --force) says so and hears the new file.
+TEST_F(NodeHistory, AWatcherStartsAfterAnEntryAndFollowsAReplacedFile) {
+    SaveDescription("First");
+    SaveDescription("Second");
+    session::ChangeWatcher watcher(ResolveDatabaseTarget(), 1);
+    std::vector<HistoryEntry> heard = watcher.NewChanges();
+    ASSERT_EQ(heard.size(), 1u);
+    EXPECT_EQ(heard[0].entry, 2);
+    if (root.OnServer()) {
+        return;
+    }
+    CreateConfigurationDatabase(root.DatabasePath(), true, ExistingDatabase::Replace);
+    for (const char* label : {"A", "B", "C"}) {
+        SaveDescription(label);
+    }
+    heard = watcher.NewChanges();  // a file is asked on a timer: the change is there
+    EXPECT_EQ(heard.size(), 3u);
+    EXPECT_EQ(watcher.TakeNotice(), "The configuration database " + root.DatabasePath() +
+                                        " was replaced by another file; watching the new one.");
 }
 
 // A failing write of the node or of its history entry rolls back the whole

@@ -107,12 +107,16 @@ struct NetworkRelay::Shared {
     long cutAtMessage = 0;  // absolute message number, 0: none
     std::string cutText;    // empty: none
     CutPoint cutPoint = CutPoint::BeforeForwarding;
+    std::string messageTypes;  // since the counts were reset
+    std::string transactionStates;
     std::vector<std::thread> threads;
 
     // Whether message number `number` with `body` ends its connection, and
     // where. Consumes the plan.
-    std::optional<CutPoint> TakeCut(long number, const std::string& body) {
+    std::optional<CutPoint> TakeCut(long number, char type, char state, const std::string& body) {
         std::lock_guard lock(mutex);
+        messageTypes += type;
+        transactionStates += state;
         const bool byNumber = cutAtMessage != 0 && number >= cutAtMessage;
         const bool byText = !cutText.empty() && body.find(cutText) != std::string::npos;
         if (!byNumber && !byText) {
@@ -207,6 +211,9 @@ private:
                         0;
                 completes = completes || type == 'Z' || type == 'G' || type == 'H' || type == 'W' ||
                             authRequest;
+                if (type == 'Z' && !serverBody_.empty()) {
+                    transactionState_ = serverBody_[0];
+                }
                 serverHeader_.clear();
             }
         }
@@ -265,7 +272,7 @@ private:
                 answered_ = false;
             }
             const long number = ++shared_.clientMessages;
-            if (const auto cut = shared_.TakeCut(number, message)) {
+            if (const auto cut = shared_.TakeCut(number, type, transactionState_, message)) {
                 if (*cut == NetworkRelay::CutPoint::BeforeForwarding) {
                     return false;
                 }
@@ -378,6 +385,8 @@ private:
     long generation_;
     bool startupDone_ = false;
     bool answered_ = true;  // the first message of a connection is a round trip
+    // The transaction state the server last reported ('I', 'T', 'E').
+    char transactionState_ = '\0';
     // Set when a cut waits for the end of the batch it fell in.
     bool cutAfterSync_ = false;
     std::string pending_;
@@ -511,9 +520,28 @@ bool NetworkRelay::CutHappened() const noexcept {
 }
 
 void NetworkRelay::ResetCounts() {
+    std::lock_guard lock(shared_->mutex);
     shared_->roundTrips = 0;
     shared_->clientMessages = 0;
     shared_->connections = 0;
+    shared_->messageTypes.clear();
+    shared_->transactionStates.clear();
+}
+
+std::string NetworkRelay::ClientMessageTypes() const {
+    std::lock_guard lock(shared_->mutex);
+    return shared_->messageTypes;
+}
+
+std::string NetworkRelay::ClientTransactionStates() const {
+    std::lock_guard lock(shared_->mutex);
+    return shared_->transactionStates;
+}
+
+void NetworkRelay::CancelCut() {
+    std::lock_guard lock(shared_->mutex);
+    shared_->cutAtMessage = 0;
+    shared_->cutText.clear();
 }
 
 void NetworkRelay::CutAtClientMessage(long n, CutPoint point) {

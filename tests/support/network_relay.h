@@ -62,6 +62,14 @@ public:
     long RoundTrips() const noexcept;
     long ClientMessages() const noexcept;
     long Connections() const noexcept;
+    // The protocol type of each of those messages, in order ('\0' for a
+    // connection's start-up; 'S' ends a pipeline's batch, 'Q' is a simple
+    // query, 'X' a connection's end).
+    std::string ClientMessageTypes() const;
+    // For each of them, the transaction state the server had last reported
+    // on its connection when it came: 'I' idle, 'T' in a transaction, 'E'
+    // in a failed one ('\0' before the first report).
+    std::string ClientTransactionStates() const;
     void ResetCounts();
 
     // Cuts the connection on which the program's message number n (1 = the
@@ -70,6 +78,8 @@ public:
     // Cuts the connection on which the next message containing text
     // arrives (for example "COMMIT").
     void CutAtClientText(std::string text, CutPoint point);
+    // Drops a planned cut that has not happened.
+    void CancelCut();
     // Closes every open connection now.
     void CutAll();
     // While set, new connections are accepted and closed at once.
