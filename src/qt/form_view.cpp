@@ -77,10 +77,14 @@ FormView::FormView(form::GUI& form, QWidget* parent)
     layout->addWidget(strip_);
     Build();
     BuildButtonStrip();
-    const std::vector<std::string> barCaptions{ChangeBar::kShowChanges, ChangeBar::kReload};
-    const std::vector<QString> marked = NameControls(bindings_, barCaptions);
-    for (std::size_t i = 0; i < barCaptions.size(); ++i) {
-        otherMnemonics_[barCaptions[i]] = marked[i];
+    // The captions outside the form: the bar's buttons, and last (F7 and F8
+    // open them too) the two tools'.
+    std::vector<std::string> captions{ChangeBar::kShowChanges, ChangeBar::kReload};
+    const std::vector<std::string> tools{DirectoryCheckWindow::kTitle, TryAsCallerWindow::kTitle};
+    const std::vector<QString> marked = NameControls(bindings_, captions, tools);
+    captions.insert(captions.end(), tools.begin(), tools.end());
+    for (std::size_t i = 0; i < captions.size(); ++i) {
+        otherMnemonics_[captions[i]] = marked[i];
     }
     StackBySize();
     SetTabOrder();

@@ -40,8 +40,8 @@ public:
         return qobject_cast<Widget*>(WidgetOf(name));
     }
 
-    // A caption of the window outside the form (the bar's buttons) with
-    // its mnemonic, chosen with the form's.
+    // A caption of the window outside the form (the bar's buttons and the
+    // tools' beside OK) with its mnemonic, chosen with the form's.
     QString MnemonicText(const std::string& caption) const;
     // Places a bar in its own row between the form and the buttons; the bar
     // shows and hides itself, calling FitToScreen after each.
