@@ -75,6 +75,7 @@ private:
     std::map<const form::Control*, QWidget*> widgets_;
     int formObserver_ = 0;
     int frame1Observer_ = 0;
+    int applyObserver_ = 0;
     QScrollArea* scroll_ = nullptr;
     QWidget* content_ = nullptr;  // the form's client area, in the scroll area
     // The strip below the form: its plane holds OK, Cancel, Apply and the
