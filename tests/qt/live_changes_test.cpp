@@ -200,7 +200,9 @@ TEST_F(LiveChanges, TheBarGoesOnceTheSaveOverQuestionShowsTheStoredNode) {
             auto* bar = view.findChild<qt::ChangeBar*>(QStringLiteral("changeBar"));
             SaveElsewhere(1, 1, "Theirs " + answer.toStdString());
             ASSERT_TRUE(WithinTwoSeconds([&] { return !bar->Text().isEmpty(); }));
-            TypeKeys(*view.WidgetAs<QLineEdit>("txtDescription"), QStringLiteral("Mine"));
+            // A label of this round's own: one the node already had would
+            // leave nothing to save.
+            TypeKeys(*view.WidgetAs<QLineEdit>("txtDescription"), "Mine " + answer);
             gui.cmdApply_Click();
             EXPECT_EQ(bar->isHidden(), answer != "Cancel") << answer.toStdString();
             gui.DiscardChangesAndUnload();
