@@ -123,6 +123,7 @@ FormView::~FormView() {
     form_.Unobserve(formObserver_);
     form_.Frame1.Unobserve(frame1Observer_);
     form_.cmdApply.Unobserve(applyObserver_);
+    form_.StatusBar1.Unobserve(statusObserver_);
     // The bindings go first, while their widgets still exist.
     bindings_.clear();
 }
@@ -157,7 +158,6 @@ void FormView::BuildButtonStrip() {
     const int top = scale_.ToPixels(form_.cmdOK.Top() - kStripMarginTwips);
     stripPlane_->setGeometry(0, -top, scale_.ToPixels(form::GUI::kClientWidth),
                              scale_.ToPixels(form_.Height()));
-    strip_->setFixedHeight(scale_.ToPixels(form_.Height()) - top);
     for (const auto& binding : bindings_) {
         const form::Control& control = binding->Control();
         if (IsCommitButton(form_, control) || &control == &form_.StatusBar1) {
@@ -165,6 +165,23 @@ void FormView::BuildButtonStrip() {
             binding->SyncAll();
         }
     }
+    FollowStatusBar();
+    statusObserver_ = form_.StatusBar1.Observe([this](form::Control&, form::ChangeAspect aspect) {
+        if (aspect == form::ChangeAspect::State) {
+            FollowStatusBar();
+        }
+    });
+}
+
+// The strip ends below the buttons while the status bar is hidden, and takes
+// the status bar in while a save shows its progress there; the form above
+// gives up that height rather than the window growing.
+void FormView::FollowStatusBar() {
+    const int top = scale_.ToPixels(form_.cmdOK.Top() - kStripMarginTwips);
+    const int bottom = form_.StatusBar1.Visible()
+                           ? form_.Height()
+                           : form_.cmdOK.Top() + form_.cmdOK.Height() + kStripMarginTwips;
+    strip_->setFixedHeight(scale_.ToPixels(bottom) - top);
 }
 
 // Where controls overlap, the smaller lies above the larger: frames drawn over
@@ -223,7 +240,12 @@ int FormView::FormHeightAboveButtons() const {
         }
         bottom = std::max(bottom, OnForm(control).top + control.Height());
     }
-    return bottom + kStripMarginTwips;
+    return std::max(bottom, reservedBottom_) + kStripMarginTwips;
+}
+
+void FormView::ReserveFormHeight(int bottomTwips) {
+    reservedBottom_ = std::max(reservedBottom_, bottomTwips);
+    FollowWidth();
 }
 
 // The strip and, while it shows, the bar with its text wrapped to the width.

@@ -43,6 +43,10 @@ public:
     // A caption of the window outside the form (the bar's buttons and the
     // tools' beside OK) with its mnemonic, chosen with the form's.
     QString MnemonicText(const std::string& caption) const;
+    // The scrolling area that holds the form, and room kept in it down to
+    // bottomTwips on the form for widgets placed there beside the controls.
+    QWidget& FormArea() const noexcept { return *content_; }
+    void ReserveFormHeight(int bottomTwips);
     // Places a bar in its own row between the form and the buttons; the bar
     // shows and hides itself, calling FitToScreen after each.
     void AddBar(QWidget& bar);
@@ -64,6 +68,7 @@ private:
     void FollowWidth();
     void FollowFrame1();
     void BuildButtonStrip();
+    void FollowStatusBar();
     int FormHeightAboveButtons() const;
     int BelowForm(int width) const;
     void ApplyShortcut();
@@ -76,6 +81,8 @@ private:
     int formObserver_ = 0;
     int frame1Observer_ = 0;
     int applyObserver_ = 0;
+    int statusObserver_ = 0;
+    int reservedBottom_ = 0;  // twips
     QScrollArea* scroll_ = nullptr;
     QWidget* content_ = nullptr;  // the form's client area, in the scroll area
     // The strip below the form: its plane holds OK, Cancel, Apply and the

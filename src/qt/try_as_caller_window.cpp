@@ -261,19 +261,19 @@ void InstallCallerTools(FormView& view) {
     key->setContext(Qt::WindowShortcut);
     QObject::connect(key, &QShortcut::activated, &view, [&view] { ShowTryAsCaller(view); });
 
-    // Two buttons between the actions frame and OK, Cancel and Apply.
+    // Two buttons side by side below the actions frame, inside the form's
+    // scrolling area, which keeps room for them.
     QWidget* ok = view.WidgetOf("cmdOK");
     if (ok == nullptr) {
         return;
     }
     const form::GUI& form = view.Form();
-    const int frameBottom = form.fraActions.Top() + form.fraActions.Height();
-    const int height = form.cmdOK.Height();
-    const int top = frameBottom + (form.cmdOK.Top() - frameBottom - height) / 2;
-    // Side by side over the width of OK, Cancel and Apply.
-    const int left = form.cmdOK.Left();
     const int gap = 120;
-    const int width = (form.cmdApply.Left() + form.cmdApply.Width() - left - gap) / 2;
+    const int top = form.fraActions.Top() + form.fraActions.Height() + gap;
+    const int height = form.cmdOK.Height();
+    // Under the actions list, over its width.
+    const int left = form.fraActions.Left() + form.LVActions.Left();
+    const int width = (form.LVActions.Width() - gap) / 2;
     struct Tool {
         const char* caption;
         const char* tip;
@@ -288,7 +288,7 @@ void InstallCallerTools(FormView& view) {
     QWidget* previous = ok->previousInFocusChain();
     for (int i = 0; i < 2; ++i) {
         const Tool& tool = tools[i];
-        auto* button = new QPushButton(view.MnemonicText(tool.caption), ok->parentWidget());
+        auto* button = new QPushButton(view.MnemonicText(tool.caption), &view.FormArea());
         button->setObjectName(QString::fromUtf8(tool.caption));
         button->setAccessibleName(QString::fromUtf8(tool.caption));
         button->setToolTip(QString::fromUtf8(tool.tip));
@@ -300,6 +300,7 @@ void InstallCallerTools(FormView& view) {
         QObject::connect(button, &QPushButton::clicked, &view, tool.run);
         button->show();
     }
+    view.ReserveFormHeight(top + height);
 }
 
 }  // namespace dbn::qt

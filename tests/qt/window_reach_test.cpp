@@ -59,20 +59,36 @@ TEST_F(EditorWindowTest, TheWheelChangesOnlyAFocusedBoxAndOtherwiseScrollsTheFor
 // where the form is wider than the screen.
 TEST_F(EditorWindowTest, TheButtonsHaveAStripOfTheirOwnBelowTheForm) {
     for (const std::int16_t node : {kCustomNode, kDefaultLastName}) {
-        Open(node, [&](form::GUI&, qt::FormView& view) {
+        Open(node, [&](form::GUI& gui, qt::FormView& view) {
             const QSize available = qt::AvailableClientSize(view);
             EXPECT_LE(view.height(), available.height()) << node;
             auto& scroll = *view.findChild<QScrollArea*>();
-            for (const QSize size : {view.size(), QSize(320, 240)}) {
-                view.resize(size);
-                QApplication::processEvents();
-                const QRect form = OnScreen(*scroll.viewport());
-                for (const char* name : {"cmdOK", "cmdCancel", "cmdApply", "StatusBar1"}) {
-                    const QRect button = OnScreen(*view.WidgetOf(name));
-                    EXPECT_FALSE(button.intersects(form)) << name << " of " << node;
-                    EXPECT_TRUE(view.rect().contains(view.mapFromGlobal(button.topLeft())))
-                        << name << " of " << node;
+            // The status bar shows only while a save tells its progress.
+            for (const bool status : {false, true}) {
+                gui.StatusBar1.SetVisible(status);
+                for (const QSize size : {view.size(), QSize(320, 240)}) {
+                    view.resize(size);
+                    QApplication::processEvents();
+                    const QRect form = OnScreen(*scroll.viewport());
+                    for (const char* name : {"cmdOK", "cmdCancel", "cmdApply", "StatusBar1"}) {
+                        if (!status && std::string(name) == "StatusBar1") {
+                            continue;
+                        }
+                        const QRect button = OnScreen(*view.WidgetOf(name));
+                        EXPECT_FALSE(button.intersects(form)) << name << " of " << node;
+                        EXPECT_TRUE(view.rect().contains(view.mapFromGlobal(button.bottomLeft())))
+                            << name << " of " << node;
+                    }
                 }
+            }
+            gui.StatusBar1.SetVisible(false);
+            // The tools below the actions list lie wholly inside the form's area.
+            for (const char* tool : {"Directory Check", "Try as Caller"}) {
+                auto* button = view.findChild<QPushButton*>(QString::fromUtf8(tool));
+                ASSERT_NE(button, nullptr) << tool;
+                EXPECT_TRUE(OnScreen(*button->parentWidget()).contains(OnScreen(*button)))
+                    << tool << node;
+                EXPECT_TRUE(view.FormArea().isAncestorOf(button)) << tool << node;
             }
             view.FitToScreen();
             QApplication::processEvents();
