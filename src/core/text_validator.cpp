@@ -1,4 +1,4 @@
-#include "form/text_validator.h"
+#include "core/text_validator.h"
 
 #include <algorithm>
 #include <memory>

@@ -7,7 +7,7 @@
 #include "core/component_factory.h"
 #include "form/controls/text_rules.h"
 #include "form/list_rows.h"
-#include "form/text_validator.h"
+#include "core/text_validator.h"
 
 #include <cctype>
 #include <cstdint>

@@ -6,7 +6,7 @@
 
 #include "core/component_error.h"
 #include "form/error_trap.h"
-#include "form/text_validator.h"
+#include "core/text_validator.h"
 
 #include <algorithm>
 #include <utility>

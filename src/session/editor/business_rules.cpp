@@ -1,4 +1,4 @@
-#include "session/business_rules.h"
+#include "session/editor/business_rules.h"
 #include "core/node_types.h"
 
 #include "core/component_error.h"
@@ -6,9 +6,9 @@
 #include "database/database_target.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
-#include "session/load_helpers.h"
-#include "session/node_templates.h"
-#include "session/read_ahead.h"
+#include "session/nodes/stored_values.h"
+#include "session/nodes/node_templates.h"
+#include "session/editor/read_ahead.h"
 
 #include <optional>
 #include <string>

@@ -4,7 +4,7 @@
 #include "database/database.h"
 #include "form/business_rules_link.h"
 #include "form/form_services.h"
-#include "session/range_notes.h"
+#include "session/editor/range_notes.h"
 
 #include <cstdint>
 #include <memory>

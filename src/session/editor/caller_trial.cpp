@@ -1,7 +1,7 @@
-#include "session/caller_trial.h"
+#include "session/editor/caller_trial.h"
 
 #include "core/component_error.h"
-#include "session/caller_simulation.h"
+#include "session/editor/caller_simulation.h"
 
 #include <exception>
 

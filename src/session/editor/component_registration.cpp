@@ -1,8 +1,8 @@
-#include "session/component_registration.h"
+#include "session/editor/component_registration.h"
 
 #include "core/component_factory.h"
-#include "session/business_rules.h"
-#include "session/confirmation_dialog.h"
+#include "session/editor/business_rules.h"
+#include "session/editor/confirmation_dialog.h"
 
 namespace dbn {
 

@@ -1,4 +1,4 @@
-#include "session/confirmation_dialog.h"
+#include "session/editor/confirmation_dialog.h"
 
 namespace dbn {
 

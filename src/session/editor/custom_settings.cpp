@@ -1,12 +1,12 @@
 // Loading the custom-settings half of a node: match modes, error settings,
 // the confirmation section with its prompt rows, the exit prompt and the
 // play-name switch.
-#include "session/business_rules.h"
+#include "session/editor/business_rules.h"
 
 #include "form/error_trap.h"
 #include "form/gui.h"
-#include "session/load_helpers.h"
-#include "session/node_templates.h"
+#include "session/editor/form_lists.h"
+#include "session/nodes/node_templates.h"
 
 namespace dbn {
 namespace {

@@ -1,4 +1,4 @@
-#include "session/editor_changes.h"
+#include "session/editor/editor_changes.h"
 
 #include "core/node_types.h"
 #include "form/gui.h"

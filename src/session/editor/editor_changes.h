@@ -1,7 +1,7 @@
 #pragma once
 // What the editor shows when another program changes the node on show.
 
-#include "session/node_history.h"
+#include "session/nodes/node_history.h"
 
 #include <optional>
 #include <string>

@@ -2,10 +2,10 @@
 #include "core/node_types.h"
 #include "form/gui.h"
 #include "form/list_rows.h"
-#include "session/caller_simulation.h"
-#include "session/directory_check.h"
-#include "session/form_references.h"
-#include "session/form_values.h"
+#include "session/editor/caller_simulation.h"
+#include "session/nodes/directory_check.h"
+#include "session/editor/form_references.h"
+#include "session/editor/form_values.h"
 
 #include <string>
 

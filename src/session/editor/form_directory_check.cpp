@@ -2,9 +2,9 @@
 // form shows now, saved or not: the operator sees the effect of a change of
 // digits or mode before saving.
 #include "form/gui.h"
-#include "session/business_rules.h"
-#include "session/directory_check.h"
-#include "session/form_values.h"
+#include "session/editor/business_rules.h"
+#include "session/nodes/directory_check.h"
+#include "session/editor/form_values.h"
 
 namespace dbn::session {
 

@@ -1,4 +1,4 @@
-#include "session/form_references.h"
+#include "session/editor/form_references.h"
 
 #include "form/list_rows.h"
 

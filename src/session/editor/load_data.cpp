@@ -2,17 +2,17 @@
 // greeting and directory, the actions, the method and languages, then the
 // custom settings.
 #include "core/node_types.h"
-#include "session/business_rules.h"
+#include "session/editor/business_rules.h"
 
 #include "core/component_error.h"
 #include "database/database_errors.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
-#include "session/load_helpers.h"
-#include "session/node_templates.h"
-#include "session/read_ahead.h"
-#include "session/saved_fields.h"
-#include "session/stored_state.h"
+#include "session/editor/form_lists.h"
+#include "session/nodes/node_templates.h"
+#include "session/editor/read_ahead.h"
+#include "session/editor/saved_fields.h"
+#include "session/nodes/stored_state.h"
 
 #include <array>
 #include <optional>

@@ -1,11 +1,11 @@
 // The node-type catalogue and the partition's highest node number per type.
 #include "core/node_types.h"
-#include "session/business_rules.h"
+#include "session/editor/business_rules.h"
 
 #include "core/component_error.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
-#include "session/load_helpers.h"
+#include "session/nodes/stored_values.h"
 
 #include <charconv>
 #include <limits>

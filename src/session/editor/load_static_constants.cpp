@@ -1,10 +1,10 @@
 // The fixed choice lists and their start-up selections. Every selection runs
 // the list's click handler, so the order below is part of the behaviour.
-#include "session/business_rules.h"
+#include "session/editor/business_rules.h"
 
 #include "form/error_trap.h"
 #include "form/gui.h"
-#include "session/load_helpers.h"
+#include "session/editor/form_lists.h"
 
 namespace dbn {
 namespace {

@@ -1,11 +1,11 @@
 // The node-type lists of the pickers: which types a dial-by-name node may
 // refer to, less those the partition allows no node of.
 #include "core/node_types.h"
-#include "session/business_rules.h"
+#include "session/editor/business_rules.h"
 
 #include "form/error_trap.h"
 #include "form/gui.h"
-#include "session/load_helpers.h"
+#include "session/editor/form_lists.h"
 
 #include <vector>
 

@@ -1,4 +1,4 @@
-#include "session/range_notes.h"
+#include "session/editor/range_notes.h"
 
 #include <algorithm>
 #include <array>

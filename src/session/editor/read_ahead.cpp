@@ -1,9 +1,9 @@
-#include "session/read_ahead.h"
+#include "session/editor/read_ahead.h"
 
 #include "core/component_error.h"
 #include "core/node_types.h"
-#include "session/load_helpers.h"
-#include "session/node_templates.h"
+#include "session/nodes/stored_values.h"
+#include "session/nodes/node_templates.h"
 
 namespace dbn::session {
 namespace {

@@ -1,10 +1,10 @@
 // The record selector: every dial-by-name node of the partition.
 #include "core/node_types.h"
-#include "session/business_rules.h"
+#include "session/editor/business_rules.h"
 
 #include "form/error_trap.h"
 #include "form/gui.h"
-#include "session/load_helpers.h"
+#include "session/editor/form_lists.h"
 
 namespace dbn {
 

@@ -8,12 +8,12 @@
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "form/list_rows.h"
-#include "session/business_rules.h"
-#include "session/confirmation_dialog.h"
-#include "session/form_references.h"
-#include "session/node_templates.h"
-#include "session/read_ahead.h"
-#include "session/transaction_scope.h"
+#include "session/editor/business_rules.h"
+#include "session/editor/confirmation_dialog.h"
+#include "session/editor/form_references.h"
+#include "session/nodes/node_templates.h"
+#include "session/editor/read_ahead.h"
+#include "session/nodes/transaction_scope.h"
 
 #include <algorithm>
 #include <exception>

@@ -6,14 +6,14 @@
 #include "database/database_errors.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
-#include "session/business_rules.h"
-#include "session/form_references.h"
-#include "session/load_helpers.h"
-#include "session/modification_time.h"
-#include "session/node_history.h"
-#include "session/saved_fields.h"
-#include "session/stored_state.h"
-#include "session/transaction_scope.h"
+#include "session/editor/business_rules.h"
+#include "session/editor/form_references.h"
+#include "session/editor/form_lists.h"
+#include "session/nodes/modification_time.h"
+#include "session/nodes/node_history.h"
+#include "session/editor/saved_fields.h"
+#include "session/nodes/stored_state.h"
+#include "session/nodes/transaction_scope.h"
 
 #include <exception>
 #include <optional>

@@ -1,7 +1,7 @@
-#include "session/saved_fields.h"
+#include "session/editor/saved_fields.h"
 
 #include "form/gui.h"
-#include "session/load_helpers.h"
+#include "session/nodes/stored_values.h"
 
 #include <functional>
 #include <optional>

@@ -5,7 +5,7 @@
 // the load or the last save, the stored ones for the rest, whatever the form
 // shows for them.
 
-#include "session/form_references.h"
+#include "session/editor/form_references.h"
 
 #include <string>
 #include <utility>

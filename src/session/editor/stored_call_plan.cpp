@@ -2,8 +2,8 @@
 // editor form without a display, read as the editor shows it, and closed.
 #include "core/component_error.h"
 #include "form/gui.h"
-#include "session/business_rules.h"
-#include "session/caller_simulation.h"
+#include "session/editor/business_rules.h"
+#include "session/editor/caller_simulation.h"
 
 #include <exception>
 #include <optional>

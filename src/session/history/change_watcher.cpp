@@ -1,4 +1,4 @@
-#include "session/change_watcher.h"
+#include "session/history/change_watcher.h"
 
 #include "core/component_error.h"
 #include "database/database_errors.h"

@@ -8,7 +8,7 @@
 // read by number, so that none is missed.
 
 #include "database/database.h"
-#include "session/node_history.h"
+#include "session/nodes/node_history.h"
 
 #include <sys/types.h>
 #include <chrono>

@@ -1,14 +1,14 @@
-#include "session/node_restore.h"
+#include "session/history/node_restore.h"
 
 #include "core/component_error.h"
 #include "core/node_types.h"
 #include "database/database.h"
 #include "database/schema_model.h"
-#include "session/load_helpers.h"
-#include "session/modification_time.h"
-#include "session/node_templates.h"
-#include "session/stored_state.h"
-#include "session/transaction_scope.h"
+#include "session/nodes/stored_values.h"
+#include "session/nodes/modification_time.h"
+#include "session/nodes/node_templates.h"
+#include "session/nodes/stored_state.h"
+#include "session/nodes/transaction_scope.h"
 
 #include <algorithm>
 #include <set>

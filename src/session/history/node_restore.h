@@ -4,7 +4,7 @@
 // (or before) one entry, as a new change of kind "restored", in one
 // transaction.
 
-#include "session/node_history.h"
+#include "session/nodes/node_history.h"
 
 #include <string>
 #include <vector>

@@ -1,14 +1,14 @@
-#include "session/apply_nodes.h"
+#include "session/nodes/apply_nodes.h"
 
 #include "core/node_types.h"
 #include "database/database.h"
-#include "form/text_validator.h"
-#include "session/load_helpers.h"
-#include "session/node_templates.h"
-#include "session/node_text_store.h"
-#include "session/partition_targets.h"
-#include "session/stored_state.h"
-#include "session/transaction_scope.h"
+#include "core/text_validator.h"
+#include "session/nodes/stored_values.h"
+#include "session/nodes/node_templates.h"
+#include "session/nodes/node_text_store.h"
+#include "session/nodes/partition_targets.h"
+#include "session/nodes/stored_state.h"
+#include "session/nodes/transaction_scope.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,10 +1,10 @@
 // The directory check of a stored dial-by-name node.
-#include "session/directory_check.h"
+#include "session/nodes/directory_check.h"
 #include "core/node_types.h"
 
 #include "core/component_error.h"
 #include "database/database.h"
-#include "session/load_helpers.h"
+#include "session/nodes/stored_values.h"
 
 #include <algorithm>
 #include <optional>

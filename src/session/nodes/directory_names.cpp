@@ -1,7 +1,7 @@
 // Reading the names of a directory node for the directory check.
 #include "core/component_error.h"
-#include "session/directory_check.h"
-#include "session/load_helpers.h"
+#include "session/nodes/directory_check.h"
+#include "session/nodes/stored_values.h"
 
 namespace dbn::session {
 

@@ -1,4 +1,4 @@
-#include "session/modification_time.h"
+#include "session/nodes/modification_time.h"
 
 #include <array>
 

@@ -1,11 +1,11 @@
-#include "session/node_history.h"
+#include "session/nodes/node_history.h"
 
 #include "core/node_types.h"
 #include "database/database.h"
 #include "database/schema_model.h"
 #include "nodestate/state_diff.h"
-#include "session/load_helpers.h"
-#include "session/stored_state.h"
+#include "session/nodes/stored_values.h"
+#include "session/nodes/stored_state.h"
 
 #include <pwd.h>
 #include <unistd.h>

@@ -1,12 +1,11 @@
-#include "session/node_list.h"
+#include "session/nodes/node_list.h"
 
 #include "core/component_error.h"
 #include "core/node_types.h"
 #include "database/database.h"
-#include "session/load_helpers.h"
-#include "session/node_templates.h"
-#include "session/read_ahead.h"
-#include "session/transaction_scope.h"
+#include "session/nodes/stored_values.h"
+#include "session/nodes/node_templates.h"
+#include "session/nodes/transaction_scope.h"
 
 #include <algorithm>
 #include <cctype>

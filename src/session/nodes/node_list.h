@@ -3,7 +3,7 @@
 // toolkit. It reads the dial-by-name nodes of a partition with the counts of
 // their missing targets, and creates a new node from the type's template.
 
-#include "session/directory_check.h"
+#include "session/nodes/directory_check.h"
 
 #include <compare>
 #include <cstdint>

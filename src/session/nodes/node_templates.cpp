@@ -1,10 +1,10 @@
-#include "session/node_templates.h"
-#include "session/node_history.h"
+#include "session/nodes/node_templates.h"
+#include "session/nodes/node_history.h"
 
 #include "core/component_error.h"
 #include "core/node_types.h"
 #include "database/database.h"
-#include "session/modification_time.h"
+#include "session/nodes/modification_time.h"
 
 #include <array>
 #include <charconv>

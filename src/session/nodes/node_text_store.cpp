@@ -1,11 +1,11 @@
-#include "session/node_text_store.h"
+#include "session/nodes/node_text_store.h"
 
 #include "core/component_error.h"
 #include "core/node_types.h"
 #include "database/database.h"
 #include "nodetext/text_form.h"
-#include "session/load_helpers.h"
-#include "session/modification_time.h"
+#include "session/nodes/stored_values.h"
+#include "session/nodes/modification_time.h"
 
 #include <algorithm>
 #include <cmath>

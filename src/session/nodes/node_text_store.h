@@ -4,7 +4,7 @@
 
 #include "database/database.h"
 #include "nodetext/node_text.h"
-#include "session/node_history.h"
+#include "session/nodes/node_history.h"
 
 #include <cstdint>
 #include <map>

@@ -1,8 +1,8 @@
-#include "session/partition_targets.h"
+#include "session/nodes/partition_targets.h"
 
 #include "core/node_types.h"
 #include "database/database.h"
-#include "session/load_helpers.h"
+#include "session/nodes/stored_values.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,15 +1,10 @@
 #pragma once
 
-// Small pieces shared by the session's loading operations: reading stored
-// references, describing targets, filling list-view rows and picking list
-// entries by stored values. Internal to the session layer.
+// Small pieces shared by the session's operations on stored values: reading
+// stored references, describing targets, command arguments and numbers as
+// stored. Internal to the session layer.
 
 #include "database/row_set.h"
-#include "form/controls/list_control.h"
-#include "form/controls/list_view.h"
-#include "form/form_services.h"
-#include "form/keyed_collection.h"
-#include "form/list_rows.h"
 
 #include <cstdint>
 #include <functional>
@@ -61,28 +56,6 @@ private:
     std::map<std::pair<std::int16_t, std::int16_t>, std::string> read_;
 };
 
-// Adds row `position` (key "<position>a", text "<position>") with its six
-// cells: name, target, description, type name, type ID, number.
-// The cells of such a row, kept apart from any list.
-form::list_rows::RowCells TargetCells(const std::string& name, const StoredRef& ref,
-                                      const std::string& description,
-                                      const form::KeyedCollection& nodeNames);
-void AddTargetRow(form::ListView& list, int position, const std::string& name, const StoredRef& ref,
-                  const std::string& description, const form::KeyedCollection& nodeNames);
-
-// A list entry's text read as a whole number (error 13 when it is none).
-std::int32_t EntryNumberOrRaise(const form::ListControl& list, int index);
-
-// Selects index value - 1 when value lies between the list's first and last
-// entries (compared as numbers), else `fallback` (-1: nothing when the list
-// is empty, else index 0). False when a non-empty list fell back.
-bool SelectByEntryRange(form::ListControl& list, std::int32_t value, int fallback);
-
-// Selects index value - 1 when value lies in low..high, else `fallback`;
-// false when it fell back.
-bool SelectInRange(form::ListControl& list, std::int32_t value, std::int32_t low, std::int32_t high,
-                   int fallback);
-
 // The text with ASCII letters in lower case (a column name as either engine
 // spells it).
 std::string LowerCase(std::string_view text);
@@ -91,9 +64,6 @@ std::string LowerCase(std::string_view text);
 // with (values beyond it lie outside every list's range all the same).
 std::int32_t Clamped(std::int64_t value);
 
-// Adds an entry and sets its tag on the entry just added.
-void AddEntry(form::ListControl& list, const std::string& text, std::int32_t tag = 0);
-
 // Decimal text of a 16-bit value, as every command argument is passed.
 inline std::string CommandArg(std::int32_t value) {
     return std::to_string(value);
@@ -101,20 +71,6 @@ inline std::string CommandArg(std::int32_t value) {
 
 // The text composed when a stored target's type is not available.
 std::string MaxNumberWarning(const std::string& code);
-
-// Shows the busy cursor for its lifetime; restores it on every path.
-class BusyCursor {
-public:
-    explicit BusyCursor(form::FormServices& services) : services_(services) {
-        services_.SetBusyCursor(true);
-    }
-    ~BusyCursor() { services_.SetBusyCursor(false); }
-    BusyCursor(const BusyCursor&) = delete;
-    BusyCursor& operator=(const BusyCursor&) = delete;
-
-private:
-    form::FormServices& services_;
-};
 
 // Closes a row set when the scope ends, whatever the path, so that an
 // operation that stops on an error does not leave its command unusable.
