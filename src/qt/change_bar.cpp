@@ -6,8 +6,8 @@
 #include "qt/form_view.h"
 #include "qt/live_watch.h"
 #include "session/editor/business_rules.h"
-#include "session/history/change_watcher.h"
 #include "session/editor/editor_changes.h"
+#include "session/history/change_watcher.h"
 
 #include <QApplication>
 #include <QHBoxLayout>

@@ -7,9 +7,9 @@
 
 #include "database/configuration_copy.h"
 #include "network_relay.h"
+#include "session/history/node_restore.h"
 #include "session/nodes/apply_nodes.h"
 #include "session/nodes/node_history.h"
-#include "session/history/node_restore.h"
 #include "session/nodes/node_text_store.h"
 #include "session/session_support.h"
 

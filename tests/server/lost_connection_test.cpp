@@ -8,8 +8,8 @@
 #include "database/database_setup.h"
 #include "error_of.h"
 #include "network_relay.h"
-#include "session/nodes/apply_nodes.h"
 #include "session/history/change_watcher.h"
+#include "session/nodes/apply_nodes.h"
 #include "session/nodes/node_text_store.h"
 #include "test_server.h"
 

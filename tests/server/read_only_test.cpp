@@ -5,8 +5,8 @@
 
 #include "database/configuration_copy.h"
 #include "error_of.h"
-#include "session/nodes/apply_nodes.h"
 #include "session/history/node_restore.h"
+#include "session/nodes/apply_nodes.h"
 #include "session/nodes/node_text_store.h"
 #include "session/session_support.h"
 

@@ -9,8 +9,8 @@
 #include "error_of.h"
 #include "nodestate/state_diff.h"
 #include "session/history/change_watcher.h"
-#include "session/nodes/node_history.h"
 #include "session/history/node_restore.h"
+#include "session/nodes/node_history.h"
 
 #include <poll.h>
 

@@ -6,9 +6,9 @@
 #include "database/database_target.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
-#include "session/nodes/stored_values.h"
-#include "session/nodes/node_templates.h"
 #include "session/editor/read_ahead.h"
+#include "session/nodes/node_templates.h"
+#include "session/nodes/stored_values.h"
 
 #include <optional>
 #include <string>

@@ -3,9 +3,9 @@
 #include "form/gui.h"
 #include "form/list_rows.h"
 #include "session/editor/caller_simulation.h"
-#include "session/nodes/directory_check.h"
 #include "session/editor/form_references.h"
 #include "session/editor/form_values.h"
+#include "session/nodes/directory_check.h"
 
 #include <string>
 

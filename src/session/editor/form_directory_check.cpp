@@ -3,8 +3,8 @@
 // digits or mode before saving.
 #include "form/gui.h"
 #include "session/editor/business_rules.h"
-#include "session/nodes/directory_check.h"
 #include "session/editor/form_values.h"
+#include "session/nodes/directory_check.h"
 
 namespace dbn::session {
 

@@ -9,9 +9,9 @@
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "session/editor/form_lists.h"
-#include "session/nodes/node_templates.h"
 #include "session/editor/read_ahead.h"
 #include "session/editor/saved_fields.h"
+#include "session/nodes/node_templates.h"
 #include "session/nodes/stored_state.h"
 
 #include <array>

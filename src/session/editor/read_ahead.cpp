@@ -2,8 +2,8 @@
 
 #include "core/component_error.h"
 #include "core/node_types.h"
-#include "session/nodes/stored_values.h"
 #include "session/nodes/node_templates.h"
+#include "session/nodes/stored_values.h"
 
 namespace dbn::session {
 namespace {

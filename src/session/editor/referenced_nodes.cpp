@@ -11,8 +11,8 @@
 #include "session/editor/business_rules.h"
 #include "session/editor/confirmation_dialog.h"
 #include "session/editor/form_references.h"
-#include "session/nodes/node_templates.h"
 #include "session/editor/read_ahead.h"
+#include "session/nodes/node_templates.h"
 #include "session/nodes/transaction_scope.h"
 
 #include <algorithm>

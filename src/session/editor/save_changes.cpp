@@ -7,11 +7,11 @@
 #include "form/error_trap.h"
 #include "form/gui.h"
 #include "session/editor/business_rules.h"
-#include "session/editor/form_references.h"
 #include "session/editor/form_lists.h"
+#include "session/editor/form_references.h"
+#include "session/editor/saved_fields.h"
 #include "session/nodes/modification_time.h"
 #include "session/nodes/node_history.h"
-#include "session/editor/saved_fields.h"
 #include "session/nodes/stored_state.h"
 #include "session/nodes/transaction_scope.h"
 

@@ -4,10 +4,10 @@
 #include "core/node_types.h"
 #include "database/database.h"
 #include "database/schema_model.h"
-#include "session/nodes/stored_values.h"
 #include "session/nodes/modification_time.h"
 #include "session/nodes/node_templates.h"
 #include "session/nodes/stored_state.h"
+#include "session/nodes/stored_values.h"
 #include "session/nodes/transaction_scope.h"
 
 #include <algorithm>

@@ -1,13 +1,13 @@
 #include "session/nodes/apply_nodes.h"
 
 #include "core/node_types.h"
-#include "database/database.h"
 #include "core/text_validator.h"
-#include "session/nodes/stored_values.h"
+#include "database/database.h"
 #include "session/nodes/node_templates.h"
 #include "session/nodes/node_text_store.h"
 #include "session/nodes/partition_targets.h"
 #include "session/nodes/stored_state.h"
+#include "session/nodes/stored_values.h"
 #include "session/nodes/transaction_scope.h"
 
 #include <algorithm>

@@ -4,8 +4,8 @@
 #include "database/database.h"
 #include "database/schema_model.h"
 #include "nodestate/state_diff.h"
-#include "session/nodes/stored_values.h"
 #include "session/nodes/stored_state.h"
+#include "session/nodes/stored_values.h"
 
 #include <pwd.h>
 #include <unistd.h>

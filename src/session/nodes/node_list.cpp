@@ -3,8 +3,8 @@
 #include "core/component_error.h"
 #include "core/node_types.h"
 #include "database/database.h"
-#include "session/nodes/stored_values.h"
 #include "session/nodes/node_templates.h"
+#include "session/nodes/stored_values.h"
 #include "session/nodes/transaction_scope.h"
 
 #include <algorithm>

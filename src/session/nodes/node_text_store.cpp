@@ -4,8 +4,8 @@
 #include "core/node_types.h"
 #include "database/database.h"
 #include "nodetext/text_form.h"
-#include "session/nodes/stored_values.h"
 #include "session/nodes/modification_time.h"
+#include "session/nodes/stored_values.h"
 
 #include <algorithm>
 #include <cmath>

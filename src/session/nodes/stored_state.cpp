@@ -1,8 +1,8 @@
 #include "session/nodes/stored_state.h"
 
 #include "core/node_types.h"
-#include "session/nodes/stored_values.h"
 #include "session/nodes/node_history.h"
+#include "session/nodes/stored_values.h"
 
 namespace dbn::session {
 
