@@ -118,9 +118,11 @@ QWidget* InputBeside(const std::vector<const ControlBinding*>& bindings,
 }
 
 // Letters for the labels with a field, then OK, Cancel and Apply, then the
-// other captions, then the other buttons; answers the other captions marked.
+// other captions, then the other buttons, then the last captions; answers
+// the other and the last captions marked.
 std::vector<QString> GiveMnemonics(const std::vector<const ControlBinding*>& byTab,
-                                   const std::vector<std::string>& otherCaptions) {
+                                   const std::vector<std::string>& otherCaptions,
+                                   const std::vector<std::string>& lastCaptions) {
     struct Owner {
         std::string caption;
         ControlBinding* binding;  // nullptr: one of the other captions
@@ -147,6 +149,9 @@ std::vector<QString> GiveMnemonics(const std::vector<const ControlBinding*>& byT
         owners.push_back({caption, nullptr});
     }
     owners.insert(owners.end(), buttons.begin(), buttons.end());
+    for (const std::string& caption : lastCaptions) {
+        owners.push_back({caption, nullptr});
+    }
     std::vector<std::string> captions;
     for (const Owner& owner : owners) {
         captions.push_back(owner.caption);
@@ -168,7 +173,8 @@ std::vector<QString> GiveMnemonics(const std::vector<const ControlBinding*>& byT
 }  // namespace
 
 std::vector<QString> NameControls(const std::vector<std::unique_ptr<ControlBinding>>& bindings,
-                                  const std::vector<std::string>& otherCaptions) {
+                                  const std::vector<std::string>& otherCaptions,
+                                  const std::vector<std::string>& lastCaptions) {
     std::vector<const ControlBinding*> byTab;
     for (const auto& binding : bindings) {
         byTab.push_back(binding.get());
@@ -226,7 +232,7 @@ std::vector<QString> NameControls(const std::vector<std::unique_ptr<ControlBindi
         }
         widget->setAccessibleName(name.isEmpty() ? NameInWords(control.Name()) : name);
     }
-    return GiveMnemonics(byTab, otherCaptions);
+    return GiveMnemonics(byTab, otherCaptions, lastCaptions);
 }
 
 }  // namespace dbn::qt

@@ -19,10 +19,12 @@ namespace dbn::qt {
 //   of a combo box as its combo box; a control without such a name by its
 //   label, frame caption or caption, else by its control name in words;
 // - every label with a field and every button with a caption gets a
-//   mnemonic letter unique in the window, shared with `otherCaptions` (the
-//   window's captions outside the form), whose marked texts are answered
-//   in their order.
+//   mnemonic letter unique in the window, shared with the window's captions
+//   outside the form: `otherCaptions` before the form's buttons other than
+//   OK, Cancel and Apply, `lastCaptions` after them. Their marked texts are
+//   answered in that order.
 std::vector<QString> NameControls(const std::vector<std::unique_ptr<ControlBinding>>& bindings,
-                                  const std::vector<std::string>& otherCaptions);
+                                  const std::vector<std::string>& otherCaptions,
+                                  const std::vector<std::string>& lastCaptions);
 
 }  // namespace dbn::qt

@@ -59,6 +59,16 @@ bool IsCommitButton(const form::GUI& form, const form::Control& control) {
 FormView::FormView(form::GUI& form, QWidget* parent)
     : QDialog(parent), form_(form), scale_(ScreenDpi()) {
     NameComboBoxesByField();
+    // Before Apply's widget follows the control: Apply disabled under the
+    // focus (by a save, or one that had nothing to write) hands the focus
+    // back to the operator's control rather than on to the next one.
+    applyObserver_ = form.cmdApply.Observe([this](form::Control&, form::ChangeAspect aspect) {
+        QWidget* apply = WidgetOf(form_.cmdApply.Name());
+        if (aspect == form::ChangeAspect::State && !form_.cmdApply.Enabled() && apply != nullptr &&
+            focusWidget() == apply) {
+            RestoreFormFocus();
+        }
+    });
     setWindowTitle(QString::fromStdString(form.Title()));
     setFont(FormFont());
     setSizeGripEnabled(true);
@@ -77,10 +87,14 @@ FormView::FormView(form::GUI& form, QWidget* parent)
     layout->addWidget(strip_);
     Build();
     BuildButtonStrip();
-    const std::vector<std::string> barCaptions{ChangeBar::kShowChanges, ChangeBar::kReload};
-    const std::vector<QString> marked = NameControls(bindings_, barCaptions);
-    for (std::size_t i = 0; i < barCaptions.size(); ++i) {
-        otherMnemonics_[barCaptions[i]] = marked[i];
+    // The captions outside the form: the bar's buttons, and last (F7 and F8
+    // open them too) the two tools'.
+    std::vector<std::string> captions{ChangeBar::kShowChanges, ChangeBar::kReload};
+    const std::vector<std::string> tools{DirectoryCheckWindow::kTitle, TryAsCallerWindow::kTitle};
+    const std::vector<QString> marked = NameControls(bindings_, captions, tools);
+    captions.insert(captions.end(), tools.begin(), tools.end());
+    for (std::size_t i = 0; i < captions.size(); ++i) {
+        otherMnemonics_[captions[i]] = marked[i];
     }
     StackBySize();
     SetTabOrder();
@@ -108,6 +122,7 @@ FormView::FormView(form::GUI& form, QWidget* parent)
 FormView::~FormView() {
     form_.Unobserve(formObserver_);
     form_.Frame1.Unobserve(frame1Observer_);
+    form_.cmdApply.Unobserve(applyObserver_);
     // The bindings go first, while their widgets still exist.
     bindings_.clear();
 }

@@ -40,8 +40,8 @@ public:
         return qobject_cast<Widget*>(WidgetOf(name));
     }
 
-    // A caption of the window outside the form (the bar's buttons) with
-    // its mnemonic, chosen with the form's.
+    // A caption of the window outside the form (the bar's buttons and the
+    // tools' beside OK) with its mnemonic, chosen with the form's.
     QString MnemonicText(const std::string& caption) const;
     // Places a bar in its own row between the form and the buttons; the bar
     // shows and hides itself, calling FitToScreen after each.
@@ -75,6 +75,7 @@ private:
     std::map<const form::Control*, QWidget*> widgets_;
     int formObserver_ = 0;
     int frame1Observer_ = 0;
+    int applyObserver_ = 0;
     QScrollArea* scroll_ = nullptr;
     QWidget* content_ = nullptr;  // the form's client area, in the scroll area
     // The strip below the form: its plane holds OK, Cancel, Apply and the

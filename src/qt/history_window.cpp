@@ -21,8 +21,12 @@ QString Text(const std::string& text) {
 }
 
 // The changed fields' names as the details pane names them ("Valid Match"
-// for a reference's three columns), for the entries' list.
+// for a reference's three columns), for the entries' list; for an entry that
+// cannot be read, why.
 QString Summary(const session::HistoryEntry& entry) {
+    if (!entry.damage.empty()) {
+        return Text(entry.damage);
+    }
     QStringList fields;
     for (const std::string& line : entry.changeLines) {
         const QString name = Text(line.substr(0, line.find(": ")));
@@ -110,6 +114,9 @@ void HistoryWindow::ShowSelected() {
         QStringLiteral("Entry %1, %2 by %3 with %4")
             .arg(entry.entry)
             .arg(Text(entry.kind), Text(session::WhoText(entry)), Text(entry.program))};
+    if (!entry.damage.empty()) {
+        lines << Text(entry.damage);
+    }
     for (const std::string& line : entry.changeLines) {
         lines << Text(line);
     }
@@ -122,7 +129,9 @@ bool HistoryWindow::RestoreSelected(bool answerYes) {
         return false;
     }
     const long entry = entries_[static_cast<std::size_t>(row)].entry;
-    if (!answerYes &&
+    // An entry that cannot be read is refused with its reason, unasked.
+    const bool damaged = !entries_[static_cast<std::size_t>(row)].damage.empty();
+    if (!answerYes && !damaged &&
         QMessageBox::question(this, QStringLiteral("Confirmation"),
                               QStringLiteral("Restore DBN %1 to the state after entry %2?")
                                   .arg(key_.number)

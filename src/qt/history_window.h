@@ -21,7 +21,8 @@ namespace dbn::qt {
 // and the changed fields as the details name them), newest first, and the
 // field-by-field changes of the selected one. "Restore this version" writes
 // back the state after the selected entry, after asking (No by default);
-// Enter presses no button.
+// Enter presses no button. An entry that cannot be read shows why in place
+// of its changes, and its restore is refused with that reason.
 class HistoryWindow : public QDialog {
 public:
     HistoryWindow(DataBase& db, session::NodeKey key, QWidget* parent = nullptr);

@@ -276,26 +276,27 @@ void InstallCallerTools(FormView& view) {
     const int width = (form.cmdApply.Left() + form.cmdApply.Width() - left - gap) / 2;
     struct Tool {
         const char* caption;
-        const char* name;
         const char* tip;
         std::function<void()> run;
     };
-    const Tool tools[] = {{"Directory Chec&k", "Directory Check", "Who callers can reach (F7)",
+    const Tool tools[] = {{DirectoryCheckWindow::kTitle, "Who callers can reach (F7)",
                            [&view] { ShowDirectoryCheck(view); }},
-                          {"Tr&y as Caller", "Try as Caller", "Dial this node as a caller (F8)",
+                          {TryAsCallerWindow::kTitle, "Dial this node as a caller (F8)",
                            [&view] { ShowTryAsCaller(view); }}};
-    // Out of the form's tab order, which holds the form's own controls: the
-    // keyboard reaches them by their mnemonics, F7 and F8.
+    // In the tab order after the form's controls, before OK; their mnemonics
+    // are chosen with the window's, and F7 and F8 open them too.
+    QWidget* previous = ok->previousInFocusChain();
     for (int i = 0; i < 2; ++i) {
         const Tool& tool = tools[i];
-        auto* button = new QPushButton(QString::fromUtf8(tool.caption), ok->parentWidget());
-        button->setObjectName(QString::fromUtf8(tool.name));
-        button->setAccessibleName(QString::fromUtf8(tool.name));
+        auto* button = new QPushButton(view.MnemonicText(tool.caption), ok->parentWidget());
+        button->setObjectName(QString::fromUtf8(tool.caption));
+        button->setAccessibleName(QString::fromUtf8(tool.caption));
         button->setToolTip(QString::fromUtf8(tool.tip));
         button->setAutoDefault(false);
-        button->setFocusPolicy(Qt::NoFocus);
         button->setGeometry(
             view.Scale().ToPixels(form::Rect{left + i * (width + gap), top, width, height}));
+        QWidget::setTabOrder(previous, button);
+        previous = button;
         QObject::connect(button, &QPushButton::clicked, &view, tool.run);
         button->show();
     }

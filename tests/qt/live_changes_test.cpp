@@ -132,6 +132,31 @@ TEST_F(LiveChanges, HistoryWindowListsEntriesAndRestoresOne) {
               "Front desk");
 }
 
+// An entry that cannot be read says why, in the list and the details, and
+// restoring it is refused with that reason, without the question.
+TEST_F(LiveChanges, HistoryWindowNamesADamagedEntryAndRefusesItsRestore) {
+    SaveElsewhere(1, 1, "Front desk");
+    DataBase db;
+    const std::string entry = std::to_string(session::LastHistoryEntry(db));
+    root.Exec("UPDATE Node_History SET Changes = '[{oops' WHERE EntryID = " + entry);
+    qt::HistoryWindow history(db, {1, 1, 15, 1});
+    const QString why = QString::fromStdString("entry " + entry +
+                                               " cannot be read: its list of changes is not valid");
+    EXPECT_EQ(history.findChild<QTableWidget*>(QStringLiteral("entries"))->item(0, 3)->text(), why);
+    EXPECT_TRUE(history.ChangesText().contains(why)) << history.ChangesText().toStdString();
+    std::vector<QString> told;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            told.push_back(box->text());
+            box->reject();
+        }
+    });
+    watch.start(0);
+    EXPECT_FALSE(history.RestoreSelected());
+    EXPECT_EQ(told, std::vector<QString>{"History " + why + ". Nothing was restored."});
+}
+
 QRect OnScreen(const QWidget& widget) {
     return QRect(widget.mapToGlobal(QPoint(0, 0)), widget.size());
 }
@@ -200,7 +225,9 @@ TEST_F(LiveChanges, TheBarGoesOnceTheSaveOverQuestionShowsTheStoredNode) {
             auto* bar = view.findChild<qt::ChangeBar*>(QStringLiteral("changeBar"));
             SaveElsewhere(1, 1, "Theirs " + answer.toStdString());
             ASSERT_TRUE(WithinTwoSeconds([&] { return !bar->Text().isEmpty(); }));
-            TypeKeys(*view.WidgetAs<QLineEdit>("txtDescription"), QStringLiteral("Mine"));
+            // A label of this round's own: one the node already had would
+            // leave nothing to save.
+            TypeKeys(*view.WidgetAs<QLineEdit>("txtDescription"), "Mine " + answer);
             gui.cmdApply_Click();
             EXPECT_EQ(bar->isHidden(), answer != "Cancel") << answer.toStdString();
             gui.DiscardChangesAndUnload();

@@ -82,8 +82,9 @@ TEST_F(EditorWindowTest, KeypadAndKeyboardDriveTheCallAndAChangeStartsItAgain) {
             }
         }
         EXPECT_EQ(names.size(), 16u);
-        EXPECT_EQ(Button(view, "Try as Caller").text(), "Tr&y as Caller");
-        EXPECT_EQ(Button(view, "Directory Check").text(), "Directory Chec&k");
+        // (The window's captions leave them no letter: F7 and F8 open them.)
+        EXPECT_EQ(Button(view, "Try as Caller").text(), "Try as Caller");
+        EXPECT_EQ(Button(view, "Directory Check").text(), "Directory Check");
     });
     EXPECT_TRUE(unexpectedBoxes.empty());
 }

@@ -42,15 +42,38 @@ void Press(QWidget& widget, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::N
     QApplication::sendEvent(&widget, &press);
 }
 
+// The two tool buttons beside OK, named by their captions.
+bool IsTool(const QWidget* widget) {
+    const QString name = widget != nullptr ? widget->objectName() : QString();
+    return name == "Directory Check" || name == "Try as Caller";
+}
+
+// A stop's name: its control's, or a tool's caption.
+std::string StopName(const qt::FormView& view, QWidget* widget) {
+    const form::Control* control = ControlOf(view, widget);
+    return control != nullptr ? control->Name()
+                              : (IsTool(widget) ? widget->objectName().toStdString() : "");
+}
+
+// Where a stop lies in the tab order: its control's tab index; the two
+// tools after every control of the form, before OK.
+double Rank(const qt::FormView& view, const std::string& stop) {
+    const int ok = view.Form().cmdOK.TabIndex();
+    if (stop == "Directory Check" || stop == "Try as Caller") {
+        return ok - (stop == "Directory Check" ? 0.5 : 0.25);
+    }
+    return view.Form().FindControl(stop)->TabIndex();
+}
+
 // The stops Tab (or Shift+Tab) visits from the focus, once round.
-std::vector<const form::Control*> TabStops(qt::FormView& view, bool backward) {
-    std::vector<const form::Control*> stops;
+std::vector<std::string> TabStops(qt::FormView& view, bool backward) {
+    std::vector<std::string> stops;
     for (int step = 0; step < 200; ++step) {
-        const form::Control* control = ControlOf(view, view.focusWidget());
-        if (control == nullptr || (!stops.empty() && control == stops.front())) {
+        const std::string stop = StopName(view, view.focusWidget());
+        if (stop.empty() || (!stops.empty() && stop == stops.front())) {
             break;
         }
-        stops.push_back(control);
+        stops.push_back(stop);
         Press(*view.focusWidget(), backward ? Qt::Key_Backtab : Qt::Key_Tab,
               backward ? Qt::ShiftModifier : Qt::NoModifier);
     }
@@ -61,33 +84,40 @@ TEST_F(EditorWindowTest, TabVisitsTheShownEnabledControlsInTheFormsOrder) {
     for (const std::int16_t node : {kCustomNode, kDefaultLastName}) {
         Open(node, [&](form::GUI& form, qt::FormView& view) {
             ASSERT_EQ(ControlOf(view, view.focusWidget()), &form.txtDescription) << node;
-            const std::vector<const form::Control*> forward = TabStops(view, false);
+            const std::vector<std::string> forward = TabStops(view, false);
             ASSERT_GT(forward.size(), 10u) << node;
-            for (std::size_t i = 0; i < forward.size(); ++i) {
-                const form::Control& stop = *forward[i];
-                QWidget* widget = view.WidgetOf(stop.Name());
-                EXPECT_TRUE(widget->isVisible() && widget->isEnabled()) << stop.Name();
-                EXPECT_NE(stop.Name(), "txtDIR");
-                EXPECT_FALSE(widget->accessibleName().isEmpty()) << stop.Name();
-                EXPECT_FALSE(node == kDefaultLastName && (Inside(stop, "fraCustomSettings") ||
-                                                          Inside(stop, "fraErrorSettings")))
-                    << stop.Name();
+            for (const std::string& stop : forward) {
+                const form::Control* control = form.FindControl(stop);
+                QWidget* widget = control != nullptr
+                                      ? view.WidgetOf(stop)
+                                      : view.findChild<QWidget*>(QString::fromStdString(stop));
+                EXPECT_TRUE(widget->isVisible() && widget->isEnabled()) << stop;
+                EXPECT_NE(stop, "txtDIR");
+                EXPECT_FALSE(widget->accessibleName().isEmpty()) << stop;
+                EXPECT_FALSE(
+                    control != nullptr && node == kDefaultLastName &&
+                    (Inside(*control, "fraCustomSettings") || Inside(*control, "fraErrorSettings")))
+                    << stop;
             }
-            // Round from the first stop of the form, the tab indexes ascend.
-            std::vector<const form::Control*> round = forward;
+            // Round from the first stop of the form, the ranks ascend; both
+            // tools are stops.
+            std::vector<std::string> round = forward;
             std::rotate(round.begin(),
                         std::min_element(round.begin(), round.end(),
-                                         [](const auto* a, const auto* b) {
-                                             return a->TabIndex() < b->TabIndex();
+                                         [&](const auto& a, const auto& b) {
+                                             return Rank(view, a) < Rank(view, b);
                                          }),
                         round.end());
             for (std::size_t i = 1; i < round.size(); ++i) {
-                EXPECT_LT(round[i - 1]->TabIndex(), round[i]->TabIndex()) << round[i]->Name();
+                EXPECT_LT(Rank(view, round[i - 1]), Rank(view, round[i])) << round[i];
+            }
+            for (const char* tool : {"Directory Check", "Try as Caller"}) {
+                EXPECT_EQ(std::count(round.begin(), round.end(), tool), 1) << tool;
             }
             EXPECT_EQ(view.WidgetOf("txtDescription")->accessibleName(), "Label");
             EXPECT_EQ(view.WidgetOf("cmbGreetingNode")->accessibleName(), "Greeting type");
             // Shift+Tab walks the same stops the other way round.
-            std::vector<const form::Control*> backward = TabStops(view, true);
+            std::vector<std::string> backward = TabStops(view, true);
             ASSERT_FALSE(backward.empty());
             std::reverse(backward.begin() + 1, backward.end());
             EXPECT_EQ(backward, forward) << node;
@@ -112,9 +142,9 @@ TEST_F(EditorWindowTest, KeysNeverReachTheSectionOutOfView) {
         EXPECT_FALSE(view.WidgetOf("fraCustomSettings")->isVisible());
         for (int round = 0; round < 40; ++round) {
             Press(*view.focusWidget(), Qt::Key_Tab);
-            const form::Control* reached = ControlOf(view, view.focusWidget());
-            ASSERT_NE(reached, nullptr);
-            EXPECT_EQ(hidden.count(reached->Name()), 0u) << reached->Name();
+            const std::string reached = StopName(view, view.focusWidget());
+            ASSERT_FALSE(reached.empty());
+            EXPECT_EQ(hidden.count(reached), 0u) << reached;
             Press(*view.focusWidget(), Qt::Key_Down);
         }
         for (const auto& [name, text] : hidden) {

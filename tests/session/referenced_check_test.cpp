@@ -49,6 +49,25 @@ TEST_F(ReferencedCheck, GathersInOrderOnceEachAndSkipsTypesWithoutNodes) {
     EXPECT_TRUE(services.boxes.empty());
 }
 
+// The check looks at what the save writes: a target the operator did not
+// change as stored (shown through a fallback), one changed as shown.
+TEST_F(ReferencedCheck, UnchangedTargetsAreCheckedAsStored) {
+    SetNode(1, 2, "GreetingNodeNumber = 500, DirectoryNodeNumber = 500");
+    Open(1, 2, [&](form::GUI& gui) {
+        ASSERT_EQ(gui.cmbDirectory.Text(), "1");
+        Set(gui, "txtDescription=Sales desk");
+        Rules(gui).CheckForUnReferencedNodes();
+        std::vector<std::string> gathered = Required(gui);
+        gathered.resize(2);
+        EXPECT_EQ(gathered, (std::vector<std::string>{"MSG 500|0|500", "DIR 500|16|500"}));
+        Set(gui, "cmbGreetingNumber=3; cmbDirectory=2");
+        Rules(gui).CheckForUnReferencedNodes();
+        gathered = Required(gui);
+        gathered.resize(2);
+        EXPECT_EQ(gathered, (std::vector<std::string>{"MSG 3|0|3", "DIR 2|16|2"}));
+    });
+}
+
 TEST_F(ReferencedCheck, AnswersDecideWhatIsCreatedAndWhetherToAskOn) {
     struct Case {
         std::deque<long> answers;

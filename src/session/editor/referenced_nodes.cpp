@@ -7,11 +7,10 @@
 #include "database/database_errors.h"
 #include "form/error_trap.h"
 #include "form/gui.h"
-#include "form/list_rows.h"
 #include "session/editor/business_rules.h"
 #include "session/editor/confirmation_dialog.h"
-#include "session/editor/form_references.h"
 #include "session/editor/read_ahead.h"
+#include "session/editor/saved_fields.h"
 #include "session/nodes/node_templates.h"
 #include "session/nodes/transaction_scope.h"
 
@@ -26,7 +25,6 @@ namespace dbn {
 
 namespace {
 
-constexpr const char* kDirectoryTypeID = "16";
 constexpr const char* kTemplateNumber = "0";
 
 // Copies made one after another with no word to the operator in between
@@ -166,34 +164,10 @@ void Business_Rules::CheckForUnReferencedNodes() {
         gui.lstNodeTypeID.Clear();
         gui.lstNodeNumber.Clear();
 
-        // A pair without a number refers to no node (it is stored as node 0).
-        auto gatherPair = [&](const form::ListControl& node, const form::ListControl& number) {
-            const std::string typeID = SelectedTagText(node);
-            if (!number.Text().empty()) {
-                AddNodeTolstRequired(node.Text() + " " + number.Text(), typeID, number.Text());
-            }
-        };
-        auto gatherRows = [&](const form::ListView& list) {
-            for (int position = 0; position < list.ItemCount(); ++position) {
-                const form::ListItem& row = list.ItemAt(position);
-                AddNodeTolstRequired(row.SubItem(form::list_rows::kCommandNode),
-                                     row.SubItem(form::list_rows::kNodeTypeID),
-                                     row.SubItem(form::list_rows::kNodeNumber));
-            }
-        };
-
-        gatherPair(gui.cmbGreetingNode, gui.cmbGreetingNumber);
-        AddNodeTolstRequired("DIR " + gui.cmbDirectory.Text(), kDirectoryTypeID,
-                             gui.cmbDirectory.Text());
-        gatherRows(gui.LVActions);
-        // The prompts and error targets are used by the custom method only.
-        if (gui.cmbMethod.ItemData(gui.cmbMethod.ListIndex()) == 0) {
-            gatherPair(gui.cmbFirstMatchPrompt, gui.cmbFirstMatchPromptNumber);
-            gatherPair(gui.cmbSecondMatchPrompt, gui.cmbSecondMatchPromptNumber);
-            gatherPair(gui.cmbTimeoutNode, gui.cmbTimeoutNumber);
-            gatherPair(gui.cmbInvalidNode, gui.cmbInvalidNumber);
-            gatherRows(gui.LVConfirm);
-            gatherPair(gui.cmbExitPromptNode, gui.cmbExitPromptNumber);
+        // The nodes the save will write references to: a target the
+        // operator did not change as stored, whatever the form shows for it.
+        for (session::SavedReference& ref : session::ReferencesToSave(gui)) {
+            AddNodeTolstRequired(std::move(ref.key), std::move(ref.typeID), std::move(ref.number));
         }
 
         // Whether each node and its type's template exist, asked in one

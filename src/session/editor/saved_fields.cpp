@@ -1,9 +1,11 @@
 #include "session/editor/saved_fields.h"
 
+#include "core/node_types.h"
 #include "form/gui.h"
 #include "session/nodes/stored_values.h"
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <stdexcept>
 
@@ -16,6 +18,8 @@ using Controls = std::vector<const form::Control*>;
 using List = form::ListControl form::GUI::*;
 
 constexpr int kFixedConfirmRows = 2;
+constexpr const char* kDirectoryTypeID = "16";
+const std::string kNoNumberTypeID = std::to_string(node_type::kNoNumber);
 
 // One stored field: the columns it fills, what the form shows for it (as a
 // save writes it), and the controls the operator changes it with. A field
@@ -222,6 +226,50 @@ SavedFields FieldsToSave(form::GUI& gui) {
         }
     }
     return saved;
+}
+
+std::vector<SavedReference> ReferencesToSave(form::GUI& gui) {
+    const SavedFields saved = FieldsToSave(gui);
+    std::map<std::string, std::string, std::less<>> values;
+    for (const auto* statement : {&saved.part1, &saved.part2}) {
+        values.insert(statement->begin(), statement->end());
+    }
+    std::vector<SavedReference> references;
+    auto add = [&](const StoredNodeRef& ref) {
+        // A target without a number is named by its type alone.
+        std::string key = ref.typeID == kNoNumberTypeID ? ref.type : ref.type + " " + ref.number;
+        references.push_back({std::move(key), ref.typeID, ref.number});
+    };
+    auto row = [&](const std::string& role) {
+        add({values[role + "NodeType"], values[role + "NodeNumber"], values[role + "NodeTypeID"]});
+    };
+    auto pair = [&](const std::string& role) {
+        if (values[role + "NodeNumber"] != "0") {
+            row(role);
+        }
+    };
+    pair("Greeting");
+    const std::string directory = values["DirectoryNodeNumber"];
+    references.push_back({"DIR " + directory, kDirectoryTypeID, directory});
+    for (const char* role : {"ValidMatch", "Abort", "Star", "Pound", "Zero"}) {
+        row(role);
+    }
+    if (values["Method"] != "0") {
+        return references;
+    }
+    for (const char* role : {"FirstPrompt", "SecondPrompt", "Timeout", "Invalid"}) {
+        pair(role);
+    }
+    if (values["Confirm"] == "1") {
+        row("BeforePrompt");
+        row("AfterPrompt");
+        const form::ListView& rows = ListedPrompts(gui);
+        for (int position = kFixedConfirmRows; position < rows.ItemCount(); ++position) {
+            add(RowReference(rows, position));
+        }
+    }
+    pair("ConfirmationExit");
+    return references;
 }
 
 bool FormChanged(form::GUI& gui) {

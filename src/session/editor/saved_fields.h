@@ -41,6 +41,20 @@ struct SavedFields {
 // without a selection where a tag is read, a list short of rows) raises.
 SavedFields FieldsToSave(form::GUI& gui);
 
+// A node a save refers to, as the referenced-node check names it ("MSG 5").
+struct SavedReference {
+    std::string key;
+    std::string typeID;
+    std::string number;
+};
+
+// The nodes the values of FieldsToSave refer to, in the check's order: the
+// greeting, the directory and the actions; for the custom method the prompts
+// and error targets, the confirmation rows when confirmation is on (the name
+// rows the form lists), and the exit prompt. A picker pair stored as node 0
+// refers to none.
+std::vector<SavedReference> ReferencesToSave(form::GUI& gui);
+
 // True when a save would change some stored value.
 bool FormChanged(form::GUI& gui);
 
