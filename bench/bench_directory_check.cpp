@@ -5,7 +5,7 @@
 
 #include "database/database.h"
 #include "directory/keypad_keys.h"
-#include "session/directory_check.h"
+#include "session/nodes/directory_check.h"
 
 #include <benchmark/benchmark.h>
 

@@ -13,9 +13,9 @@
 #include "database/database.h"
 #include "database/database_target.h"
 #include "qt/node_list_window.h"
-#include "session/apply_nodes.h"
-#include "session/directory_check.h"
-#include "session/node_list.h"
+#include "session/nodes/apply_nodes.h"
+#include "session/nodes/directory_check.h"
+#include "session/nodes/node_list.h"
 
 #include <QApplication>
 #include <QEvent>

@@ -7,8 +7,8 @@
 
 #include "database/database.h"
 #include "nodetext/text_form.h"
-#include "session/apply_nodes.h"
-#include "session/node_text_store.h"
+#include "session/nodes/apply_nodes.h"
+#include "session/nodes/node_text_store.h"
 
 #include <benchmark/benchmark.h>
 

@@ -10,8 +10,8 @@
 #include "qt/form_view.h"
 #include "qt/qt_form_services.h"
 #include "qt/twips.h"
-#include "session/business_rules.h"
-#include "session/component_registration.h"
+#include "session/editor/business_rules.h"
+#include "session/editor/component_registration.h"
 
 #include <QApplication>
 #include <QComboBox>

@@ -1,11 +1,10 @@
-# dbn_layer(<target> DEPS <targets...>): a static library of every .cpp in the
-# calling folder, with src/ as its include root. A folder without sources yet
-# gives an interface library, so the build works while a layer grows.
+# dbn_layer(<target> SOURCES <files...> DEPS <targets...>): a static library
+# of the listed .cpp files of the calling folder, with src/ as its include
+# root. A layer without sources yet gives an interface library.
 function(dbn_layer target)
-  cmake_parse_arguments(LAYER "" "" "DEPS" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
-  if(sources)
-    add_library(${target} STATIC ${sources})
+  cmake_parse_arguments(LAYER "" "" "SOURCES;DEPS" ${ARGN})
+  if(LAYER_SOURCES)
+    add_library(${target} STATIC ${LAYER_SOURCES})
     target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/src)
     target_link_libraries(${target} PUBLIC ${LAYER_DEPS})
   else()

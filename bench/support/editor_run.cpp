@@ -1,7 +1,7 @@
 #include "support/editor_run.h"
 
-#include "form/text_validator.h"
-#include "session/component_registration.h"
+#include "core/text_validator.h"
+#include "session/editor/component_registration.h"
 
 #include <stdexcept>
 

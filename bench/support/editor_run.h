@@ -6,7 +6,7 @@
 #include "fake_services.h"
 
 #include "form/gui.h"
-#include "session/business_rules.h"
+#include "session/editor/business_rules.h"
 #include "support/statement_trace.h"
 
 #include <chrono>

@@ -2,7 +2,7 @@
 
 #include "support/bench_data.h"
 
-#include "session/node_text_store.h"
+#include "session/nodes/node_text_store.h"
 
 #include <string>
 

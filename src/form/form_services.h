@@ -39,7 +39,7 @@ public:
     // long); hosts without room for them drop them.
     virtual void SetNextBoxDetails(const std::string& details) { (void)details; }
     // Asks whether to create a missing node: "Yes" (2), "Yes to All" (4),
-    // "No" (7), "Cancel" (5); closing the dialog answers 5.
+    // "No" (7), "No to All" (5), "Cancel" (3); closing the dialog answers 3.
     virtual long Confirm(const std::string& text, const std::string& title) = 0;
     // Shows or ends the busy cursor.
     virtual void SetBusyCursor(bool busy) = 0;

@@ -5,9 +5,9 @@
 #include "form/gui.h"
 
 #include "core/component_factory.h"
+#include "core/text_validator.h"
 #include "form/controls/text_rules.h"
 #include "form/list_rows.h"
-#include "form/text_validator.h"
 
 #include <cctype>
 #include <cstdint>

@@ -5,8 +5,8 @@
 #include "form/gui.h"
 
 #include "core/component_error.h"
+#include "core/text_validator.h"
 #include "form/error_trap.h"
-#include "form/text_validator.h"
 
 #include <algorithm>
 #include <utility>

@@ -4,7 +4,7 @@
 #include "database/database.h"
 #include "host/host_command.h"
 #include "nodetext/text_form.h"
-#include "session/apply_nodes.h"
+#include "session/nodes/apply_nodes.h"
 
 #include <array>
 #include <filesystem>

@@ -9,8 +9,8 @@
 #include "qt/missing_database_offer.h"
 #include "qt/node_list_window.h"
 #include "qt/qt_form_services.h"
-#include "session/business_rules.h"
-#include "session/component_registration.h"
+#include "session/editor/business_rules.h"
+#include "session/editor/component_registration.h"
 
 #include <filesystem>
 #include <iostream>

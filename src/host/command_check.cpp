@@ -5,7 +5,7 @@
 #include "directory/directory_report.h"
 #include "host/host_command.h"
 #include "host/key_argument.h"
-#include "session/directory_check.h"
+#include "session/nodes/directory_check.h"
 
 #include <cstdint>
 #include <iostream>

@@ -8,8 +8,8 @@
 #include "host/key_argument.h"
 #include "qt/form_view.h"
 #include "qt/qt_form_services.h"
-#include "session/business_rules.h"
-#include "session/component_registration.h"
+#include "session/editor/business_rules.h"
+#include "session/editor/component_registration.h"
 
 #include <QAbstractButton>
 #include <QMessageBox>

@@ -5,7 +5,7 @@
 #include "host/host_command.h"
 #include "host/key_argument.h"
 #include "nodetext/text_form.h"
-#include "session/node_text_store.h"
+#include "session/nodes/node_text_store.h"
 
 #include <fstream>
 #include <iostream>

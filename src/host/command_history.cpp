@@ -3,7 +3,7 @@
 #include "host/history_output.h"
 #include "host/host_command.h"
 #include "host/key_argument.h"
-#include "session/node_history.h"
+#include "session/nodes/node_history.h"
 
 #include <iostream>
 

@@ -4,7 +4,7 @@
 #include "database/database_target.h"
 #include "database/temporary_files.h"
 #include "host/host_command.h"
-#include "session/node_history.h"
+#include "session/nodes/node_history.h"
 
 #include <QCommandLineParser>
 #include <QStringList>

@@ -4,7 +4,7 @@
 #include "database/database.h"
 #include "host/host_command.h"
 #include "host/key_argument.h"
-#include "session/node_restore.h"
+#include "session/history/node_restore.h"
 
 #include <charconv>
 #include <iostream>

@@ -6,7 +6,7 @@
 #include "directory/call_simulation.h"
 #include "host/host_command.h"
 #include "host/key_argument.h"
-#include "session/caller_simulation.h"
+#include "session/editor/caller_simulation.h"
 
 #include <iostream>
 #include <string>

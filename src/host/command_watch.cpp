@@ -6,7 +6,7 @@
 #include "host/history_output.h"
 #include "host/host_command.h"
 #include "host/key_argument.h"
-#include "session/change_watcher.h"
+#include "session/history/change_watcher.h"
 
 #include <poll.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 // How history entries are printed by history and watch.
 
-#include "session/node_history.h"
+#include "session/nodes/node_history.h"
 
 #include <ostream>
 

@@ -4,8 +4,8 @@
 #include "form/controls/operator_input.h"
 #include "form/gui.h"
 #include "host/play_state.h"
-#include "session/business_rules.h"
-#include "session/component_registration.h"
+#include "session/editor/business_rules.h"
+#include "session/editor/component_registration.h"
 
 #include <istream>
 #include <memory>

@@ -51,7 +51,8 @@ struct ParsedLine {
 std::optional<std::vector<std::string>> SplitWords(std::string_view line, std::string& why);
 
 // The answer codes a script may queue: OK 1, Cancel 2, Yes 6, No 7 of a
-// box; Yes to All 4, Cancel 5 (and Yes 2, No 7) of the confirmation dialog.
+// box; Yes 2, Yes to All 4, No 7, No to All 5, Cancel 3 of the confirmation
+// dialog.
 bool IsAnswerCode(long code);
 
 // Parses one line (a trailing carriage return is ignored).

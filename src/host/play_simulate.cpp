@@ -3,7 +3,7 @@
 #include "core/component_error.h"
 #include "directory/call_simulation.h"
 #include "host/play_runner.h"
-#include "session/caller_simulation.h"
+#include "session/editor/caller_simulation.h"
 
 #include <ostream>
 

@@ -5,9 +5,9 @@
 #include "qt/focus_frame.h"
 #include "qt/form_view.h"
 #include "qt/live_watch.h"
-#include "session/business_rules.h"
-#include "session/change_watcher.h"
-#include "session/editor_changes.h"
+#include "session/editor/business_rules.h"
+#include "session/editor/editor_changes.h"
+#include "session/history/change_watcher.h"
 
 #include <QApplication>
 #include <QHBoxLayout>

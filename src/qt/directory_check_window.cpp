@@ -5,7 +5,7 @@
 #include "qt/form_view.h"
 #include "qt/screen_fit.h"
 #include "qt/wheel_guard.h"
-#include "session/directory_check.h"
+#include "session/nodes/directory_check.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -2,8 +2,8 @@
 
 #include "core/component_error.h"
 #include "nodestate/state_diff.h"
-#include "session/modification_time.h"
-#include "session/node_restore.h"
+#include "session/history/node_restore.h"
+#include "session/nodes/modification_time.h"
 
 #include <QDialogButtonBox>
 #include <QHeaderView>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "session/node_history.h"
+#include "session/nodes/node_history.h"
 
 #include <QDialog>
 

@@ -1,7 +1,7 @@
 #include "qt/live_watch.h"
 
 #include "core/component_error.h"
-#include "session/change_watcher.h"
+#include "session/history/change_watcher.h"
 
 #include <QSocketNotifier>
 #include <QTimer>

@@ -4,7 +4,7 @@
 #include "qt/history_window.h"
 #include "qt/live_watch.h"
 #include "qt/node_list_window.h"
-#include "session/change_watcher.h"
+#include "session/history/change_watcher.h"
 
 #include <QBrush>
 #include <QCoreApplication>

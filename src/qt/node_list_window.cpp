@@ -8,8 +8,8 @@
 #include "qt/node_text_actions.h"
 #include "qt/screen_fit.h"
 #include "qt/wheel_guard.h"
-#include "session/change_watcher.h"
-#include "session/directory_check.h"
+#include "session/history/change_watcher.h"
+#include "session/nodes/directory_check.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "session/node_list.h"
+#include "session/nodes/node_list.h"
 
 #include <QMainWindow>
 

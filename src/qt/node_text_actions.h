@@ -3,7 +3,7 @@
 // partition's nodes written as a JSON document, and a document's changes
 // shown field by field and written only when the operator agrees.
 
-#include "session/node_list.h"
+#include "session/nodes/node_list.h"
 
 class QWidget;
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "session/caller_trial.h"
+#include "session/editor/caller_trial.h"
 
 #include <QWidget>
 

@@ -5,9 +5,9 @@
 #include "database/data_location.h"
 #include "form/controls/operator_input.h"
 #include "form/gui.h"
-#include "session/business_rules.h"
-#include "session/component_registration.h"
-#include "session/confirmation_dialog.h"
+#include "session/editor/business_rules.h"
+#include "session/editor/component_registration.h"
+#include "session/editor/confirmation_dialog.h"
 
 #include <algorithm>
 #include <cstring>

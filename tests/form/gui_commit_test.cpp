@@ -4,7 +4,7 @@
 #include "form_fixture.h"
 
 #include "core/component_factory.h"
-#include "form/text_validator.h"
+#include "core/text_validator.h"
 
 namespace dbn::testing {
 namespace {

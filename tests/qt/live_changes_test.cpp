@@ -8,8 +8,8 @@
 #include "qt/history_window.h"
 #include "qt/node_list_window.h"
 #include "qt/screen_fit.h"
-#include "session/modification_time.h"
-#include "session/node_history.h"
+#include "session/nodes/modification_time.h"
+#include "session/nodes/node_history.h"
 
 #include <QElapsedTimer>
 #include <QLabel>

@@ -10,8 +10,8 @@
 
 #include "form/controls/operator_input.h"
 #include "form/gui.h"
-#include "session/business_rules.h"
-#include "session/component_registration.h"
+#include "session/editor/business_rules.h"
+#include "session/editor/component_registration.h"
 
 #include <gtest/gtest.h>
 

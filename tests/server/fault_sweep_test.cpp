@@ -7,10 +7,10 @@
 
 #include "database/configuration_copy.h"
 #include "network_relay.h"
-#include "session/apply_nodes.h"
-#include "session/node_history.h"
-#include "session/node_restore.h"
-#include "session/node_text_store.h"
+#include "session/history/node_restore.h"
+#include "session/nodes/apply_nodes.h"
+#include "session/nodes/node_history.h"
+#include "session/nodes/node_text_store.h"
 #include "session/session_support.h"
 
 #include <stdlib.h>

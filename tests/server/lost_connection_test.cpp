@@ -8,9 +8,9 @@
 #include "database/database_setup.h"
 #include "error_of.h"
 #include "network_relay.h"
-#include "session/apply_nodes.h"
-#include "session/change_watcher.h"
-#include "session/node_text_store.h"
+#include "session/history/change_watcher.h"
+#include "session/nodes/apply_nodes.h"
+#include "session/nodes/node_text_store.h"
 #include "test_server.h"
 
 #include <gtest/gtest.h>

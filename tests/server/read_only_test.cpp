@@ -5,9 +5,9 @@
 
 #include "database/configuration_copy.h"
 #include "error_of.h"
-#include "session/apply_nodes.h"
-#include "session/node_restore.h"
-#include "session/node_text_store.h"
+#include "session/history/node_restore.h"
+#include "session/nodes/apply_nodes.h"
+#include "session/nodes/node_text_store.h"
 #include "session/session_support.h"
 
 #include <stdlib.h>

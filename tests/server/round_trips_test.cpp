@@ -9,10 +9,10 @@
 
 #include "database/database.h"
 #include "database/database_setup.h"
-#include "session/apply_nodes.h"
-#include "session/directory_check.h"
-#include "session/node_list.h"
-#include "session/node_text_store.h"
+#include "session/nodes/apply_nodes.h"
+#include "session/nodes/directory_check.h"
+#include "session/nodes/node_list.h"
+#include "session/nodes/node_text_store.h"
 #include "support/missing_nodes.h"
 
 #include <gtest/gtest.h>

@@ -4,8 +4,8 @@
 // navigation go on.
 #include "session_support.h"
 
-#include "session/apply_nodes.h"
-#include "session/node_text_store.h"
+#include "session/nodes/apply_nodes.h"
+#include "session/nodes/node_text_store.h"
 
 namespace dbn::testing {
 namespace {

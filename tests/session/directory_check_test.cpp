@@ -4,7 +4,7 @@
 #include "session_support.h"
 
 #include "core/component_error.h"
-#include "session/directory_check.h"
+#include "session/nodes/directory_check.h"
 
 namespace dbn::testing {
 namespace {

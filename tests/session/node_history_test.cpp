@@ -8,9 +8,9 @@
 #include "database/database_setup.h"
 #include "error_of.h"
 #include "nodestate/state_diff.h"
-#include "session/change_watcher.h"
-#include "session/node_history.h"
-#include "session/node_restore.h"
+#include "session/history/change_watcher.h"
+#include "session/history/node_restore.h"
+#include "session/nodes/node_history.h"
 
 #include <poll.h>
 

@@ -3,7 +3,7 @@
 #include "session_support.h"
 
 #include "database/database.h"
-#include "session/node_list.h"
+#include "session/nodes/node_list.h"
 
 #include <deque>
 

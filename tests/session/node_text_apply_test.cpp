@@ -7,9 +7,9 @@
 #include "core/node_types.h"
 #include "database/database.h"
 #include "nodetext/text_form.h"
-#include "session/apply_nodes.h"
-#include "session/node_history.h"
-#include "session/node_text_store.h"
+#include "session/nodes/apply_nodes.h"
+#include "session/nodes/node_history.h"
+#include "session/nodes/node_text_store.h"
 
 #include <nlohmann/json.hpp>
 

@@ -9,8 +9,8 @@
 #include "temp_database.h"
 
 #include "form/gui.h"
-#include "session/business_rules.h"
-#include "session/component_registration.h"
+#include "session/editor/business_rules.h"
+#include "session/editor/component_registration.h"
 
 #include <gtest/gtest.h>
 
