@@ -55,8 +55,8 @@ public:
     // order. On the server the whole batch travels in one round trip; on
     // the file the steps run one after another. A failing step raises its
     // own error and no step after it is applied. Outside a transaction the
-    // server also undoes the steps before it; inside one, the transaction
-    // is then failed, as after any failed command.
+    // steps before it are undone too, on either engine; inside one, the
+    // transaction is then failed, as after any failed command.
     std::vector<BatchAnswer> ExecuteBatch(const std::vector<BatchStep>& steps);
 
     // A write whose answer nobody needs, sent in front of the next
