@@ -48,19 +48,20 @@ std::vector<CommandResult> DatabaseEngine::RunBatch(const std::vector<BatchStep>
     // Outside a transaction the writes of a batch are all made or none is,
     // as on the server, where a batch is one implicit transaction.
     BeginWrite();
-    std::vector<CommandResult> results;
     try {
-        results = RunSteps(steps);
+        std::vector<CommandResult> results = RunSteps(steps);
+        Exec("COMMIT", "CommitTrans");
+        return results;
     } catch (...) {
-        try {
-            Exec("ROLLBACK", "RollbackTrans");
-        } catch (...) {
-            // The step's error is the one told.
+        if (InTransaction()) {
+            try {
+                Exec("ROLLBACK", "RollbackTrans");
+            } catch (...) {
+                // The step's error is the one told.
+            }
         }
         throw;
     }
-    Exec("COMMIT", "CommitTrans");
-    return results;
 }
 
 std::vector<CommandResult> DatabaseEngine::RunSteps(const std::vector<BatchStep>& steps) {
