@@ -10,23 +10,6 @@
 #include <utility>
 
 namespace dbn {
-namespace {
-
-// A statement of this layer's own (a savepoint, a row lock) for a batch.
-BatchStep Statement(std::string doing, std::string sql) {
-    return {std::move(doing), {std::move(sql)}, BatchStep::Kind::Statement};
-}
-
-const CatalogueCommand& CommandNamed(std::string_view name) {
-    const CatalogueCommand* command = FindCatalogueCommand(name);
-    if (command == nullptr) {
-        RaiseDatabaseError(kErrUnknownCommand,
-                           "The command " + std::string(name) + " is not in the catalogue.");
-    }
-    return *command;
-}
-
-}  // namespace
 
 DataBase::DataBase() : DataBase(ResolveDatabaseTarget()) {}
 
@@ -74,7 +57,7 @@ DatabaseEngine& DataBase::Engine() {
     return engine;
 }
 
-std::vector<CommandResult> DataBase::SendBatch(const std::vector<EngineStep>& steps) {
+std::vector<CommandResult> DataBase::SendBatch(const std::vector<BatchStep>& steps) {
     if (!schemaKnown_) {
         std::optional<std::vector<CommandResult>> results =
             Connected().RunBatchAtVersion(steps, kCurrentSchemaVersion);
@@ -106,7 +89,7 @@ bool DataBase::ChangesCommitted() {
 
 const CatalogueCommand& DataBase::CheckedCommand(std::string_view name,
                                                  std::size_t argCount) const {
-    const CatalogueCommand& command = CommandNamed(name);
+    const CatalogueCommand& command = CatalogueCommandNamed(name);
     if (argCount != static_cast<std::size_t>(command.parameterCount)) {
         RaiseDatabaseError(kErrArgumentCount,
                            "The command " + std::string(command.name) + " takes " +
@@ -149,9 +132,7 @@ long DataBase::Execute(std::string_view commandName, const std::vector<std::stri
         rowSet->Open(std::move(columns), kept->rows.TakeRows());
         return kept->count;
     }
-    CommandResult result = std::move(
-        SendBatch({{.kind = EngineStep::Kind::Command, .command = &command, .args = &args}})
-            .front());
+    CommandResult result = std::move(SendBatch({{std::string(command.name), args}}).front());
     if (rowSet == nullptr) {
         return result.changes;
     }
@@ -163,7 +144,7 @@ long DataBase::Execute(std::string_view commandName, const std::vector<std::stri
 void DataBase::QueueWrite(BatchStep step) {
     if (step.kind != BatchStep::Kind::Command ||
         CheckedCommand(step.command, step.args.size()).kind == CommandKind::RowReturning) {
-        RaiseDatabaseError(kErrArgumentCount, "Only action commands can be queued.");
+        RaiseDatabaseError(kErrNotAnActionCommand, "Only action commands can be queued.");
     }
     Queue(std::move(step));
 }
@@ -201,32 +182,11 @@ std::vector<BatchAnswer> DataBase::RunBatch(const std::vector<BatchStep>& steps,
     if (steps.empty()) {
         return {};
     }
-    std::vector<EngineStep> engineSteps;
-    engineSteps.reserve(steps.size());
     for (const BatchStep& step : steps) {
-        switch (step.kind) {
-            case BatchStep::Kind::Command:
-                engineSteps.push_back({.kind = EngineStep::Kind::Command,
-                                       .command = &CheckedCommand(step.command, step.args.size()),
-                                       .args = &step.args});
-                if (engineSteps.back().command->kind != CommandKind::RowReturning) {
-                    ForgetReadAhead();  // a write may change what was read ahead
-                }
-                break;
-            case BatchStep::Kind::BeginTrans:
-                ForgetReadAhead();
-                engineSteps.push_back({.kind = EngineStep::Kind::BeginWrite});
-                break;
-            case BatchStep::Kind::CommitTrans:
-                ForgetReadAhead();
-                engineSteps.push_back({.kind = EngineStep::Kind::Commit});
-                break;
-            case BatchStep::Kind::Statement:
-                ForgetReadAhead();
-                engineSteps.push_back({.kind = EngineStep::Kind::Statement,
-                                       .sql = &step.args.front(),
-                                       .doing = step.command});
-                break;
+        // A write or a transaction step may change what was read ahead.
+        if (step.kind != BatchStep::Kind::Command ||
+            CheckedCommand(step.command, step.args.size()).kind != CommandKind::RowReturning) {
+            ForgetReadAhead();
         }
     }
     Connected();
@@ -239,7 +199,7 @@ std::vector<BatchAnswer> DataBase::RunBatch(const std::vector<BatchStep>& steps,
                     observer_({DataBaseStep::Execute, step.command, &step.args, {}});
                     // A batch's rows are read from its answers, never from
                     // the command's row set, which is left closed.
-                    if (engineSteps[i].command->kind == CommandKind::RowReturning) {
+                    if (CommandOf(step).kind == CommandKind::RowReturning) {
                         observer_({DataBaseStep::Close, step.command, nullptr, {}});
                     }
                 }
@@ -254,14 +214,14 @@ std::vector<BatchAnswer> DataBase::RunBatch(const std::vector<BatchStep>& steps,
                 break;  // told when it was queued
         }
     }
-    std::vector<CommandResult> results = WithCommitWording([&] { return SendBatch(engineSteps); });
+    std::vector<CommandResult> results = WithCommitWording([&] { return SendBatch(steps); });
     std::vector<BatchAnswer> answers(results.size());
     for (std::size_t i = 0; i < results.size(); ++i) {
-        const EngineStep& step = engineSteps[i];
-        if (step.kind == EngineStep::Kind::Command &&
-            step.command->kind == CommandKind::RowReturning) {
+        const BatchStep& step = steps[i];
+        if (step.kind == BatchStep::Kind::Command &&
+            CommandOf(step).kind == CommandKind::RowReturning) {
             answers[i].count = static_cast<long>(results[i].rows.size());
-            answers[i].rows = RowSet("rs" + std::string(step.command->name));
+            answers[i].rows = RowSet("rs" + step.command);
             answers[i].rows.Open(std::move(results[i].columns), std::move(results[i].rows));
         } else {
             answers[i].count = results[i].changes;
@@ -274,7 +234,8 @@ std::vector<BatchAnswer> DataBase::ReadAhead(const std::vector<BatchStep>& reads
     for (const BatchStep& step : reads) {
         if (step.kind != BatchStep::Kind::Command ||
             CheckedCommand(step.command, step.args.size()).kind != CommandKind::RowReturning) {
-            RaiseDatabaseError(kErrArgumentCount, "Only row-returning commands can be read ahead.");
+            RaiseDatabaseError(kErrNotARowReturningCommand,
+                               "Only row-returning commands can be read ahead.");
         }
     }
     // The queued steps (only ever inside a transaction) travel first. Reading
@@ -374,14 +335,14 @@ void DataBase::RollbackTrans() {
 void DataBase::BeginSavepoint() {
     Notify(DataBaseStep::BeginSavepoint);
     ++savepoints_;
-    Queue(Statement("BeginSavepoint", "SAVEPOINT " + SavepointName()));
+    Queue(BatchStep::Statement("BeginSavepoint", "SAVEPOINT " + SavepointName(), savepoints_));
 }
 
 void DataBase::ReleaseSavepoint() {
     Notify(DataBaseStep::ReleaseSavepoint);
     const std::string name = SavepointName();
     savepoints_ = std::max(0, savepoints_ - 1);
-    Queue(Statement("ReleaseSavepoint", "RELEASE " + name));
+    Queue(BatchStep::Statement("ReleaseSavepoint", "RELEASE " + name));
 }
 
 std::string DataBase::SavepointName() const {
@@ -392,12 +353,12 @@ void DataBase::RollbackToSavepoint() {
     ForgetReadAhead();
     Notify(DataBaseStep::RollbackToSavepoint);
     const std::string name = SavepointName();
+    const int number = savepoints_;
     savepoints_ = std::max(0, savepoints_ - 1);
     // A savepoint not yet sent is undone by dropping it and what followed it
     // (inner savepoints released meanwhile included).
-    const std::string begin = "SAVEPOINT " + name;
     for (auto step = queued_.rbegin(); step != queued_.rend(); ++step) {
-        if (step->kind == BatchStep::Kind::Statement && step->args.front() == begin) {
+        if (step->savepoint == number) {
             queued_.erase(std::next(step).base(), queued_.end());
             return;
         }
@@ -425,7 +386,7 @@ std::optional<std::string> DataBase::ReadOnlyNotice() {
 void DataBase::LockRows(const std::vector<RowLock>& locks) {
     // The locks travel with the statements that follow them.
     for (std::string& lock : Engine().RowLockStatements(locks)) {
-        Queue(Statement("LockRows", std::move(lock)));
+        Queue(BatchStep::Statement("LockRows", std::move(lock)));
     }
 }
 

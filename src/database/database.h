@@ -1,5 +1,6 @@
 #pragma once
 
+#include "database/batch_step.h"
 #include "database/database_observer.h"
 #include "database/database_target.h"
 #include "database/row_lock.h"
@@ -19,22 +20,7 @@ namespace dbn {
 
 class DatabaseEngine;
 struct CommandResult;
-struct EngineStep;
 struct CatalogueCommand;
-
-// One step of a batch: a catalogue command with its arguments (bound as text
-// in order), or the start or the commit of a writing transaction. (A
-// Statement is one of DataBase's own, a savepoint or a row lock: its name in
-// command, its text in args.)
-struct BatchStep {
-    enum class Kind { Command, BeginTrans, CommitTrans, Statement };
-    std::string command;
-    std::vector<std::string> args;
-    Kind kind = Kind::Command;
-
-    static BatchStep BeginTrans() { return {{}, {}, Kind::BeginTrans}; }
-    static BatchStep CommitTrans() { return {{}, {}, Kind::CommitTrans}; }
-};
 
 // What one step of a batch gave back.
 struct BatchAnswer {
@@ -69,8 +55,8 @@ public:
     // order. On the server the whole batch travels in one round trip; on
     // the file the steps run one after another. A failing step raises its
     // own error and no step after it is applied. Outside a transaction the
-    // server also undoes the steps before it; inside one, the transaction
-    // is then failed, as after any failed command.
+    // steps before it are undone too, on either engine; inside one, the
+    // transaction is then failed, as after any failed command.
     std::vector<BatchAnswer> ExecuteBatch(const std::vector<BatchStep>& steps);
 
     // A write whose answer nobody needs, sent in front of the next
@@ -173,7 +159,7 @@ private:
     DatabaseEngine& Connected();
     // Sends steps to the engine; the first batch of a connection asks the
     // schema version in the same round trip where the engine can.
-    std::vector<CommandResult> SendBatch(const std::vector<EngineStep>& steps);
+    std::vector<CommandResult> SendBatch(const std::vector<BatchStep>& steps);
     void Notify(DataBaseStep step);
     // The name of the innermost open savepoint.
     std::string SavepointName() const;

@@ -4,6 +4,7 @@
 // configuration set-up and copy. Every failure is raised as ComponentError
 // with the engine's clear message.
 
+#include "database/batch_step.h"
 #include "database/command_catalogue.h"
 #include "database/database_target.h"
 #include "database/field_value.h"
@@ -30,27 +31,24 @@ struct CommandResult {
     long changes = 0;  // rows changed by an action command
 };
 
-// One step of a batch as the engine runs it: a catalogue command with its
-// arguments, or the start or the commit of a writing transaction.
-struct EngineStep {
-    // A Statement is a text of the database layer's own (a savepoint, a row
-    // lock), run as it stands; doing names it in errors.
-    enum class Kind { Command, BeginWrite, Commit, Statement };
-    Kind kind = Kind::Command;
-    const CatalogueCommand* command = nullptr;
-    const std::vector<std::string>* args = nullptr;
-    const std::string* sql = nullptr;
-    std::string_view doing{};
-};
+// The catalogue command of that name; raises the unknown-command error when
+// there is none.
+const CatalogueCommand& CatalogueCommandNamed(std::string_view name);
+// The catalogue command of a Command step.
+inline const CatalogueCommand& CommandOf(const BatchStep& step) {
+    return CatalogueCommandNamed(step.command);
+}
 
 class DatabaseEngine {
 public:
     virtual ~DatabaseEngine() = default;
 
     // Runs the steps in order and answers one result per step. A failing
-    // step raises its error and no step after it is applied. This default
-    // runs them one after another; the server sends them all at once.
-    virtual std::vector<CommandResult> RunBatch(const std::vector<EngineStep>& steps);
+    // step raises its error and no step after it is applied; outside a
+    // transaction, the steps before it are undone too. This default runs
+    // them one after another (in a transaction of their own when they
+    // write outside one); the server sends them all at once.
+    virtual std::vector<CommandResult> RunBatch(const std::vector<BatchStep>& steps);
 
     // Runs a catalogue command, its arguments bound as text in order.
     virtual CommandResult Run(const CatalogueCommand& command,
@@ -63,10 +61,6 @@ public:
     // Runs statements without results (commit, rollback, savepoints, DDL).
     virtual void Exec(const std::string& sql, std::string_view doing) = 0;
     virtual bool InTransaction() const = 0;
-    // Inside the open write transaction: takes the row locks of the rows
-    // that match each lock's key (waiting for another transaction that holds
-    // them, up to the lock time-out), so that what is read next is the last
-    // committed state and stays so until the transaction ends.
     // The statements that lock the rows matching each key until the
     // transaction ends, one a table; none where the write transaction holds
     // the whole database already.
@@ -111,7 +105,7 @@ public:
     // version is version, asked in the same round trip; std::nullopt when it
     // is another one or the engine cannot ask that way: then no step ran.
     virtual std::optional<std::vector<CommandResult>> RunBatchAtVersion(
-        const std::vector<EngineStep>& steps, int version) {
+        const std::vector<BatchStep>& steps, int version) {
         (void)steps;
         (void)version;
         return std::nullopt;
@@ -124,6 +118,10 @@ public:
     // True when another connection has committed a change (or announced
     // one) since the last call. Cheap: reads no table.
     virtual bool ChangesCommitted() = 0;
+
+protected:
+    // Runs the steps one after another, as they come.
+    std::vector<CommandResult> RunSteps(const std::vector<BatchStep>& steps);
 };
 
 // Raises the catalogue fault of a command whose statement has another number

@@ -57,6 +57,10 @@ inline constexpr long kErrSchemaTooNew = 4030;
 inline constexpr long kErrUnknownCommand = 4010;
 inline constexpr long kErrArgumentCount = 4011;
 inline constexpr long kErrCatalogueParameters = 4012;
+// A step that the batch operation it was given to does not take: a read
+// given to QueueWrite, a write given to ReadAhead.
+inline constexpr long kErrNotAnActionCommand = 4015;
+inline constexpr long kErrNotARowReturningCommand = 4016;
 
 // Row sets.
 inline constexpr long kErrItemNotFound = 3265;

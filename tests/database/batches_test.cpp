@@ -57,10 +57,12 @@ TEST_F(Batches, AnswersComeInOrderAndReadsSeeEarlierWrites) {
     EXPECT_TRUE(db_.ExecuteBatch({}).empty());
 }
 
-// A failing step raises its own error and nothing after it is applied; the
-// connection then serves the next batch. A wrong argument count sends
-// nothing at all.
+// A failing step raises its own error and nothing after it is applied;
+// outside a transaction the steps before it are undone too, on either
+// engine. The connection then serves the next batch. A wrong argument count,
+// or a step the operation does not take, sends nothing at all.
 TEST_F(Batches, AFailureIsThatStepsAndNothingAfterItIsApplied) {
+    const std::string first = LabelOf(1);
     const std::string before = LabelOf(2);
     const ComponentError error = testing::ErrorOf([&] {
         db_.ExecuteBatch({Label(1, "maybe"),
@@ -70,6 +72,7 @@ TEST_F(Batches, AFailureIsThatStepsAndNothingAfterItIsApplied) {
     EXPECT_NE(error.Number(), 0);
     EXPECT_NE(error.Description().find("Add_DBN_PromptsNode"), std::string::npos)
         << error.Description();
+    EXPECT_EQ(LabelOf(1), first);
     EXPECT_EQ(LabelOf(2), before);
     EXPECT_FALSE(db_.InTransaction());
     EXPECT_EQ(db_.ExecuteBatch({Describe(1)}).at(0).count, 1);
@@ -78,6 +81,13 @@ TEST_F(Batches, AFailureIsThatStepsAndNothingAfterItIsApplied) {
         db_.ExecuteBatch({Label(3, "not sent"), {"Get_Description", {"1"}}});
     });
     EXPECT_EQ(count.Number(), kErrArgumentCount);
+    EXPECT_NE(LabelOf(3), "not sent");
+    const ComponentError read = testing::ErrorOf([&] { db_.QueueWrite(Describe(1)); });
+    EXPECT_EQ(read.Number(), kErrNotAnActionCommand);
+    EXPECT_EQ(read.Description(), "Only action commands can be queued.");
+    const ComponentError write = testing::ErrorOf([&] { db_.ReadAhead({Label(3, "not sent")}); });
+    EXPECT_EQ(write.Number(), kErrNotARowReturningCommand);
+    EXPECT_EQ(write.Description(), "Only row-returning commands can be read ahead.");
     EXPECT_NE(LabelOf(3), "not sent");
 }
 

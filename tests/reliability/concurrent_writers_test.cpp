@@ -8,7 +8,7 @@
 
 #include <chrono>
 #include <memory>
-#include <thread>
+#include <utility>
 
 namespace dbn::testing {
 namespace {
@@ -53,12 +53,15 @@ TEST_F(ConcurrentWriters, ASaveWaitsForAWriterThatCommitsWithinTheTimeOut) {
         FormRules(gui).Db().SetBusyTimeout(60s);
         ASSERT_TRUE(Type(gui.txtDescription, "Saved after the wait"));
         OtherBeginsWriting();
-        std::thread committer([&] {
-            std::this_thread::sleep_for(200ms);
-            Other("COMMIT");
+        // The other program commits once the save is seen waiting for it.
+        bool waited = false;
+        FormRules(gui).Db().SetWaitHandler([&] {
+            if (!std::exchange(waited, true)) {
+                Other("COMMIT");
+            }
         });
         EXPECT_TRUE(Press(gui.cmdApply));
-        committer.join();
+        EXPECT_TRUE(waited);
         EXPECT_FALSE(gui.cmdApply.Enabled());
     });
     EXPECT_TRUE(services.boxes.empty()) << BoxTexts("Error");
