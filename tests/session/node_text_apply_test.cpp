@@ -282,7 +282,7 @@ TEST_F(NodeTextTest, EachRefusalIsListedAndNothingIsWritten) {
          {{"/method", 4}},
          "nodes[1].method: must be one of \"Custom\", \"Default Last Name\""},
         {"new node over the limit",
-         {{"/number", 21}, {"/stored", ""}},
+         {{"/number", 21}, {"/stored", nullptr}},
          "nodes[1].number: 21 is outside 1 to 20"},
     };
     const std::string text = Export();
@@ -290,7 +290,11 @@ TEST_F(NodeTextTest, EachRefusalIsListedAndNothingIsWritten) {
     for (const Refusal& refusal : cases) {
         json document = json::parse(text);
         for (const auto& [pointer, value] : refusal.edits) {
-            document["nodes"][1][json::json_pointer(pointer)] = value;
+            if (value.is_null()) {  // null leaves the field out
+                document["nodes"][1].erase(pointer.substr(1));
+            } else {
+                document["nodes"][1][json::json_pointer(pointer)] = value;
+            }
         }
         // A second, valid change in another node is not written either.
         document["nodes"][2]["label"] = "Renamed";
