@@ -40,6 +40,7 @@ FieldRule Field(std::string pointer, FieldKind kind, std::string column, Names n
     rule.pointer = std::move(pointer);
     rule.kind = kind;
     rule.column = std::move(column);
+    rule.history = rule.column;
     rule.names = std::move(names);
     return rule;
 }
@@ -51,9 +52,13 @@ FieldRule Whole(std::string pointer, std::string column, int low, int high) {
     return rule;
 }
 
-FieldRule Target(std::string pointer, std::string role, TargetRole targets) {
+FieldRule Target(std::string pointer, std::string role, TargetRole targets,
+                 std::string history = {}) {
     FieldRule rule = Field(std::move(pointer), FieldKind::Target, std::move(role));
     rule.role = targets;
+    if (!history.empty()) {
+        rule.history = std::move(history);
+    }
     return rule;
 }
 
@@ -65,11 +70,11 @@ std::vector<FieldRule> MakeFields() {
         Field("/languages/first", FieldKind::Named, "FirstLanguage", kLanguages),
         Field("/languages/second", FieldKind::Named, "SecondLanguage", kLanguages),
         Target("/greeting", "Greeting", TargetRole::Prompt),
-        Target("/actions/Valid Match", "ValidMatch", TargetRole::Instruction),
+        Target("/actions/Valid Match", "ValidMatch", TargetRole::Instruction, "Valid Match"),
         Target("/actions/Abort", "Abort", TargetRole::Instruction),
-        Target("/actions/Star", "Star", TargetRole::Instruction),
-        Target("/actions/Pound", "Pound", TargetRole::Instruction),
-        Target("/actions/Zero", "Zero", TargetRole::Instruction),
+        Target("/actions/Star", "Star", TargetRole::Instruction, "*"),
+        Target("/actions/Pound", "Pound", TargetRole::Instruction, "#"),
+        Target("/actions/Zero", "Zero", TargetRole::Instruction, "0"),
     };
     const char* stages[] = {"First", "Second"};
     for (int stage = 0; stage < 2; ++stage) {
@@ -88,8 +93,10 @@ std::vector<FieldRule> MakeFields() {
     fields.push_back(Whole("/retryLimit", "RetryLimit", 1, 5));
     fields.push_back(Field("/confirmation/enabled", FieldKind::Flag, "Confirm", kNoYes));
     fields.push_back(Whole("/confirmation/maxMatches", "MaxMatch", 1, 9));
-    fields.push_back(Target("/confirmation/beforeNames", "BeforePrompt", TargetRole::Prompt));
-    fields.push_back(Target("/confirmation/afterNames", "AfterPrompt", TargetRole::Prompt));
+    fields.push_back(
+        Target("/confirmation/beforeNames", "BeforePrompt", TargetRole::Prompt, "Before Names"));
+    fields.push_back(
+        Target("/confirmation/afterNames", "AfterPrompt", TargetRole::Prompt, "After Names"));
     FieldRule prompts = Field("/confirmation/prompts", FieldKind::Prompts, "");
     prompts.role = TargetRole::Prompt;
     fields.push_back(prompts);

@@ -24,6 +24,9 @@ struct FieldRule {
     std::string path;     // as messages and the history name it: "stages[0].minDigits"
     FieldKind kind = FieldKind::Whole;
     std::string column;  // the column; a target's role prefix ("Greeting")
+    // As the history names it: the column, or a reference by the editor's
+    // name of its row ("Valid Match", "*").
+    std::string history;
     // Named: the stored values and the names they read as.
     std::vector<std::pair<int, std::string>> names;
     // Whole: the values the editor offers (none when low > high).

@@ -3,6 +3,7 @@
 #include "core/node_types.h"
 #include "database/database.h"
 #include "form/text_validator.h"
+#include "nodefields/save_rules.h"
 #include "nodetext/node_merge.h"
 #include "session/load_helpers.h"
 #include "session/node_templates.h"
@@ -96,33 +97,20 @@ public:
         auto label = node.columns.find("NodeDescription");
         if (changed({"label"}) && label != node.columns.end() &&
             !form::TextValidator().IsValidText(nodetext::ValueText(label->second))) {
-            Fail("label",
-                 "Double quotes and continuous single quotes are not allowed in the Label field");
+            Fail("label", nodefields::kLabelRefused);
         }
-        if (Column(node, "Method") != 0) {
-            if (changed({"method", "languages.first", "languages.second"}) &&
-                Column(node, "FirstLanguage") == 0 && Column(node, "SecondLanguage") == 0) {
-                Fail("languages.first", "Please select a language in Language 1");
+        const nodefields::SearchSettings settings{
+            Column(node, "Method"),         Column(node, "FirstLanguage"),
+            Column(node, "SecondLanguage"), Column(node, "FirstMode"),
+            Column(node, "SecondMode"),     Column(node, "FirstMinDigits"),
+            Column(node, "FirstMaxDigits"), Column(node, "SecondMinDigits"),
+            Column(node, "SecondMaxDigits")};
+        for (const nodefields::RuleRefusal& refusal : nodefields::SearchRefusals(settings)) {
+            if (std::any_of(
+                    refusal.reads.begin(), refusal.reads.end(),
+                    [&](const std::string& path) { return nodetext::Changed(changes, path); })) {
+                Fail(refusal.path, refusal.message);
             }
-            return;
-        }
-        const bool method = changed({"method"});
-        const std::int64_t firstMode = Column(node, "FirstMode");
-        const std::int64_t secondMode = Column(node, "SecondMode");
-        if ((method || changed({"stages[0].mode", "stages[1].mode"})) && firstMode == secondMode &&
-            (firstMode == 1 || firstMode == 2)) {
-            Fail("stages[1].mode",
-                 "Second Match must be different from the First Match.  Please select another "
-                 "option in Second Match.");
-        }
-        const char* order = "Min Digits value must be less than or equal to Max Digits value.";
-        if ((method || changed({"stages[0].minDigits", "stages[0].maxDigits"})) &&
-            Column(node, "FirstMinDigits") > Column(node, "FirstMaxDigits")) {
-            Fail("stages[0].minDigits", order);
-        }
-        if ((method || changed({"stages[1].mode", "stages[1].minDigits", "stages[1].maxDigits"})) &&
-            secondMode != 0 && Column(node, "SecondMinDigits") > Column(node, "SecondMaxDigits")) {
-            Fail("stages[1].minDigits", order);
         }
     }
 

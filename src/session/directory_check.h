@@ -5,7 +5,6 @@
 // library's; these operations read what it needs, from the database or from
 // the settings the editor form shows now.
 
-#include "core/node_types.h"
 #include "database/database.h"
 #include "database/row_set.h"
 #include "directory/directory_report.h"
@@ -23,9 +22,6 @@ namespace dbn::session {
 // Raised when the dial-by-name node, or the directory node it names, is not stored.
 inline constexpr long kErrCheckedNodeMissing = 5001;
 inline constexpr long kErrDirectoryMissing = 5002;
-
-// The directory node type.
-inline constexpr std::int16_t kDirTypeID = node_type::kDirectory;
 
 // The names of directory node `directory` (its Detail_DIR rows), in sequence
 // order. Raises kErrDirectoryMissing when the partition has no such DIR node.
