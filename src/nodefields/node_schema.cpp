@@ -1,6 +1,7 @@
 #include "nodefields/node_schema.h"
 
 #include "nodefields/node_fields.h"
+#include "nodefields/text_limits.h"
 
 #include <nlohmann/json.hpp>
 
@@ -12,9 +13,6 @@ namespace dbn::nodefields {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-constexpr std::size_t kLongestTypeCode = 16;
-constexpr std::size_t kMostPrompts = 99;
 
 Json Ref(const char* name) {
     return Json{{"$ref", std::string("#/$defs/") + name}};

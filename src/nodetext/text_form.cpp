@@ -1,5 +1,6 @@
 #include "nodetext/text_form.h"
 
+#include "nodefields/text_limits.h"
 #include "nodetext/text_checker.h"
 
 #include <nlohmann/json.hpp>
@@ -19,8 +20,8 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* kFormat = "dbn-nodes";
 constexpr int kVersion = 1;
-constexpr std::size_t kLongestTypeCode = 16;
-constexpr std::size_t kMostPrompts = 99;
+using nodefields::kLongestTypeCode;
+using nodefields::kMostPrompts;
 constexpr std::size_t kShownValue = 40;
 
 Json ValueJson(const Value& value) {
