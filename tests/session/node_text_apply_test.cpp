@@ -635,6 +635,13 @@ TEST_F(NodeTextTest, FormAndApplyGiveTheSameVerdicts) {
     EXPECT_EQ(problems({{"/label", longLabel}}),
               std::vector<std::string>{"nodes[1].label: is 31 characters long; at most 30 are "
                                        "allowed"});
+    // A longer stored label that the file leaves as it is stays, as in the form.
+    root.Exec("UPDATE Node_DBN SET NodeDescription = '" + std::string(40, 'x') +
+              "' WHERE ConfigID = 1 AND PartID = 1 AND NodeNumber = " + std::to_string(node));
+    json kept = Exported();
+    kept["nodes"][1]["retryLimit"] = kept["nodes"][1]["retryLimit"] == 2 ? 3 : 2;
+    const ApplyResult result = Apply(kept);
+    EXPECT_TRUE(result.problems.empty() && result.written);
 }
 
 }  // namespace
