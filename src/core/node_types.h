@@ -15,6 +15,9 @@ inline constexpr std::int16_t kTransfer = 4;
 // The dial-by-name node this editor edits.
 inline constexpr std::int16_t kDialByName = 15;
 inline constexpr const char* kDialByNameCode = "DBN";
+// The directory node a dial-by-name node searches.
+inline constexpr std::int16_t kDirectory = 16;
+inline constexpr const char* kDirectoryCode = "DIR";
 // The type whose references carry no node number: shown by its code alone,
 // stored with number 0.
 inline constexpr std::int16_t kNoNumber = 814;

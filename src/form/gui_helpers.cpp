@@ -8,24 +8,20 @@
 #include "core/text_validator.h"
 #include "form/controls/text_rules.h"
 #include "form/list_rows.h"
+#include "nodefields/node_fields.h"
+#include "nodefields/save_rules.h"
 
 #include <cctype>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace dbn::form {
 
 namespace {
 
 constexpr const char* kSaveQuestion = "Do you want to save changes?";
-constexpr const char* kLabelRefused =
-    "Double quotes and continuous single quotes are not allowed in the Label field";
-constexpr const char* kNoLanguage = "Please select a language in Language 1";
-constexpr const char* kSameMatch =
-    "Second Match must be different from the First Match.  Please select another option in "
-    "Second Match.";
-constexpr const char* kMinAboveMax =
-    "Min Digits value must be less than or equal to Max Digits value.";
+using nodefields::kLabelRefused;
 
 constexpr std::int32_t kMethodDefaultLastName = 1;
 constexpr std::int32_t kNoLanguageTag = 0;
@@ -179,7 +175,7 @@ bool GUI::ValidateBeforeSave() {
             cmbLanguage1.SetListIndex(cmbLanguage2.ListIndex());
             cmbLanguage2.SetListIndex(0);
         } else if (language1 == kNoLanguageTag) {
-            ShowInformation(kNoLanguage);
+            ShowInformation(nodefields::kNoLanguage);
             cmbLanguage1.SetFocus();
             return false;
         } else if (language1 == language2) {
@@ -187,27 +183,35 @@ bool GUI::ValidateBeforeSave() {
         }
         return true;
     }
-    if (cmbfirstMatch.Text() == cmbsecondMatch.Text()) {
-        ShowInformation(kSameMatch);
-        cmbsecondMatch.SetFocus();
-        return false;
-    }
-    if (list_rows::ToInt16(cmbFirstMinDigits.Text()) >
-        list_rows::ToInt16(cmbFirstMaxDigits.Text())) {
-        ShowInformation(kMinAboveMax);
-        cmbFirstMinDigits.SetFocus();
-        return false;
-    }
-    if (cmbsecondMatch.Text() == "None") {
+    // A match list's stored value by its shown name (-1 for none).
+    auto mode = [](const ListControl& list, const char* column) -> std::int64_t {
+        for (const auto& [stored, name] : nodefields::FieldOfColumn(column)->names) {
+            if (name == list.Text()) {
+                return stored;
+            }
+        }
+        return -1;
+    };
+    const nodefields::SearchSettings settings{0,
+                                              0,
+                                              0,
+                                              mode(cmbfirstMatch, "FirstMode"),
+                                              mode(cmbsecondMatch, "SecondMode"),
+                                              list_rows::ToInt16(cmbFirstMinDigits.Text()),
+                                              list_rows::ToInt16(cmbFirstMaxDigits.Text()),
+                                              list_rows::ToInt16(cmbSecondMinDigits.Text()),
+                                              list_rows::ToInt16(cmbSecondMaxDigits.Text())};
+    const std::vector<nodefields::RuleRefusal> refusals = nodefields::SearchRefusals(settings);
+    if (refusals.empty()) {
         return true;
     }
-    if (list_rows::ToInt16(cmbSecondMinDigits.Text()) >
-        list_rows::ToInt16(cmbSecondMaxDigits.Text())) {
-        ShowInformation(kMinAboveMax);
-        cmbSecondMinDigits.SetFocus();
-        return false;
-    }
-    return true;
+    const std::string& path = refusals.front().path;
+    ShowInformation(refusals.front().message);
+    (path == "stages[1].mode"        ? cmbsecondMatch
+     : path == "stages[0].minDigits" ? cmbFirstMinDigits
+                                     : cmbSecondMinDigits)
+        .SetFocus();
+    return false;
 }
 
 }  // namespace dbn::form

@@ -1,4 +1,5 @@
 // The "history" sub-command: a node's changes, newest first, field by field.
+#include "core/node_types.h"
 #include "database/database.h"
 #include "host/history_output.h"
 #include "host/host_command.h"
@@ -10,16 +11,14 @@
 namespace dbn::host {
 namespace {
 
-// The node-type ID of a code given as NODE's type (dial-by-name unless told).
-constexpr std::int16_t kDialByName = 15;
-
 int RunHistory(const CommandArgs& args) {
     const session::NodeKey key{KeyArgument("CONFIG", args.Positionals()[0]),
-                               KeyArgument("PARTITION", args.Positionals()[1]), kDialByName,
-                               KeyArgument("NODE", args.Positionals()[2])};
+                               KeyArgument("PARTITION", args.Positionals()[1]),
+                               node_type::kDialByName, KeyArgument("NODE", args.Positionals()[2])};
     const std::optional<long> limit = CountOption(args, "limit");
     DataBase db;
-    const std::vector<session::HistoryEntry> entries = session::ReadNodeHistoryChanges(db, key, limit);
+    const std::vector<session::HistoryEntry> entries =
+        session::ReadNodeHistoryChanges(db, key, limit);
     if (args.IsSet("json")) {
         nodestate::Json list = nodestate::Json::array();
         for (const session::HistoryEntry& entry : entries) {

@@ -1,6 +1,7 @@
 // The "restore" sub-command: writes back a dial-by-name node's state from
 // its history as a new change.
 #include "core/component_error.h"
+#include "core/node_types.h"
 #include "database/database.h"
 #include "host/host_command.h"
 #include "host/key_argument.h"
@@ -11,8 +12,6 @@
 
 namespace dbn::host {
 namespace {
-
-constexpr std::int16_t kDialByName = 15;
 
 long EntryArgument(const std::string& text) {
     long value = 0;
@@ -25,8 +24,8 @@ long EntryArgument(const std::string& text) {
 
 int RunRestore(const CommandArgs& args) {
     const session::NodeKey key{KeyArgument("CONFIG", args.Positionals()[0]),
-                               KeyArgument("PARTITION", args.Positionals()[1]), kDialByName,
-                               KeyArgument("NODE", args.Positionals()[2])};
+                               KeyArgument("PARTITION", args.Positionals()[1]),
+                               node_type::kDialByName, KeyArgument("NODE", args.Positionals()[2])};
     const long entry = EntryArgument(args.Positionals()[3]);
     const bool before = args.IsSet("before");
     DataBase db;

@@ -1,5 +1,7 @@
 #include "nodestate/state_diff.h"
 
+#include "nodefields/node_fields.h"
+
 #include <algorithm>
 #include <array>
 #include <map>
@@ -139,23 +141,10 @@ std::optional<std::string> ReferenceRole(const std::string& column, const Json& 
     return std::nullopt;
 }
 
-// How the editor's lists name the rows that the reference columns hold.
+// How the history names a reference: the editor's name of its row.
 std::string RowName(const std::string& role) {
-    static const std::array<std::pair<std::string_view, std::string_view>, 7> names{{
-        {"ValidMatch", "Valid Match"},
-        {"Abort", "Abort"},
-        {"Star", "*"},
-        {"Pound", "#"},
-        {"Zero", "0"},
-        {"BeforePrompt", "Before Names"},
-        {"AfterPrompt", "After Names"},
-    }};
-    for (const auto& [stored, shown] : names) {
-        if (stored == role) {
-            return std::string(shown);
-        }
-    }
-    return role;
+    const nodefields::FieldRule* rule = nodefields::FieldOfColumn(role);
+    return rule != nullptr ? rule->history : role;
 }
 
 std::string Plain(const Json& value) {

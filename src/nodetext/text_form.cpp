@@ -1,5 +1,8 @@
 #include "nodetext/text_form.h"
 
+#include "nodefields/text_limits.h"
+#include "nodetext/text_checker.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -17,102 +20,9 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* kFormat = "dbn-nodes";
 constexpr int kVersion = 1;
-// Longer texts are refused before anything reaches the database.
-constexpr std::size_t kLongestLabel = 1000;
-constexpr std::size_t kLongestTypeCode = 16;
-constexpr std::size_t kMostPrompts = 99;
+using nodefields::kLongestTypeCode;
+using nodefields::kMostPrompts;
 constexpr std::size_t kShownValue = 40;
-
-const std::vector<std::pair<int, std::string>> kMethods = {{0, "Custom"}, {1, "Default Last Name"}};
-const std::vector<std::pair<int, std::string>> kLanguages = {
-    {0, "None"}, {1, "English"}, {2, "French"}};
-const std::vector<std::pair<int, std::string>> kFirstModes = {
-    {1, "Last Name"}, {2, "First Name"}, {3, "Both Names"}, {4, "Extension"}};
-const std::vector<std::pair<int, std::string>> kSecondModes = {
-    {0, "None"}, {1, "Last Name"}, {2, "First Name"}};
-
-FieldRule Field(std::string pointer, FieldKind kind, std::string column) {
-    FieldRule rule;
-    rule.pointer = std::move(pointer);
-    rule.kind = kind;
-    rule.column = std::move(column);
-    // "/stages/0/minDigits" reads "stages[0].minDigits".
-    std::string path;
-    std::size_t at = 1;
-    while (at <= rule.pointer.size()) {
-        const std::size_t next = std::min(rule.pointer.find('/', at), rule.pointer.size());
-        const std::string segment = rule.pointer.substr(at, next - at);
-        if (!segment.empty() && std::all_of(segment.begin(), segment.end(), ::isdigit)) {
-            path += "[" + segment + "]";
-        } else {
-            path += (path.empty() ? "" : ".") + segment;
-        }
-        at = next + 1;
-    }
-    rule.path = path;
-    return rule;
-}
-
-FieldRule Named(std::string pointer, std::string column,
-                std::vector<std::pair<int, std::string>> names) {
-    FieldRule rule = Field(std::move(pointer), FieldKind::Named, std::move(column));
-    rule.names = std::move(names);
-    return rule;
-}
-
-FieldRule Whole(std::string pointer, std::string column, int low, int high) {
-    FieldRule rule = Field(std::move(pointer), FieldKind::Whole, std::move(column));
-    rule.low = low;
-    rule.high = high;
-    return rule;
-}
-
-FieldRule Target(std::string pointer, std::string role, TargetRole targets) {
-    FieldRule rule = Field(std::move(pointer), FieldKind::Target, std::move(role));
-    rule.role = targets;
-    return rule;
-}
-
-std::vector<FieldRule> MakeFields() {
-    std::vector<FieldRule> fields = {
-        Field("/label", FieldKind::Text, "NodeDescription"),
-        Named("/method", "Method", kMethods),
-        Whole("/directory", "DirectoryNodeNumber", 1, 99),
-        Named("/languages/first", "FirstLanguage", kLanguages),
-        Named("/languages/second", "SecondLanguage", kLanguages),
-        Target("/greeting", "Greeting", TargetRole::Prompt),
-        Target("/actions/Valid Match", "ValidMatch", TargetRole::Instruction),
-        Target("/actions/Abort", "Abort", TargetRole::Instruction),
-        Target("/actions/Star", "Star", TargetRole::Instruction),
-        Target("/actions/Pound", "Pound", TargetRole::Instruction),
-        Target("/actions/Zero", "Zero", TargetRole::Instruction),
-    };
-    const char* stages[] = {"First", "Second"};
-    for (int stage = 0; stage < 2; ++stage) {
-        const std::string at = "/stages/" + std::to_string(stage) + "/";
-        const std::string name = stages[stage];
-        fields.push_back(
-            Named(at + "mode", name + "Mode", stage == 0 ? kFirstModes : kSecondModes));
-        fields.push_back(Whole(at + "minDigits", name + "MinDigits", 1, 9));
-        fields.push_back(Whole(at + "maxDigits", name + "MaxDigits", 1, 9));
-        fields.push_back(Target(at + "prompt", name + "Prompt", TargetRole::Prompt));
-    }
-    fields.push_back(Target("/timeout", "Timeout", TargetRole::Instruction));
-    fields.push_back(Target("/invalid", "Invalid", TargetRole::Instruction));
-    fields.push_back(Whole("/digitTimeout", "DigitTimeout", 1, 15));
-    fields.push_back(Whole("/selectionTimeout", "SelectionTimeout", 1, 60));
-    fields.push_back(Whole("/retryLimit", "RetryLimit", 1, 5));
-    fields.push_back(Field("/confirmation/enabled", FieldKind::Flag, "Confirm"));
-    fields.push_back(Whole("/confirmation/maxMatches", "MaxMatch", 1, 9));
-    fields.push_back(Target("/confirmation/beforeNames", "BeforePrompt", TargetRole::Prompt));
-    fields.push_back(Target("/confirmation/afterNames", "AfterPrompt", TargetRole::Prompt));
-    FieldRule prompts = Field("/confirmation/prompts", FieldKind::Prompts, "");
-    prompts.role = TargetRole::Prompt;
-    fields.push_back(prompts);
-    fields.push_back(Target("/confirmation/exitPrompt", "ConfirmationExit", TargetRole::Prompt));
-    fields.push_back(Field("/playName", FieldKind::Flag, "PlayName"));
-    return fields;
-}
 
 Json ValueJson(const Value& value) {
     if (const auto* number = std::get_if<std::int64_t>(&value)) {
@@ -254,9 +164,8 @@ public:
             return std::nullopt;
         }
         const auto& text = json.get_ref<const std::string&>();
-        if (text.size() > longest) {
-            Fail(path, "is " + std::to_string(text.size()) + " characters long; at most " +
-                           std::to_string(longest) + " are allowed");
+        if (auto refusal = nodefields::LengthRefusal(text, longest)) {
+            Fail(path, *refusal);
             return std::nullopt;
         }
         return Value{text};
@@ -312,7 +221,7 @@ public:
         const std::string& path = rule.path;
         switch (rule.kind) {
             case FieldKind::Text:
-                if (auto value = Text(json, path, kLongestLabel)) {
+                if (auto value = Text(json, path, nodefields::kLongestStoredLabel)) {
                     node.columns[rule.column] = *value;
                 }
                 return;
@@ -329,11 +238,7 @@ public:
                             return;
                         }
                     }
-                    std::string allowed;
-                    for (const auto& entry : rule.names) {
-                        allowed += (allowed.empty() ? "\"" : ", \"") + entry.second + "\"";
-                    }
-                    Fail(path, Shown(json) + " is not one of " + allowed);
+                    Fail(path, Shown(json) + " is not one of " + nodefields::NameList(rule));
                 } else if (auto value = Number(json, path)) {
                     node.columns[rule.column] = *value;
                 }
@@ -423,6 +328,17 @@ void CheckShape(NodeReader& reader, const Json& json, const Json& shape, const s
     }
 }
 
+// A fingerprint as the text form writes it: 16 lower-case hexadecimal digits.
+bool IsFingerprint(const Json& json) {
+    if (!json.is_string()) {
+        return false;
+    }
+    const auto& text = json.get_ref<const std::string&>();
+    return text.size() == 16 && std::all_of(text.begin(), text.end(), [](char c) {
+               return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
+           });
+}
+
 std::optional<TextNode> ReadNode(const Json& json, std::vector<Problem>& problems,
                                  const std::string& prefix) {
     NodeReader reader(problems, prefix);
@@ -441,11 +357,15 @@ std::optional<TextNode> ReadNode(const Json& json, std::vector<Problem>& problem
         reader.Fail("template", "only node 0 is the template, and it is marked true");
     }
     if (json.contains("stored")) {
-        if (json["stored"].is_string()) {
+        if (IsFingerprint(json["stored"])) {
             node.stored = json["stored"].get<std::string>();
         } else {
-            reader.Fail("stored", "must be a text, not " + Shown(json["stored"]));
+            reader.Fail("stored", "must be 16 hexadecimal digits, not " + Shown(json["stored"]));
         }
+    }
+    // Shown only and never applied, but of the type the text form writes.
+    if (json.contains("modified") && !json["modified"].is_string() && !json["modified"].is_null()) {
+        reader.Fail("modified", "must be a text or null, not " + Shown(json["modified"]));
     }
     for (const FieldRule& rule : Fields()) {
         reader.ReadField(rule, json[Json::json_pointer(rule.pointer)], node);
@@ -456,128 +376,6 @@ std::optional<TextNode> ReadNode(const Json& json, std::vector<Problem>& problem
     return node;
 }
 
-// Line and column (from 1) of a byte offset.
-std::pair<std::size_t, std::size_t> LineAndColumn(std::string_view text, std::size_t offset) {
-    std::size_t line = 1;
-    std::size_t column = 1;
-    for (std::size_t i = 0; i < offset && i < text.size(); ++i) {
-        if (text[i] == '\n') {
-            ++line;
-            column = 1;
-        } else {
-            ++column;
-        }
-    }
-    return {line, column};
-}
-
-// The deepest nesting a node file has: the document, its list of nodes, a
-// node, its confirmation, the list of prompts and one prompt.
-constexpr std::size_t kDeepestNesting = 6;
-
-// A first pass over the text before any value is built: malformed JSON and
-// numbers beyond the range of numbers named by line and column, nesting
-// deeper than a node file has and a key given twice in one object named by
-// their JSON path. The first problem ends the pass.
-class TextChecker {
-public:
-    explicit TextChecker(std::string_view text) : text_(text) {}
-
-    std::optional<Problem> Check() {
-        Json::sax_parse(text_.begin(), text_.end(), this);
-        return problem_;
-    }
-
-    bool null() { return Element(); }
-    bool boolean(bool) { return Element(); }
-    bool number_integer(Json::number_integer_t) { return Element(); }
-    bool number_unsigned(Json::number_unsigned_t) { return Element(); }
-    bool number_float(Json::number_float_t, const Json::string_t&) { return Element(); }
-    bool string(Json::string_t&) { return Element(); }
-    bool binary(Json::binary_t&) { return Element(); }
-    bool start_object(std::size_t) { return Open(false); }
-    bool start_array(std::size_t) { return Open(true); }
-    bool end_object() { return Close(); }
-    bool end_array() { return Close(); }
-    bool key(Json::string_t& key) {
-        Frame& frame = frames_.back();
-        if (!frame.keys.insert(key).second) {
-            problem_ = Problem{Path(frames_.size() - 1), "the key \"" + key + "\" is given twice"};
-            return false;
-        }
-        frame.key = key;
-        return true;
-    }
-    bool parse_error(std::size_t position, const std::string& token,
-                     const nlohmann::detail::exception& error) {
-        // A number is named where it begins, any other error where reading
-        // stopped.
-        const bool number = dynamic_cast<const nlohmann::detail::out_of_range*>(&error) != nullptr;
-        const std::size_t at = number && position >= token.size() ? position - token.size()
-                               : position == 0                    ? 0
-                                                                  : position - 1;
-        const auto [line, column] = LineAndColumn(text_, at);
-        std::string reason;
-        if (number) {
-            reason = "the number " + token + " is beyond the range of numbers";
-        } else {
-            // "[json.exception.parse_error.101] parse error at line 1, column 2: X" -> X
-            reason = error.what();
-            if (const std::size_t colon = reason.find(": "); colon != std::string::npos) {
-                reason = reason.substr(colon + 2);
-            }
-            reason = "malformed JSON: " + reason;
-        }
-        problem_ = Problem{"", "line " + std::to_string(line) + ", column " +
-                                   std::to_string(column) + ": " + reason};
-        return false;
-    }
-
-private:
-    struct Frame {
-        bool array = false;
-        std::size_t elements = 0;  // of an array, begun so far
-        std::string key;           // of an object, the latest
-        std::set<std::string> keys;
-    };
-
-    // The JSON path of the value being read inside the first `depth` frames.
-    std::string Path(std::size_t depth) const {
-        std::string path;
-        for (std::size_t i = 0; i < depth; ++i) {
-            const Frame& frame = frames_[i];
-            path += frame.array ? "[" + std::to_string(frame.elements - 1) + "]"
-                                : (path.empty() ? "" : ".") + frame.key;
-        }
-        return path;
-    }
-    bool Element() {
-        if (!frames_.empty() && frames_.back().array) {
-            ++frames_.back().elements;
-        }
-        return true;
-    }
-    bool Open(bool array) {
-        Element();
-        if (frames_.size() == kDeepestNesting) {
-            problem_ = Problem{Path(frames_.size()), "is nested deeper than a node file goes (" +
-                                                         std::to_string(kDeepestNesting) +
-                                                         " levels of objects and lists)"};
-            return false;
-        }
-        frames_.push_back({array, 0, {}, {}});
-        return true;
-    }
-    bool Close() {
-        frames_.pop_back();
-        return true;
-    }
-
-    std::string_view text_;
-    std::vector<Frame> frames_;
-    std::optional<Problem> problem_;
-};
-
 std::optional<std::int64_t> DocumentKey(const Json& json, const char* key,
                                         std::vector<Problem>& problems) {
     NodeReader reader(problems, key);
@@ -587,15 +385,6 @@ std::optional<std::int64_t> DocumentKey(const Json& json, const char* key,
     }
     return reader.Whole(json[key], "");
 }
-
-}  // namespace
-
-const std::vector<FieldRule>& Fields() {
-    static const std::vector<FieldRule> fields = MakeFields();
-    return fields;
-}
-
-namespace {
 
 // FNV-1a, 64 bits, over the node's compact JSON: stable across runs,
 // machines and engines.
@@ -637,7 +426,7 @@ std::string ProblemText(const Problem& problem) {
 
 ReadResult ReadDocument(std::string_view text) {
     ReadResult result;
-    if (std::optional<Problem> problem = TextChecker(text).Check()) {
+    if (std::optional<Problem> problem = CheckText(text)) {
         result.problems.push_back(std::move(*problem));
         return result;
     }

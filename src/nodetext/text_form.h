@@ -4,6 +4,7 @@
 // and two-space indentation so that the same nodes always give the same
 // bytes, and read back with every problem named by its JSON path.
 
+#include "nodefields/node_fields.h"
 #include "nodetext/node_text.h"
 
 #include <optional>
@@ -14,27 +15,10 @@
 
 namespace dbn::nodetext {
 
-enum class FieldKind { Text, Whole, Named, Flag, Target, Prompts };
-// Which targets a reference may name: prompts (greeting, match and
-// confirmation prompts) or instructions (actions, timeout, invalid).
-enum class TargetRole { None, Prompt, Instruction };
-
-// One field of a node's text form and where it is stored.
-struct FieldRule {
-    std::string pointer;  // JSON pointer inside the node: "/stages/0/minDigits"
-    std::string path;     // as messages name it: "stages[0].minDigits"
-    FieldKind kind = FieldKind::Whole;
-    std::string column;  // the column; a target's role prefix ("Greeting")
-    // Named: the stored values and the names they read as.
-    std::vector<std::pair<int, std::string>> names;
-    // Whole: the values the editor offers (none when low > high).
-    int low = 1;
-    int high = 0;
-    TargetRole role = TargetRole::None;
-};
-
-// Every field of a node, in the order the text form writes them.
-const std::vector<FieldRule>& Fields();
+using nodefields::FieldKind;
+using nodefields::FieldRule;
+using nodefields::Fields;
+using nodefields::TargetRole;
 
 // The fingerprint of a node's stored state: 16 hexadecimal digits over
 // every field of its text form, its number and its modification time.

@@ -1,6 +1,7 @@
 // The node list's live part: other programs' changes heard and shown, and
 // the history of the selected node.
 #include "core/component_error.h"
+#include "core/node_types.h"
 #include "qt/history_window.h"
 #include "qt/live_watch.h"
 #include "qt/node_list_window.h"
@@ -99,7 +100,7 @@ void NodeListWindow::ShowChanges(const std::vector<session::HistoryEntry>& entri
     for (const session::HistoryEntry& entry : entries) {
         if (shown && entry.key.config == shown->config && entry.key.partition == shown->partition) {
             affectsShown = true;
-            if (entry.key.typeID == 15) {
+            if (entry.key.typeID == node_type::kDialByName) {
                 changed.insert(entry.key.number);
             }
         }

@@ -6,6 +6,8 @@
 #include "core/component_error.h"
 #include "core/node_types.h"
 #include "database/database.h"
+#include "nodefields/node_fields.h"
+#include "nodefields/save_rules.h"
 #include "nodetext/text_form.h"
 #include "session/nodes/apply_nodes.h"
 #include "session/nodes/node_history.h"
@@ -13,7 +15,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <fstream>
+#include <map>
+#include <set>
 #include <sstream>
 
 namespace dbn::testing {
@@ -282,7 +287,7 @@ TEST_F(NodeTextTest, EachRefusalIsListedAndNothingIsWritten) {
          {{"/method", 4}},
          "nodes[1].method: must be one of \"Custom\", \"Default Last Name\""},
         {"new node over the limit",
-         {{"/number", 21}, {"/stored", ""}},
+         {{"/number", 21}, {"/stored", nullptr}},
          "nodes[1].number: 21 is outside 1 to 20"},
     };
     const std::string text = Export();
@@ -290,7 +295,11 @@ TEST_F(NodeTextTest, EachRefusalIsListedAndNothingIsWritten) {
     for (const Refusal& refusal : cases) {
         json document = json::parse(text);
         for (const auto& [pointer, value] : refusal.edits) {
-            document["nodes"][1][json::json_pointer(pointer)] = value;
+            if (value.is_null()) {  // null leaves the field out
+                document["nodes"][1].erase(pointer.substr(1));
+            } else {
+                document["nodes"][1][json::json_pointer(pointer)] = value;
+            }
         }
         // A second, valid change in another node is not written either.
         document["nodes"][2]["label"] = "Renamed";
@@ -524,6 +533,115 @@ TEST_F(NodeTextTest, EveryWrittenNodeGetsOneHistoryRow) {
 
     EXPECT_TRUE(history(2).empty());
     EXPECT_TRUE(history(0).empty());
+}
+
+}  // namespace
+}  // namespace dbn::testing
+
+namespace dbn::testing {
+namespace {
+
+// The form and apply judge every field alike: a number apply accepts is one
+// the form's list offers, a label apply accepts is one the form's box holds
+// whole, and a search rule refuses on both paths with the same message.
+TEST_F(NodeTextTest, FormAndApplyGiveTheSameVerdicts) {
+    const std::map<std::string, std::string> lists = {
+        {"DirectoryNodeNumber", "cmbDirectory"},   {"FirstMinDigits", "cmbFirstMinDigits"},
+        {"FirstMaxDigits", "cmbFirstMaxDigits"},   {"SecondMinDigits", "cmbSecondMinDigits"},
+        {"SecondMaxDigits", "cmbSecondMaxDigits"}, {"MaxMatch", "cmbMaxMatches"},
+        {"RetryLimit", "cmbRetryLimit"},           {"SelectionTimeout", "cmbSelTimeOut"},
+        {"DigitTimeout", "cmbDigitTimeOut"}};
+    const std::string shortLabel = "Zoë" + std::string(27, 'x');  // 30 characters, 31 bytes
+    const std::string longLabel = shortLabel + "é";
+    struct Rule {
+        std::string form;  // assignments made in the form
+        json edits;        // the same settings in the file
+        std::string message;
+    };
+    const std::vector<Rule> rules = {
+        {"cmbFirstMinDigits=6; cmbFirstMaxDigits=5",
+         {{"/stages/0/minDigits", 6}, {"/stages/0/maxDigits", 5}},
+         nodefields::kMinAboveMax},
+        {"cmbFirstMinDigits=5; cmbFirstMaxDigits=5",
+         {{"/stages/0/minDigits", 5}, {"/stages/0/maxDigits", 5}},
+         ""},
+        {"cmbfirstMatch=First Name; cmbsecondMatch=First Name",
+         {{"/stages/0/mode", "First Name"}, {"/stages/1/mode", "First Name"}},
+         nodefields::kSameMatch},
+        {"cmbMethod=Default Last Name; cmbLanguage1=None; cmbLanguage2=None",
+         {{"/method", "Default Last Name"},
+          {"/languages/first", "None"},
+          {"/languages/second", "None"}},
+         nodefields::kNoLanguage},
+    };
+    const json exported = Exported();
+    const int node = exported["nodes"][1]["number"].get<int>();
+    std::map<std::string, std::set<std::string>> offered;
+    std::vector<std::string> formMessages;
+    std::vector<bool> labelsKept;
+    for (const Rule& rule : rules) {
+        Open(1, node, [&](form::GUI& gui) {
+            if (offered.empty()) {
+                for (const auto& [column, name] : lists) {
+                    auto& list = dynamic_cast<form::ListControl&>(*gui.FindControl(name));
+                    for (int i = 0; i < list.ListCount(); ++i) {
+                        offered[column].insert(list.List(i));
+                    }
+                }
+                for (const std::string& label : {shortLabel, longLabel}) {
+                    gui.txtDescription.SetText(label);
+                    labelsKept.push_back(gui.txtDescription.Text() == label);
+                }
+            }
+            Set(gui, rule.form);
+            services.boxes.clear();
+            formMessages.push_back(gui.ValidateBeforeSave() ? "" : services.boxes.at(0).text);
+        });
+    }
+    auto problems = [&](const json& edits) {
+        json document = exported;
+        for (const auto& [pointer, value] : edits.items()) {
+            document["nodes"][1][json::json_pointer(pointer)] = value;
+        }
+        ApplyOptions options;
+        options.dryRun = true;
+        return Texts(Apply(document, options).problems);
+    };
+    for (std::size_t i = 0; i < rules.size(); ++i) {
+        const std::vector<std::string> applied = problems(rules[i].edits);
+        EXPECT_EQ(formMessages[i], rules[i].message) << rules[i].form;
+        EXPECT_EQ(applied.empty() ? "" : applied.front().substr(applied.front().find(": ") + 2),
+                  rules[i].message)
+            << rules[i].form;
+    }
+    for (const nodefields::FieldRule& rule : nodefields::Fields()) {
+        if (rule.kind != nodefields::FieldKind::Whole) {
+            continue;
+        }
+        for (const int value : {rule.low - 1, rule.low, rule.high, rule.high + 1}) {
+            const std::vector<std::string> applied = problems({{rule.pointer, value}});
+            const bool refused = std::any_of(applied.begin(), applied.end(), [&](const auto& text) {
+                return text.find(rule.path + ": " + std::to_string(value) + " is outside") !=
+                       std::string::npos;
+            });
+            EXPECT_EQ(!refused, offered.at(rule.column).count(std::to_string(value)) > 0)
+                << rule.path << " = " << value;
+        }
+    }
+    for (std::size_t i = 0; i < labelsKept.size(); ++i) {
+        EXPECT_EQ(problems({{"/label", i == 0 ? shortLabel : longLabel}}).empty(), labelsKept[i])
+            << "label " << i;
+    }
+    EXPECT_EQ(problems({{"/label", longLabel}}),
+              std::vector<std::string>{"nodes[1].label: is 31 characters long; at most 30 are "
+                                       "allowed"});
+    // A longer stored label that the file leaves as it is stays, as in the form.
+    root.Exec("UPDATE Node_DBN SET NodeDescription = '" + std::string(40, 'x') +
+              "' WHERE ConfigID = 1 AND PartID = 1 AND NodeNumber = " + std::to_string(node));
+    json kept = Exported();
+    kept["nodes"][1]["retryLimit"] = kept["nodes"][1]["retryLimit"] == 2 ? 3 : 2;
+    const ApplyResult result = Apply(kept);
+    EXPECT_TRUE(result.problems.empty() && result.written);
 }
 
 }  // namespace

@@ -4,28 +4,28 @@
 
 #include "form/error_trap.h"
 #include "form/gui.h"
+#include "nodefields/node_fields.h"
 #include "session/editor/form_lists.h"
 
 namespace dbn {
 namespace {
 
-void FillNumbers(form::ListControl& list, int last) {
+// The numbers the field's rule allows, from its lowest.
+void FillNumbers(form::ListControl& list, const char* column) {
+    const nodefields::FieldRule& rule = *nodefields::FieldOfColumn(column);
     list.Clear();
-    for (int number = 1; number <= last; ++number) {
+    for (int number = rule.low; number <= rule.high; ++number) {
         session::AddEntry(list, std::to_string(number));
     }
 }
 
-void FillNamed(form::ListControl& list,
-               std::initializer_list<std::pair<const char*, int>> entries) {
-    for (const auto& [text, tag] : entries) {
-        session::AddEntry(list, text, tag);
+// The field's names, each tagged with its stored value.
+void FillNamed(form::ListControl& list, const char* column) {
+    list.Clear();
+    for (const auto& [stored, name] : nodefields::FieldOfColumn(column)->names) {
+        session::AddEntry(list, name, stored);
     }
 }
-
-constexpr std::initializer_list<std::pair<const char*, int>> kLanguages = {
-    {"None", 0}, {"English", 1}, {"French", 2}};
-constexpr std::initializer_list<std::pair<const char*, int>> kNoYes = {{"No", 0}, {"Yes", 1}};
 
 }  // namespace
 
@@ -33,58 +33,45 @@ void Business_Rules::LoadStaticConstants() {
     form::RunTrapped(services_, "LoadStaticConstants", [&] {
         form::GUI& form = Form();
 
-        FillNumbers(form.cmbDirectory, 99);
+        FillNumbers(form.cmbDirectory, "DirectoryNodeNumber");
         form.cmbDirectory.SetListIndex(0);
 
-        form::ListControl* const digitLists[] = {&form.cmbFirstMinDigits, &form.cmbFirstMaxDigits,
-                                                 &form.cmbSecondMinDigits, &form.cmbSecondMaxDigits,
-                                                 &form.cmbMaxMatches};
-        for (form::ListControl* list : digitLists) {
-            list->Clear();
-        }
-        for (int number = 1; number <= 9; ++number) {
-            for (form::ListControl* list : digitLists) {
-                session::AddEntry(*list, std::to_string(number));
-            }
-        }
+        FillNumbers(form.cmbFirstMinDigits, "FirstMinDigits");
+        FillNumbers(form.cmbFirstMaxDigits, "FirstMaxDigits");
+        FillNumbers(form.cmbSecondMinDigits, "SecondMinDigits");
+        FillNumbers(form.cmbSecondMaxDigits, "SecondMaxDigits");
+        FillNumbers(form.cmbMaxMatches, "MaxMatch");
         form.cmbFirstMinDigits.SetListIndex(2);
         form.cmbFirstMaxDigits.SetListIndex(4);
         form.cmbSecondMinDigits.SetListIndex(2);
         form.cmbSecondMaxDigits.SetListIndex(4);
         form.cmbMaxMatches.SetListIndex(4);
 
-        FillNumbers(form.cmbRetryLimit, 5);
+        FillNumbers(form.cmbRetryLimit, "RetryLimit");
         form.cmbRetryLimit.SetListIndex(0);
-        FillNumbers(form.cmbSelTimeOut, 60);
+        FillNumbers(form.cmbSelTimeOut, "SelectionTimeout");
         form.cmbSelTimeOut.SetListIndex(4);
-        FillNumbers(form.cmbDigitTimeOut, 15);
+        FillNumbers(form.cmbDigitTimeOut, "DigitTimeout");
         form.cmbDigitTimeOut.SetListIndex(9);
 
-        form.cmbMethod.Clear();
-        FillNamed(form.cmbMethod, {{"Custom", 0}, {"Default Last Name", 1}});
+        FillNamed(form.cmbMethod, "Method");
 
-        form.cmbfirstMatch.Clear();
-        FillNamed(form.cmbfirstMatch,
-                  {{"Last Name", 1}, {"First Name", 2}, {"Both Names", 3}, {"Extension", 4}});
+        FillNamed(form.cmbfirstMatch, "FirstMode");
         form.cmbfirstMatch.SetListIndex(0);
 
-        form.cmbsecondMatch.Clear();
-        FillNamed(form.cmbsecondMatch, {{"None", 0}, {"Last Name", 1}, {"First Name", 2}});
+        FillNamed(form.cmbsecondMatch, "SecondMode");
         form.cmbsecondMatch.SetListIndex(0);
 
-        form.cmbLanguage1.Clear();
-        form.cmbLanguage2.Clear();
-        FillNamed(form.cmbLanguage1, kLanguages);
+        form.cmbLanguage2.Clear();  // empty while the first list's selection runs
+        FillNamed(form.cmbLanguage1, "FirstLanguage");
         form.cmbLanguage1.SetListIndex(1);
-        FillNamed(form.cmbLanguage2, kLanguages);
+        FillNamed(form.cmbLanguage2, "SecondLanguage");
         form.cmbLanguage2.SetListIndex(0);
 
-        form.cmbConfirmation.Clear();
-        FillNamed(form.cmbConfirmation, kNoYes);
+        FillNamed(form.cmbConfirmation, "Confirm");
         form.cmbConfirmation.SetListIndex(1);
 
-        form.cmbPlayName.Clear();
-        FillNamed(form.cmbPlayName, kNoYes);
+        FillNamed(form.cmbPlayName, "PlayName");
         form.cmbPlayName.SetListIndex(1);
     });
 }

@@ -25,6 +25,7 @@ namespace dbn {
 
 namespace {
 
+const std::string kDirectoryTypeID = std::to_string(node_type::kDirectory);
 constexpr const char* kTemplateNumber = "0";
 
 // Copies made one after another with no word to the operator in between

@@ -3,6 +3,8 @@
 #include "core/node_types.h"
 #include "core/text_validator.h"
 #include "database/database.h"
+#include "nodefields/save_rules.h"
+#include "nodetext/node_merge.h"
 #include "session/nodes/node_templates.h"
 #include "session/nodes/node_text_store.h"
 #include "session/nodes/partition_targets.h"
@@ -22,13 +24,11 @@ namespace dbn::session {
 namespace {
 
 using nodetext::FieldChange;
-using nodetext::FieldKind;
-using nodetext::FieldRule;
 using nodetext::TextNode;
 using nodetext::Value;
 
 const std::string kDbnType = CommandArg(node_type::kDialByName);
-constexpr std::int64_t kDirectoryType = 16;
+constexpr std::int64_t kDirectoryType = node_type::kDirectory;
 
 // One node of the document, ready to be written.
 struct PlannedNode {
@@ -58,52 +58,7 @@ nodetext::StoredRef Resolved(nodetext::StoredRef ref, const nodetext::StoredRef&
     return ref;
 }
 
-// The node as it will be stored: every column the stored node (or the
-// template) has, overlaid with the file's fields.
-TextNode Merged(const TextNode& base, const TextNode& file, const PartitionTargets& targets) {
-    TextNode merged = base;
-    merged.number = file.number;
-    for (const FieldRule& rule : nodetext::Fields()) {
-        if (rule.kind == FieldKind::Target) {
-            nodetext::SetRefColumns(merged, rule.column,
-                                    Resolved(nodetext::RefColumns(file, rule.column),
-                                             nodetext::RefColumns(base, rule.column), targets));
-        } else if (rule.kind == FieldKind::Prompts) {
-            merged.prompts.clear();
-            for (std::size_t i = 0; i < file.prompts.size(); ++i) {
-                merged.prompts.push_back(Resolved(
-                    file.prompts[i],
-                    i < base.prompts.size() ? base.prompts[i] : nodetext::StoredRef{}, targets));
-            }
-        } else {
-            auto found = file.columns.find(rule.column);
-            merged.columns[rule.column] = found == file.columns.end() ? Value{} : found->second;
-        }
-    }
-    return merged;
-}
-
-std::int64_t Column(const TextNode& node, const std::string& column, std::int64_t fallback = 0) {
-    auto found = node.columns.find(column);
-    return found == node.columns.end() ? fallback : nodetext::WholeOr(found->second, fallback);
-}
-
-// The languages as the save leaves them under the method "Default Last
-// Name": the second moves up when the first is "None", and a second equal
-// to the first becomes "None".
-void SettleLanguages(TextNode& node) {
-    if (Column(node, "Method") == 0) {
-        return;
-    }
-    const std::int64_t first = Column(node, "FirstLanguage");
-    const std::int64_t second = Column(node, "SecondLanguage");
-    if (first == 0 && second != 0) {
-        node.columns["FirstLanguage"] = second;
-        node.columns["SecondLanguage"] = std::int64_t{0};
-    } else if (first != 0 && first == second) {
-        node.columns["SecondLanguage"] = std::int64_t{0};
-    }
-}
+using nodetext::Column;
 
 class NodeChecker {
 public:
@@ -115,56 +70,19 @@ public:
         problems_.push_back({prefix_ + "." + path, message});
     }
 
-    // A changed field: the values the editor offers and the targets the
+    // The changed fields: the values the editor offers and the targets the
     // partition allows.
-    void CheckField(const FieldRule& rule, const TextNode& node) {
-        auto value = [&]() -> Value {
-            auto found = node.columns.find(rule.column);
-            return found == node.columns.end() ? Value{} : found->second;
+    void CheckFields(const TextNode& node, const std::vector<FieldChange>& changes) {
+        auto target = [&](const std::string& path, nodetext::TargetRole role,
+                          const nodetext::StoredRef& ref) -> std::optional<nodetext::Problem> {
+            if (auto refusal = targets_.Refusal(role, ref)) {
+                return nodetext::Problem{path + refusal->first, refusal->second};
+            }
+            return std::nullopt;
         };
-        switch (rule.kind) {
-            case FieldKind::Text:
-                return;
-            case FieldKind::Whole: {
-                const Value stored = value();
-                const auto* number = std::get_if<std::int64_t>(&stored);
-                if (number == nullptr || *number < rule.low || *number > rule.high) {
-                    Fail(rule.path, (number ? std::to_string(*number) : std::string("null")) +
-                                        " is outside " + std::to_string(rule.low) + " to " +
-                                        std::to_string(rule.high));
-                }
-                return;
-            }
-            case FieldKind::Named: {
-                const std::int64_t number = nodetext::WholeOr(value(), -1);
-                const bool named =
-                    std::any_of(rule.names.begin(), rule.names.end(),
-                                [&](const auto& entry) { return entry.first == number; });
-                if (!named) {
-                    std::string allowed;
-                    for (const auto& entry : rule.names) {
-                        allowed += (allowed.empty() ? "\"" : ", \"") + entry.second + "\"";
-                    }
-                    Fail(rule.path, "must be one of " + allowed);
-                }
-                return;
-            }
-            case FieldKind::Flag: {
-                const std::int64_t number = nodetext::WholeOr(value(), -1);
-                if (number != 0 && number != 1) {
-                    Fail(rule.path, "must be true or false");
-                }
-                return;
-            }
-            case FieldKind::Target:
-                CheckTarget(rule.path, rule.role, nodetext::RefColumns(node, rule.column));
-                return;
-            case FieldKind::Prompts:
-                for (std::size_t i = 0; i < node.prompts.size(); ++i) {
-                    CheckTarget(rule.path + "[" + std::to_string(i) + "]", rule.role,
-                                node.prompts[i]);
-                }
-                return;
+        for (const nodetext::Problem& problem :
+             nodetext::ChangedFieldRefusals(node, changes, target)) {
+            Fail(problem.path, problem.message);
         }
     }
 
@@ -179,44 +97,24 @@ public:
         auto label = node.columns.find("NodeDescription");
         if (changed({"label"}) && label != node.columns.end() &&
             !form::TextValidator().IsValidText(nodetext::ValueText(label->second))) {
-            Fail("label",
-                 "Double quotes and continuous single quotes are not allowed in the Label field");
+            Fail("label", nodefields::kLabelRefused);
         }
-        if (Column(node, "Method") != 0) {
-            if (changed({"method", "languages.first", "languages.second"}) &&
-                Column(node, "FirstLanguage") == 0 && Column(node, "SecondLanguage") == 0) {
-                Fail("languages.first", "Please select a language in Language 1");
+        const nodefields::SearchSettings settings{
+            Column(node, "Method"),         Column(node, "FirstLanguage"),
+            Column(node, "SecondLanguage"), Column(node, "FirstMode"),
+            Column(node, "SecondMode"),     Column(node, "FirstMinDigits"),
+            Column(node, "FirstMaxDigits"), Column(node, "SecondMinDigits"),
+            Column(node, "SecondMaxDigits")};
+        for (const nodefields::RuleRefusal& refusal : nodefields::SearchRefusals(settings)) {
+            if (std::any_of(
+                    refusal.reads.begin(), refusal.reads.end(),
+                    [&](const std::string& path) { return nodetext::Changed(changes, path); })) {
+                Fail(refusal.path, refusal.message);
             }
-            return;
-        }
-        const bool method = changed({"method"});
-        const std::int64_t firstMode = Column(node, "FirstMode");
-        const std::int64_t secondMode = Column(node, "SecondMode");
-        if ((method || changed({"stages[0].mode", "stages[1].mode"})) && firstMode == secondMode &&
-            (firstMode == 1 || firstMode == 2)) {
-            Fail("stages[1].mode",
-                 "Second Match must be different from the First Match.  Please select another "
-                 "option in Second Match.");
-        }
-        const char* order = "Min Digits value must be less than or equal to Max Digits value.";
-        if ((method || changed({"stages[0].minDigits", "stages[0].maxDigits"})) &&
-            Column(node, "FirstMinDigits") > Column(node, "FirstMaxDigits")) {
-            Fail("stages[0].minDigits", order);
-        }
-        if ((method || changed({"stages[1].mode", "stages[1].minDigits", "stages[1].maxDigits"})) &&
-            secondMode != 0 && Column(node, "SecondMinDigits") > Column(node, "SecondMaxDigits")) {
-            Fail("stages[1].minDigits", order);
         }
     }
 
 private:
-    void CheckTarget(const std::string& path, nodetext::TargetRole role,
-                     const nodetext::StoredRef& ref) {
-        if (auto refusal = targets_.Refusal(role, ref)) {
-            Fail(path + refusal->first, refusal->second);
-        }
-    }
-
     std::vector<nodetext::Problem>& problems_;
     const PartitionTargets& targets_;
     std::string prefix_;
@@ -252,7 +150,8 @@ void GatherReferences(const TextNode& node, std::vector<RequiredNode>& required,
                       std::set<std::string>& keys) {
     Gather(required, keys, nodetext::RefColumns(node, "Greeting"));
     Gather(required, keys,
-           {std::string("DIR"), Column(node, "DirectoryNodeNumber"), std::int64_t{kDirectoryType}});
+           {std::string(node_type::kDirectoryCode), Column(node, "DirectoryNodeNumber"),
+            std::int64_t{kDirectoryType}});
     for (const char* role : {"ValidMatch", "Abort", "Star", "Pound", "Zero"}) {
         Gather(required, keys, nodetext::RefColumns(node, role));
     }
@@ -337,18 +236,16 @@ std::vector<PlannedNode> PlanNodes(const std::map<std::int64_t, TextNode>& store
             base = &templateNode->second;
             plan.outcome = NodeOutcome::Created;
         }
-        plan.node = Merged(*base, file, targets);
-        SettleLanguages(plan.node);
+        plan.node = nodetext::MergedNode(
+            *base, file, [&](const nodetext::StoredRef& ref, const nodetext::StoredRef& before) {
+                return Resolved(ref, before, targets);
+            });
         plan.changes = nodetext::Changes(*base, plan.node);
         if (plan.outcome != NodeOutcome::Created) {
             plan.outcome = plan.changes.empty() ? NodeOutcome::Unchanged : NodeOutcome::Changed;
         }
         if (plan.outcome != NodeOutcome::Unchanged) {
-            for (const FieldRule& rule : nodetext::Fields()) {
-                if (nodetext::Changed(plan.changes, rule.path)) {
-                    checker.CheckField(rule, plan.node);
-                }
-            }
+            checker.CheckFields(plan.node, plan.changes);
             checker.CheckSave(plan.node, plan.changes);
         }
         planned.push_back(std::move(plan));

@@ -133,7 +133,7 @@ directory::DirectoryReport CheckStoredNode(DataBase& db, std::int16_t config,
         readAhead.emplace(db);
         db.ReadAhead({{"Get_DIR_Node",
                        {CommandArg(config), CommandArg(partition), CommandArg(directory),
-                        CommandArg(kDirTypeID)}},
+                        CommandArg(node_type::kDirectory)}},
                       {"Get_DIR_Names",
                        {CommandArg(config), CommandArg(partition), CommandArg(directory)}}});
     }

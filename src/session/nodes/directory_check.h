@@ -23,9 +23,6 @@ namespace dbn::session {
 inline constexpr long kErrCheckedNodeMissing = 5001;
 inline constexpr long kErrDirectoryMissing = 5002;
 
-// The directory node type.
-inline constexpr std::int16_t kDirTypeID = 16;
-
 // The names of directory node `directory` (its Detail_DIR rows), in sequence
 // order. Raises kErrDirectoryMissing when the partition has no such DIR node.
 std::vector<directory::DirectoryName> ReadDirectoryNames(DataBase& db, std::int16_t config,

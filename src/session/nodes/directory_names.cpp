@@ -1,5 +1,6 @@
 // Reading the names of a directory node for the directory check.
 #include "core/component_error.h"
+#include "core/node_types.h"
 #include "session/nodes/directory_check.h"
 #include "session/nodes/stored_values.h"
 
@@ -9,7 +10,7 @@ std::vector<directory::DirectoryName> ReadDirectoryNames(DataBase& db, std::int1
                                                          std::int16_t partition,
                                                          std::int16_t directory) {
     db.Execute("Get_DIR_Node", {CommandArg(config), CommandArg(partition), CommandArg(directory),
-                                CommandArg(kDirTypeID)});
+                                CommandArg(node_type::kDirectory)});
     RowSet& node = db.Recordset("Get_DIR_Node");
     const bool exists = !node.Eof();
     node.Close();

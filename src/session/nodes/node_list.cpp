@@ -154,7 +154,8 @@ std::vector<NodeListRow> NodeList::Nodes(PartitionKey where) {
         if (std::none_of(searches.begin(), searches.end() - 1,
                          [&](const auto& kept) { return kept.second == searches.back().second; })) {
             directoryReads.push_back(
-                {"Get_DIR_Node", {config, partition, directory, CommandArg(kDirTypeID)}});
+                {"Get_DIR_Node",
+                 {config, partition, directory, CommandArg(node_type::kDirectory)}});
             directoryReads.push_back({"Get_DIR_Names", {config, partition, directory}});
         }
         nodes.push_back(std::move(row));
