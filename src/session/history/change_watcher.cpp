@@ -77,11 +77,11 @@ bool ChangeWatcher::TryAgain() {
 }
 
 std::vector<HistoryEntry> ChangeWatcher::EntriesOfReplacement() {
-    // The new file's history is its own: its entries from the moment it
-    // took the old one's place on.
-    struct stat status {};
-    const std::string since =
-        ::stat(target_.location.c_str(), &status) == 0 ? IsoUtc(status.st_ctime) : std::string();
+    // The new file's history is its own: its entries from the last moment
+    // the old file was still seen on (to the second, so that none committed
+    // in that second is missed). The file's own times change with every
+    // write and cannot tell when it took the old one's place.
+    const std::string since = IsoUtc(std::chrono::system_clock::to_time_t(oldFileSeen_));
     std::vector<HistoryEntry> entries = ReadHistoryAfter(*db_, 0);
     last_ = entries.empty() ? 0 : entries.back().entry;
     std::erase_if(entries, [&since](const HistoryEntry& entry) { return entry.time < since; });
@@ -95,12 +95,17 @@ std::vector<HistoryEntry> ChangeWatcher::NewChanges() {
         }
         return EntriesAfterLast();
     }
+    const auto now = std::chrono::system_clock::now();
     if (identity_ && IdentityOfFile() && IdentityOfFile() != identity_) {
         Connect();
         notice_ = "The configuration database " + target_.location +
                   " was replaced by another file; watching the new one.";
-        return active_ ? EntriesOfReplacement() : std::vector<HistoryEntry>{};
+        std::vector<HistoryEntry> entries =
+            active_ ? EntriesOfReplacement() : std::vector<HistoryEntry>{};
+        oldFileSeen_ = now;
+        return entries;
     }
+    oldFileSeen_ = now;
     if (!active_) {
         return {};
     }

@@ -66,6 +66,8 @@ private:
     int socket_ = -1;
     long last_ = 0;
     std::optional<FileIdentity> identity_;
+    // When the file on show was last seen to be the one watched.
+    std::chrono::system_clock::time_point oldFileSeen_ = std::chrono::system_clock::now();
     bool lost_ = false;
     bool pending_ = false;  // entries after the given one not yet read
     std::chrono::steady_clock::time_point nextTry_{};
