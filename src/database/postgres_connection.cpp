@@ -100,7 +100,22 @@ bool PostgresEngine::Lost() const {
 }
 
 void PostgresEngine::Reconnect() {
-    PQreset(conn_.get());
+    // A new connection with the settings of the old one: resetting a
+    // connection that broke inside a pipeline does not bring it back.
+    PQconninfoOption* settings = PQconninfo(conn_.get());
+    std::vector<const char*> keywords;
+    std::vector<const char*> values;
+    for (const PQconninfoOption* setting = settings; setting != nullptr && setting->keyword;
+         ++setting) {
+        if (setting->val != nullptr && *setting->val != '\0') {
+            keywords.push_back(setting->keyword);
+            values.push_back(setting->val);
+        }
+    }
+    keywords.push_back(nullptr);
+    values.push_back(nullptr);
+    conn_.reset(PQconnectdbParams(keywords.data(), values.data(), 0));
+    PQconninfoFree(settings);
     if (Lost()) {
         RaiseServerError(kErrServerUnreachable,
                          "The database server \"" + name_ +

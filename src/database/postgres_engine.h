@@ -57,8 +57,8 @@ public:
     CommandResult Run(const CatalogueCommand& command,
                       const std::vector<std::string>& args) override;
     std::vector<CommandResult> RunBatch(const std::vector<BatchStep>& steps) override;
-    std::optional<std::vector<CommandResult>> RunBatchAtVersion(
-        const std::vector<BatchStep>& steps, int version) override;
+    std::optional<std::vector<CommandResult>> RunBatchAtVersion(const std::vector<BatchStep>& steps,
+                                                                int version) override;
     void BeginWrite() override;
     void Exec(const std::string& sql, std::string_view doing) override;
     // A transaction whose connection was lost stays open until it is ended
@@ -66,6 +66,7 @@ public:
     bool InTransaction() const override {
         return Lost() ? open_ != Open::None : ServerInTransaction();
     }
+    bool ConnectionLost() const override { return Lost(); }
     std::vector<std::string> RowLockStatements(const std::vector<RowLock>& locks) override;
     std::optional<std::string> ReadOnlyUser() override;
     void SetLockTimeout(std::chrono::milliseconds timeout) override;
