@@ -19,6 +19,7 @@
 #include <unistd.h>
 
 #include <functional>
+#include <utility>
 
 namespace dbn {
 namespace {
@@ -121,6 +122,42 @@ TEST_F(LostConnection, AWriteWhoseAnswerIsLostIsToldAndNeverSentAgain) {
         usleep(10000);
     }
     EXPECT_EQ(Count("Detail_DBN_Prompts", where), "1");
+}
+
+// A connection ended under a pipelined batch while the server stays away
+// for a while (a restart): once it is back, the next operations go through.
+TEST_F(LostConnection, AfterARestartThatTookAWhileTheNextOperationsGoThrough) {
+    auto holder = testing::ConnectTo(scratch_->Uri());
+    PQclear(PQexec(holder.get(),
+                   "BEGIN; UPDATE Node_General_Pool SET NodeDescription = 'held' WHERE "
+                   "NodeTypeID = 15 AND NodeNumber = 1"));
+    bool cut = false;
+    db_->SetWaitHandler([&] {
+        if (!std::exchange(cut, true)) {
+            relay_->RefuseNewConnections(true);
+            relay_->CutAll();
+        }
+    });
+    EXPECT_EQ(ErrorOf([&] {
+                  db_->ExecuteBatch({{"Get_Node_Names", {}},
+                                     {"Update_Node_General_Pool",
+                                      {"mine", "2001-01-01 00:00:00", "1", "1", "15", "1"}}});
+              }).Number(),
+              kErrServerUnreachable);
+    PQclear(PQexec(holder.get(), "ROLLBACK"));
+    db_->SetWaitHandler({});
+    // Still away: told, twice.
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(ErrorOf([&] { db_->Execute("Get_Node_Names"); }).Number(), kErrServerUnreachable);
+    }
+    relay_->RefuseNewConnections(false);
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(db_->Execute("Get_Node_Names"), 18);
+        db_->Recordset("Get_Node_Names").Close();
+        db_->BeginTrans();
+        Label(1, "round " + std::to_string(round));
+        db_->CommitTrans();
+    }
 }
 
 // A server restart under a watcher: told once, connected to again, and
