@@ -120,6 +120,9 @@ FormView::FormView(form::GUI& form, QWidget* parent)
 }
 
 FormView::~FormView() {
+    // The child widgets lose their focus as QWidget's destructor deletes
+    // them, after this one: the window must not hear that any more.
+    disconnect(qApp, &QApplication::focusChanged, this, nullptr);
     form_.Unobserve(formObserver_);
     form_.Frame1.Unobserve(frame1Observer_);
     form_.cmdApply.Unobserve(applyObserver_);
