@@ -45,16 +45,7 @@ DatabaseEngine& DataBase::Connected() {
         engine_ = std::move(engine);
         schemaKnown_ = false;
     }
-    if (AbandonedTransaction()) {
-        // Its owner has ended it (and told the loss): it went with the
-        // connection, and the next statement may connect again.
-        engine_->Exec("ROLLBACK", "RollbackTrans");
-    }
     return *engine_;
-}
-
-bool DataBase::AbandonedTransaction() const noexcept {
-    return !transactionBegun_ && engine_ && engine_->ConnectionLost() && engine_->InTransaction();
 }
 
 DatabaseEngine& DataBase::Engine() {
@@ -315,23 +306,11 @@ void DataBase::BeginTrans() {
     ForgetReadAhead();
     Notify(DataBaseStep::BeginTrans);
     savepoints_ = 0;
-    DatabaseEngine& engine = Engine();
-    transactionBegun_ = true;
-    try {
-        engine.BeginWrite();
-    } catch (...) {
-        transactionBegun_ = false;
-        throw;
-    }
+    Engine().BeginWrite();
 }
 
 void DataBase::CommitTrans() {
     savepoints_ = 0;
-    // However the commit ends, the transaction is no longer the caller's.
-    struct Ended {
-        bool& begun;
-        ~Ended() { begun = false; }
-    } ended{transactionBegun_};
     if (!queued_.empty()) {
         ExecuteBatch({BatchStep::CommitTrans()});
         return;
@@ -342,7 +321,6 @@ void DataBase::CommitTrans() {
 }
 
 void DataBase::RollbackTrans() {
-    transactionBegun_ = false;
     queued_.clear();
     savepoints_ = 0;
     ForgetReadAhead();
@@ -413,7 +391,7 @@ void DataBase::LockRows(const std::vector<RowLock>& locks) {
 }
 
 bool DataBase::InTransaction() const noexcept {
-    return engine_ && engine_->InTransaction() && !AbandonedTransaction();
+    return engine_ && engine_->InTransaction();
 }
 
 void DataBase::SetWaitHandler(std::function<void()> handler) {

@@ -157,7 +157,6 @@ private:
     DatabaseEngine& Engine();
     // The connection without asking the schema version.
     DatabaseEngine& Connected();
-    bool AbandonedTransaction() const noexcept;
     // Sends steps to the engine; the first batch of a connection asks the
     // schema version in the same round trip where the engine can.
     std::vector<CommandResult> SendBatch(const std::vector<BatchStep>& steps);
@@ -198,9 +197,6 @@ private:
     DataBaseObserver observer_;
     std::vector<KeptAnswer> readAhead_;
     int savepoints_ = 0;  // open savepoints of the transaction
-    // Begun by BeginTrans and not yet ended by CommitTrans or RollbackTrans:
-    // a lost connection's transaction is kept open only while this holds.
-    bool transactionBegun_ = false;
     std::string uncertainCommit_;
 };
 

@@ -61,8 +61,6 @@ public:
     // Runs statements without results (commit, rollback, savepoints, DDL).
     virtual void Exec(const std::string& sql, std::string_view doing) = 0;
     virtual bool InTransaction() const = 0;
-    // Whether the connection is known to be gone (a server engine only).
-    virtual bool ConnectionLost() const { return false; }
     // The statements that lock the rows matching each key until the
     // transaction ends, one a table; none where the write transaction holds
     // the whole database already.

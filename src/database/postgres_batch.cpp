@@ -21,6 +21,13 @@ bool OnlyReads(const std::vector<BatchStep>& steps) {
     });
 }
 
+// True when a step commits the open transaction.
+bool Commits(const std::vector<BatchStep>& steps) {
+    return std::any_of(steps.begin(), steps.end(), [](const BatchStep& step) {
+        return step.kind == BatchStep::Kind::CommitTrans;
+    });
+}
+
 // The PostgreSQL text of a catalogue command, translated once per process.
 const TranslatedStatement& PostgresTextOf(const CatalogueCommand& command) {
     static std::map<std::string_view, TranslatedStatement> translated;
@@ -93,20 +100,30 @@ int PostgresEngine::SendStep(const BatchStep& step) {
 
 template <class Attempt>
 auto PostgresEngine::Resent(const std::vector<BatchStep>& steps, Attempt attempt) {
-    ReconnectIfLost();
-    // Reads sent outside a transaction are sent once more on a new connection
-    // when the old one broke under them; writes, which may have been done
-    // when their answer was lost, never are.
-    const bool repeatable = !InTransaction() && OnlyReads(steps);
     try {
+        ReconnectIfLost();
+        // Reads sent outside a transaction are sent once more on a new
+        // connection when the old one broke under them; writes, which may
+        // have been done when their answer was lost, never are.
+        const bool repeatable = !InTransaction() && OnlyReads(steps);
+        try {
+            return attempt();
+        } catch (...) {
+            if (!repeatable || !Lost()) {
+                throw;
+            }
+        }
+        Reconnect();
         return attempt();
     } catch (...) {
-        if (!repeatable || !Lost()) {
-            throw;
+        // A batch that commits ends its transaction however it goes: lost
+        // with its connection (as its error told), it is over, and the next
+        // statement may connect again.
+        if (Lost() && Commits(steps)) {
+            open_ = Open::None;
         }
+        throw;
     }
-    Reconnect();
-    return attempt();
 }
 
 std::vector<CommandResult> PostgresEngine::RunBatch(const std::vector<BatchStep>& steps) {

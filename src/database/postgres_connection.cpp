@@ -1,6 +1,7 @@
 // The server engine's connection: opening it, making it again when it was
 // lost, running single statements while the wait handler keeps a window
 // painting, and turning the server's failures into clear errors.
+#include "core/component_error.h"
 #include "database/database_errors.h"
 #include "database/postgres_engine.h"
 
@@ -210,13 +211,24 @@ Result PostgresEngine::Checked(PGresult* raw, std::string_view doing) const {
 void PostgresEngine::Exec(const std::string& sql, std::string_view doing) {
     const bool commit = sql.starts_with("COMMIT");
     const bool ending = commit || sql.starts_with("ROLLBACK") || sql.starts_with("RELEASE");
-    if (ending && Lost()) {
-        // The transaction went with the connection; a rollback has nothing
-        // left to do, a commit was never sent.
-        if (sql == "ROLLBACK") {
-            open_ = Open::None;
-            return;
+    if (sql == "ROLLBACK") {
+        // However it goes, the transaction is over: undone, or gone with a
+        // connection lost before or under the rollback, which then has
+        // nothing left to do.
+        if (!Lost()) {
+            try {
+                Sent([&] { return ExecWaiting(sql); }, doing, false);
+            } catch (const ComponentError&) {
+                if (!Lost()) {
+                    throw;
+                }
+            }
         }
+        open_ = Open::None;
+        return;
+    }
+    if (ending && Lost()) {
+        // The transaction went with the connection; a commit was never sent.
         if (commit) {
             const Open was = std::exchange(open_, Open::None);
             RaiseServerError(kErrServerUnreachable,

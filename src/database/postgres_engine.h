@@ -66,7 +66,6 @@ public:
     bool InTransaction() const override {
         return Lost() ? open_ != Open::None : ServerInTransaction();
     }
-    bool ConnectionLost() const override { return Lost(); }
     std::vector<std::string> RowLockStatements(const std::vector<RowLock>& locks) override;
     std::optional<std::string> ReadOnlyUser() override;
     void SetLockTimeout(std::chrono::milliseconds timeout) override;

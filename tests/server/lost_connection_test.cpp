@@ -63,10 +63,15 @@ protected:
 };
 
 TEST_F(LostConnection, InsideATransactionNoStepGoesToANewConnectionAndNothingIsWritten) {
-    for (const bool commit : {true, false}) {
-        SCOPED_TRACE(commit ? "ended by a commit" : "ended by a rollback");
+    for (const auto& [commit, batch] : {std::pair{true, false}, {false, false}, {true, true}}) {
+        SCOPED_TRACE(std::string(commit ? "ended by a commit" : "ended by a rollback") +
+                     (batch ? ", begun in a batch" : ""));
         const long connections = relay_->Connections();
-        db_->BeginTrans();
+        if (batch) {
+            db_->ExecuteBatch({BatchStep::BeginTrans()});
+        } else {
+            db_->BeginTrans();
+        }
         Label(1, "lost");
         db_->QueueWrite(
             {"Update_Node_General_Pool", {"queued", "2001-01-01 00:00:00", "1", "1", "0", "2"}});
