@@ -47,6 +47,21 @@ protected:
         return db_->Execute("Update_Node_General_Pool",
                             {text, "2001-01-01 00:00:00", "1", "1", "0", std::to_string(number)});
     }
+    // A connection of its own holding node 1's pool row locked in an open
+    // transaction.
+    testing::PgConnection HoldNode1() {
+        auto holder = testing::ConnectTo(scratch_->Uri());
+        PQclear(PQexec(holder.get(),
+                       "BEGIN; UPDATE Node_General_Pool SET NodeDescription = 'held' WHERE "
+                       "NodeTypeID = 15 AND NodeNumber = 1"));
+        return holder;
+    }
+    // A read and a write of node 1's pool row in one batch.
+    void ReadAndWriteNode1() {
+        db_->ExecuteBatch(
+            {{"Get_Node_Names", {}},
+             {"Update_Node_General_Pool", {"mine", "2001-01-01 00:00:00", "1", "1", "15", "1"}}});
+    }
     // The rows of table matching where, counted on a connection of its own.
     std::string Count(const std::string& table, const std::string& where) {
         auto conn = testing::ConnectTo(scratch_->Uri());
@@ -132,10 +147,7 @@ TEST_F(LostConnection, AWriteWhoseAnswerIsLostIsToldAndNeverSentAgain) {
 // A connection ended under a pipelined batch while the server stays away
 // for a while (a restart): once it is back, the next operations go through.
 TEST_F(LostConnection, AfterARestartThatTookAWhileTheNextOperationsGoThrough) {
-    auto holder = testing::ConnectTo(scratch_->Uri());
-    PQclear(PQexec(holder.get(),
-                   "BEGIN; UPDATE Node_General_Pool SET NodeDescription = 'held' WHERE "
-                   "NodeTypeID = 15 AND NodeNumber = 1"));
+    auto holder = HoldNode1();
     bool cut = false;
     db_->SetWaitHandler([&] {
         if (!std::exchange(cut, true)) {
@@ -143,12 +155,7 @@ TEST_F(LostConnection, AfterARestartThatTookAWhileTheNextOperationsGoThrough) {
             relay_->CutAll();
         }
     });
-    EXPECT_EQ(ErrorOf([&] {
-                  db_->ExecuteBatch({{"Get_Node_Names", {}},
-                                     {"Update_Node_General_Pool",
-                                      {"mine", "2001-01-01 00:00:00", "1", "1", "15", "1"}}});
-              }).Number(),
-              kErrServerUnreachable);
+    EXPECT_EQ(ErrorOf([&] { ReadAndWriteNode1(); }).Number(), kErrServerUnreachable);
     PQclear(PQexec(holder.get(), "ROLLBACK"));
     db_->SetWaitHandler({});
     // Still away: told, twice.
@@ -163,6 +170,39 @@ TEST_F(LostConnection, AfterARestartThatTookAWhileTheNextOperationsGoThrough) {
         Label(1, "round " + std::to_string(round));
         db_->CommitTrans();
     }
+}
+
+// The server ends the connection itself, as a fast restart does, while the
+// program is idle and while a pipelined batch waits on a lock: a read is sent
+// again, the write is told lost, and the next reads and transactions go
+// through on a new connection.
+TEST_F(LostConnection, AConnectionTheServerEndsIsMadeAgain) {
+    auto admin = testing::ConnectTo(scratch_->Uri());
+    auto terminate = [&] {
+        PQclear(PQexec(admin.get(),
+                       "SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE datname = "
+                       "current_database() AND pid <> pg_backend_pid()"));
+    };
+    terminate();
+    EXPECT_EQ(db_->ExecuteBatch({{"Get_Node_Names", {}}, {"Get_Node_Names", {}}})[1].count, 18);
+    auto holder = HoldNode1();
+    bool ended = false;
+    db_->SetWaitHandler([&] {
+        if (!std::exchange(ended, true)) {
+            terminate();
+        }
+    });
+    EXPECT_EQ(ErrorOf([&] { ReadAndWriteNode1(); }).Number(), kErrServerUnreachable);
+    EXPECT_TRUE(ended);
+    PQclear(PQexec(holder.get(), "ROLLBACK"));
+    db_->SetWaitHandler({});
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(db_->ExecuteBatch({{"Get_Node_Names", {}}, {"Get_Node_Names", {}}})[0].count, 18);
+        db_->BeginTrans();
+        Label(1, "round " + std::to_string(round));
+        db_->CommitTrans();
+    }
+    EXPECT_EQ(Count("Node_General_Pool", "NodeDescription = 'round 1'"), "1");
 }
 
 // A server restart under a watcher: told once, connected to again, and
