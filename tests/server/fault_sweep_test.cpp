@@ -10,6 +10,7 @@
 #include "session/history/node_restore.h"
 #include "session/nodes/apply_nodes.h"
 #include "session/nodes/node_history.h"
+#include "session/nodes/node_list.h"
 #include "session/nodes/node_text_store.h"
 #include "session/session_support.h"
 
@@ -196,6 +197,18 @@ protected:
         force.force = true;
         ASSERT_TRUE(session::ApplyNodes(db, kept, force).problems.empty());
     }
+    // Partition 1 as kept, without MSG 50; MSG 50's node and pool rows.
+    void RestoreWithoutMsg50() {
+        RestorePartition();
+        root.Exec("DELETE FROM Node_MSG" + Where(1, "NodeNumber", 50) +
+                  "; DELETE FROM Node_General_Pool" + Where(1, "NodeNumber", 50) +
+                  " AND NodeTypeID = 0");
+    }
+    long long Msg50Rows() {
+        return Number("SELECT (SELECT count(*) FROM Node_MSG" + Where(1, "NodeNumber", 50) +
+                      ") + (SELECT count(*) FROM Node_General_Pool" + Where(1, "NodeNumber", 50) +
+                      " AND NodeTypeID = 0)");
+    }
     std::string Label(int node) {
         return Query("SELECT NodeDescription FROM Node_DBN" + Where(1, "NodeNumber", node));
     }
@@ -248,15 +261,7 @@ TEST_F(FaultSweep, ApplyWithAndWithoutCreatingNodes) {
         SCOPED_TRACE(create ? "creating MSG 50" : "references exist");
         const std::string edits =
             create ? "txtDescription=Run; cmbGreetingNumber=50" : "txtDescription=Run";
-        auto msg50 = [&] {
-            return Number("SELECT count(*) FROM Node_MSG" + Where(1, "NodeNumber", 50));
-        };
-        Sweep({[&] {
-                   RestorePartition();
-                   root.Exec("DELETE FROM Node_MSG" + Where(1, "NodeNumber", 50) +
-                             "; DELETE FROM Node_General_Pool" + Where(1, "NodeNumber", 50) +
-                             " AND NodeTypeID = 0");
-               },
+        Sweep({[&] { RestoreWithoutMsg50(); },
                [&](const std::function<void()>& arm) {
                    Told told = Told::Nothing;
                    services.confirmAnswers = {form::kConfirmYesToAll};
@@ -273,8 +278,8 @@ TEST_F(FaultSweep, ApplyWithAndWithoutCreatingNodes) {
                    });
                    return told;
                },
-               [&] { return Label(1) == "Run" && msg50() == (create ? 1 : 0); },
-               [&] { return Label(1) == label && msg50() == 0; }});
+               [&] { return Label(1) == "Run" && Msg50Rows() == (create ? 2 : 0); },
+               [&] { return Label(1) == label && Msg50Rows() == 0; }});
     }
 }
 
@@ -313,6 +318,54 @@ TEST_F(FaultSweep, ApplyOfAFileChangingTwentyNodes) {
            },
            [&] { return labels("'Run ' || NodeNumber"); },
            [&] { return labels("'Sales directory'"); }});
+}
+
+TEST_F(FaultSweep, ApplyCreatingMissingNodesAndTheNodeListsNewNode) {
+    auto count = [&](const std::string& table, int number, const std::string& type = "") {
+        return Number("SELECT count(*) FROM " + table + Where(1, "NodeNumber", number) + type);
+    };
+    KeepPartition();
+    nodetext::NodeDocument changed = kept;
+    std::erase_if(changed.nodes, [](const auto& node) { return node.number != 1; });
+    changed.nodes[0].columns["NodeDescription"] = std::string("Run");
+    nodetext::SetRefColumns(changed.nodes[0], "Greeting",
+                            {std::string("MSG"), std::int64_t{50}, std::int64_t{0}});
+    const std::string label = Label(1);
+    session::ApplyOptions create;
+    create.createMissing = true;
+    // apply --create-missing: the node and MSG 50 together, or neither.
+    Sweep({[&] { RestoreWithoutMsg50(); },
+           [&](const std::function<void()>& arm) {
+               DataBase db;
+               arm();
+               return ToldByError([&] {
+                   EXPECT_EQ(session::ApplyNodes(db, changed, create).createdReferences,
+                             std::vector<std::string>{"MSG 50"});
+               });
+           },
+           [&] { return Label(1) == "Run" && Msg50Rows() == 2; },
+           [&] { return Label(1) == label && Msg50Rows() == 0; }});
+    // The node list's new node: its row, prompts and pool row together.
+    auto dbn40 = [&] {
+        return count("Node_DBN", 40) +
+               Number("SELECT count(*) FROM Detail_DBN_Prompts" + Where(1, "NodeMasterID", 40)) +
+               count("Node_General_Pool", 40, " AND NodeTypeID = 15");
+    };
+    const long long whole =
+        2 + Number("SELECT count(*) FROM Detail_DBN_Prompts" + Where(1, "NodeMasterID", 0));
+    Sweep({[&] {
+               root.Exec("DELETE FROM Node_DBN" + Where(1, "NodeNumber", 40) +
+                         "; DELETE FROM Detail_DBN_Prompts" + Where(1, "NodeMasterID", 40) +
+                         "; DELETE FROM Node_General_Pool" + Where(1, "NodeNumber", 40) +
+                         " AND NodeTypeID = 15");
+           },
+           [&](const std::function<void()>& arm) {
+               DataBase db;
+               session::NodeList list(db);
+               arm();
+               return ToldByError([&] { list.CreateNode({1, 1}, 40); });
+           },
+           [&] { return dbn40() == whole; }, [&] { return dbn40() == 0; }});
 }
 
 TEST_F(FaultSweep, Restore) {
