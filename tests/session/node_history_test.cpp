@@ -43,6 +43,13 @@ protected:
             EXPECT_FALSE(gui.cmdApply.Enabled());
         });
     }
+    // Saves the labels One, Two and Three; the node's history, newest first.
+    std::vector<HistoryEntry> ThreeSaves(DataBase& db) {
+        for (const char* description : {"One", "Two", "Three"}) {
+            SaveDescription(description);
+        }
+        return session::ReadNodeHistory(db, kDbn11, std::nullopt);
+    }
 };
 
 TEST_F(NodeHistory, ASaveWritesOneEntryWithBothStates) {
@@ -90,11 +97,8 @@ TEST_F(NodeHistory, ASaveWritesOneEntryWithBothStates) {
 }
 
 TEST_F(NodeHistory, NewestFirstAndLimited) {
-    for (const char* description : {"One", "Two", "Three"}) {
-        SaveDescription(description);
-    }
     DataBase db;
-    const auto all = session::ReadNodeHistory(db, kDbn11, std::nullopt);
+    const auto all = ThreeSaves(db);
     ASSERT_EQ(all.size(), 3u);
     EXPECT_GT(all[0].entry, all[1].entry);
     EXPECT_EQ(all[0].after->node["NodeDescription"], "Three");
@@ -282,11 +286,8 @@ TEST_F(NodeHistory, RestoreRefusesOtherNodesAndUnknownEntries) {
 // A damaged row hides no other: it is listed with the reason it cannot be
 // read, and restoring it is refused with that reason.
 TEST_F(NodeHistory, ADamagedEntryIsNamedAndHidesNoOther) {
-    for (const char* description : {"One", "Two", "Three"}) {
-        SaveDescription(description);
-    }
     DataBase db;
-    const auto all = session::ReadNodeHistory(db, kDbn11, std::nullopt);
+    const auto all = ThreeSaves(db);
     ASSERT_EQ(all.size(), 3u);
     const std::string changes = std::to_string(all[1].entry);
     const std::string state = std::to_string(all[0].entry);
