@@ -2,7 +2,6 @@
 
 #include "core/component_error.h"
 #include "core/node_types.h"
-#include "session/nodes/node_templates.h"
 #include "session/nodes/stored_values.h"
 
 namespace dbn::session {
@@ -33,18 +32,6 @@ std::vector<BatchStep> TargetDescriptionReads(std::int16_t config, std::int16_t 
     }
     for (; !prompts.Eof(); prompts.MoveNext()) {
         reads.push_back(DescriptionRead(config, partition, ReadRef(prompts, "Prompt")));
-    }
-    return reads;
-}
-
-std::vector<BatchStep> ExistenceReads(
-    std::int16_t config, std::int16_t partition,
-    const std::vector<std::pair<std::string, std::string>>& nodes) {
-    std::vector<BatchStep> reads;
-    for (const auto& [typeID, number] : nodes) {
-        reads.push_back(
-            {"Get_Description",
-             {CommandArg(config), CommandArg(partition), LookedUpTypeID(typeID), number}});
     }
     return reads;
 }

@@ -24,12 +24,6 @@ using DependentReads = std::function<std::vector<BatchStep>(std::vector<BatchAns
 void ReadNodeAhead(DataBase& db, std::int16_t config, std::int16_t partition, std::int16_t number,
                    std::vector<BatchStep> independent = {}, const DependentReads& dependent = {});
 
-// The pool-row reads (Get_Description) of each target node, given as type ID
-// and number texts, with the ID its lookup uses.
-std::vector<BatchStep> ExistenceReads(
-    std::int16_t config, std::int16_t partition,
-    const std::vector<std::pair<std::string, std::string>>& nodes);
-
 // The Get_Description reads of every target a node's row and prompt rows name.
 std::vector<BatchStep> TargetDescriptionReads(std::int16_t config, std::int16_t partition,
                                               RowSet& node, RowSet& prompts);

@@ -175,10 +175,10 @@ void Business_Rules::CheckForUnReferencedNodes() {
         // batch; a failed look-up is not a missing node: it ends the check
         // with its own message, and nothing is offered. A copy creates only the node it was asked
         // for, which no later row names again (the rows' keys are distinct).
-        std::vector<std::pair<std::string, std::string>> lookups;
+        std::vector<session::RequiredNode> lookups;
         for (int i = 0; i < gui.lstNodeTypeName.ListCount(); ++i) {
-            lookups.emplace_back(gui.lstNodeTypeID.List(i), gui.lstNodeNumber.List(i));
-            lookups.emplace_back(gui.lstNodeTypeID.List(i), kTemplateNumber);
+            lookups.push_back({{}, gui.lstNodeTypeID.List(i), gui.lstNodeNumber.List(i)});
+            lookups.push_back({{}, gui.lstNodeTypeID.List(i), kTemplateNumber});
         }
         const std::vector<BatchAnswer> found =
             db_.ExecuteBatch(session::ExistenceReads(gui.ConfigID(), gui.PartitionID(), lookups));

@@ -277,17 +277,6 @@ std::vector<RequiredNode> GatherAll(const std::vector<PlannedNode>& planned) {
     return required;
 }
 
-std::vector<BatchStep> ReferenceLookups(std::int16_t config, std::int16_t partition,
-                                        const std::vector<RequiredNode>& required) {
-    std::vector<BatchStep> lookups;
-    for (const RequiredNode& node : required) {
-        lookups.push_back({"Get_Description",
-                           {CommandArg(config), CommandArg(partition), LookedUpTypeID(node.typeID),
-                            node.number}});
-    }
-    return lookups;
-}
-
 References FoundReferences(std::vector<RequiredNode> required, BatchAnswer* answers,
                            const std::vector<PlannedNode>& planned) {
     std::set<std::string> creating;  // DBN numbers this apply creates
@@ -310,7 +299,7 @@ References LookUpReferences(DataBase& db, std::int16_t config, std::int16_t part
     std::vector<RequiredNode> required = GatherAll(planned);
     std::vector<BatchAnswer> answers =
         required.empty() ? std::vector<BatchAnswer>{}
-                         : db.ExecuteBatch(ReferenceLookups(config, partition, required));
+                         : db.ExecuteBatch(ExistenceReads(config, partition, required));
     return FoundReferences(std::move(required), answers.data(), planned);
 }
 
@@ -426,7 +415,7 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
     // references are looked up again only when the second look changed them.
     const std::vector<RequiredNode> firstRequired = GatherAll(planned);
     std::vector<BatchStep> reads = StoredNodeReads(config, partition);
-    const std::vector<BatchStep> lookups = ReferenceLookups(config, partition, firstRequired);
+    const std::vector<BatchStep> lookups = ExistenceReads(config, partition, firstRequired);
     reads.insert(reads.end(), lookups.begin(), lookups.end());
     std::vector<BatchAnswer> answers = db.ExecuteBatch(reads);
     stored = StoredNodesOf(answers.data());

@@ -137,6 +137,17 @@ std::optional<RequiredNode> GatheredReference(std::string key, std::string typeI
     return RequiredNode{std::move(key), std::move(typeID), std::move(number)};
 }
 
+std::vector<BatchStep> ExistenceReads(std::int16_t config, std::int16_t partition,
+                                      const std::vector<RequiredNode>& nodes) {
+    std::vector<BatchStep> reads;
+    for (const RequiredNode& node : nodes) {
+        reads.push_back({"Get_Description",
+                         {std::to_string(config), std::to_string(partition),
+                          LookedUpTypeID(node.typeID), node.number}});
+    }
+    return reads;
+}
+
 bool NodeExists(DataBase& db, std::int16_t config, std::int16_t partition, std::string typeID,
                 const std::string& number) {
     if (FollowsMessageType(typeID)) {

@@ -4,6 +4,8 @@
 // creating a node by copying its type's template (node 0). The editor's
 // check and the node list share them.
 
+#include "database/batch_step.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -29,6 +31,11 @@ struct RequiredNode {
 // same number (type "0", key "MSG N").
 std::optional<RequiredNode> GatheredReference(std::string key, std::string typeID,
                                               std::string number);
+
+// The pool-row reads (Get_Description) that tell whether each node exists,
+// with the type ID its lookup uses; one answer a node, in order.
+std::vector<BatchStep> ExistenceReads(std::int16_t config, std::int16_t partition,
+                                      const std::vector<RequiredNode>& nodes);
 
 // True when Node_General_Pool has the node (Get_Description); types 817 and
 // 818 are looked up as messages.
