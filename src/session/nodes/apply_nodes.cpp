@@ -303,13 +303,6 @@ References LookUpReferences(DataBase& db, std::int16_t config, std::int16_t part
     return FoundReferences(std::move(required), answers.data(), planned);
 }
 
-bool SameReferences(const std::vector<RequiredNode>& a, const std::vector<RequiredNode>& b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](const RequiredNode& x, const RequiredNode& y) {
-                          return x.key == y.key && x.typeID == y.typeID && x.number == y.number;
-                      });
-}
-
 // When none of the file's fingerprinted nodes is found as exported in the
 // partition the file names, the configuration and partition that holds most
 // of them: a file of another partition (its header edited or mixed up),
@@ -415,6 +408,7 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
     // references are looked up again only when the second look changed them.
     const std::vector<RequiredNode> firstRequired = GatherAll(planned);
     std::vector<BatchStep> reads = StoredNodeReads(config, partition);
+    const std::size_t lookupsAt = reads.size();
     const std::vector<BatchStep> lookups = ExistenceReads(config, partition, firstRequired);
     reads.insert(reads.end(), lookups.begin(), lookups.end());
     std::vector<BatchAnswer> answers = db.ExecuteBatch(reads);
@@ -428,9 +422,10 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
     if (!Writes(planned)) {
         return result;
     }
-    const References references = SameReferences(GatherAll(planned), firstRequired)
-                                      ? FoundReferences(firstRequired, answers.data() + 3, planned)
-                                      : LookUpReferences(db, config, partition, planned);
+    const References references =
+        GatherAll(planned) == firstRequired
+            ? FoundReferences(firstRequired, answers.data() + lookupsAt, planned)
+            : LookUpReferences(db, config, partition, planned);
     // The new nodes are copied from the template in one batch; each one's
     // history row is the one its write adds.
     std::vector<TemplateCopy> newNodes;

@@ -24,6 +24,7 @@ struct RequiredNode {
     std::string key;
     std::string typeID;
     std::string number;
+    bool operator==(const RequiredNode&) const = default;
 };
 
 // One reference as the check gathers it: nothing for the types that carry
