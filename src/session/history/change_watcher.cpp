@@ -96,7 +96,8 @@ std::vector<HistoryEntry> ChangeWatcher::NewChanges() {
         return EntriesAfterLast();
     }
     const auto now = std::chrono::system_clock::now();
-    if (identity_ && IdentityOfFile() && IdentityOfFile() != identity_) {
+    if (const std::optional<FileIdentity> identity = IdentityOfFile();
+        identity_ && identity && identity != identity_) {
         Connect();
         notice_ = "The configuration database " + target_.location +
                   " was replaced by another file; watching the new one.";
