@@ -12,27 +12,6 @@ std::string Plural(int count, const char* one, const char* many) {
     return std::to_string(count) + " " + (count == 1 ? one : many);
 }
 
-// "Grace Adams", or "#3" for a name without letters.
-std::string ShownName(const DirectoryName& name) {
-    std::string text = name.firstName;
-    if (!name.lastName.empty()) {
-        text += (text.empty() ? "" : " ") + name.lastName;
-    }
-    return text.empty() ? "#" + std::to_string(name.sequence) : text;
-}
-
-// Why more matches than a caller can pick from end an entry; the check's words.
-std::string TooMany(const SearchSettings& settings) {
-    if (!settings.confirmation) {
-        return "more than the single match that connects without confirmation";
-    }
-    return "more than the " + std::to_string(settings.PickLimit()) + " that can be offered";
-}
-
-bool NoDigitsAllowed(const SearchStage& stage) {
-    return stage.maxDigits < 1 || stage.minDigits > stage.maxDigits;
-}
-
 }  // namespace
 
 std::string CallEvent::Text() const {
@@ -214,7 +193,7 @@ void CallSimulator::EndEntry(Reply& reply) {
     }
     Fail(false,
          entry_ + " matches " + std::to_string(count) + (first ? " names, " : " of them, ") +
-             TooMany(plan_.search),
+             TooManyMatches(plan_.search),
          reply);
 }
 
@@ -222,10 +201,8 @@ void CallSimulator::EnterStage(std::size_t stage, Reply& reply) {
     stage_ = stage == 0 ? CallStage::FirstStage : CallStage::SecondStage;
     entry_.clear();
     const SearchStage& settings = plan_.search.stages[stage];
-    if (NoDigitsAllowed(settings)) {
-        reply.notes.push_back("no number of digits is allowed (minimum " +
-                              std::to_string(settings.minDigits) + ", maximum " +
-                              std::to_string(settings.maxDigits) + ")");
+    if (!settings.AllowsDigits()) {
+        reply.notes.push_back(NoDigitsAllowed(settings));
         Leave(CallExit::Abort, reply);
         return;
     }
@@ -247,14 +224,14 @@ void CallSimulator::PlayOffer(Reply& reply) {
         const CallPrompt prompt =
             i < plan_.namePrompts.size() ? plan_.namePrompts[i] : CallPrompt{"none", ""};
         reply.prompts.push_back(prompt.Text() + " for " + std::to_string(i + 1) + ": " +
-                                ShownName(plan_.names[offered_[i]]));
+                                DisplayName(plan_.names[offered_[i]]));
     }
     reply.prompts.push_back(plan_.afterNames.Text());
 }
 
 void CallSimulator::Connect(std::size_t name, Reply& reply) {
     if (plan_.playName) {
-        reply.prompts.push_back("the name \"" + ShownName(plan_.names[name]) + "\"");
+        reply.prompts.push_back("the name \"" + DisplayName(plan_.names[name]) + "\"");
     }
     Leave(CallExit::ValidMatch, reply);
     outcome_->name = MatchOf(name);
@@ -296,7 +273,7 @@ const StageMatcher& CallSimulator::Matcher() const {
 
 CallMatch CallSimulator::MatchOf(std::size_t name) const {
     const DirectoryName& entry = plan_.names[name];
-    return {name, ShownName(entry), entry.extension};
+    return {name, DisplayName(entry), entry.extension};
 }
 
 CallStep CallSimulator::Finish(Reply& reply) {
