@@ -99,9 +99,9 @@ CallStep CallSimulator::Start() {
     Reply reply{"start", {}, {plan_.greeting.Text()}};
     if (plan_.names.empty()) {
         reply.notes.push_back("the directory has no names");
-        Leave(CallExit::Abort, reply);
+        Leave(CallExit::Abort);
     } else if (plan_.search.stages.empty()) {
-        Leave(CallExit::Abort, reply);
+        Leave(CallExit::Abort);
     } else {
         EnterStage(0, reply);
     }
@@ -116,11 +116,11 @@ CallStep CallSimulator::Answer(CallEvent event) {
     }
     const bool entryEmpty = stage_ == CallStage::Confirmation || entry_.empty();
     if (event.key == '*') {
-        Leave(CallExit::Star, reply);
+        Leave(CallExit::Star);
     } else if (event.key == '#') {
-        Leave(CallExit::Pound, reply);
+        Leave(CallExit::Pound);
     } else if (event.key == '0' && entryEmpty) {
-        Leave(CallExit::Zero, reply);
+        Leave(CallExit::Zero);
     } else if (stage_ == CallStage::Confirmation) {
         const auto position = static_cast<std::size_t>(event.key - '0');
         if (event.Silence()) {
@@ -142,7 +142,7 @@ CallStep CallSimulator::Answer(CallEvent event) {
                  Plural(plan_.digitTimeout, "second", "seconds"),
              reply);
     } else {
-        const SearchStage& stage = plan_.search.stages[stage_ == CallStage::FirstStage ? 0 : 1];
+        const SearchStage& stage = plan_.search.stages[SearchIndex()];
         if (static_cast<int>(entry_.size()) < stage.minDigits) {
             Fail(false,
                  entry_ + " is shorter than the minimum of " + std::to_string(stage.minDigits) +
@@ -157,7 +157,7 @@ CallStep CallSimulator::Answer(CallEvent event) {
 
 void CallSimulator::Digit(char key, Reply& reply) {
     entry_ += key;
-    const SearchStage& stage = plan_.search.stages[stage_ == CallStage::FirstStage ? 0 : 1];
+    const SearchStage& stage = plan_.search.stages[SearchIndex()];
     if (static_cast<int>(entry_.size()) >= stage.maxDigits || entry_.size() >= kIndexedDigits) {
         EndEntry(reply);
     }
@@ -203,7 +203,7 @@ void CallSimulator::EnterStage(std::size_t stage, Reply& reply) {
     const SearchStage& settings = plan_.search.stages[stage];
     if (!settings.AllowsDigits()) {
         reply.notes.push_back(NoDigitsAllowed(settings));
-        Leave(CallExit::Abort, reply);
+        Leave(CallExit::Abort);
         return;
     }
     if (stage < plan_.stagePrompts.size()) {
@@ -233,7 +233,7 @@ void CallSimulator::Connect(std::size_t name, Reply& reply) {
     if (plan_.playName) {
         reply.prompts.push_back("the name \"" + DisplayName(plan_.names[name]) + "\"");
     }
-    Leave(CallExit::ValidMatch, reply);
+    Leave(CallExit::ValidMatch);
     outcome_->name = MatchOf(name);
 }
 
@@ -245,9 +245,9 @@ void CallSimulator::Fail(bool timeout, const std::string& why, Reply& reply) {
     if (failures_ > plan_.retryLimit) {
         reply.notes.push_back("no retry left (limit " + std::to_string(plan_.retryLimit) + ")");
         if (stage_ == CallStage::Confirmation) {
-            Leave(CallExit::ConfirmationExit, reply);
+            Leave(CallExit::ConfirmationExit);
         } else {
-            Leave(timeout ? CallExit::Timeout : CallExit::Invalid, reply);
+            Leave(timeout ? CallExit::Timeout : CallExit::Invalid);
         }
         return;
     }
@@ -256,15 +256,19 @@ void CallSimulator::Fail(bool timeout, const std::string& why, Reply& reply) {
     if (stage_ == CallStage::Confirmation) {
         PlayOffer(reply);
     } else {
-        EnterStage(stage_ == CallStage::FirstStage ? 0 : 1, reply);
+        EnterStage(SearchIndex(), reply);
     }
 }
 
-void CallSimulator::Leave(CallExit exit, Reply&) {
+void CallSimulator::Leave(CallExit exit) {
     stage_ = CallStage::Ended;
     entry_.clear();
     offered_.clear();
     outcome_ = CallOutcome{exit, plan_.Target(exit), std::nullopt};
+}
+
+std::size_t CallSimulator::SearchIndex() const noexcept {
+    return stage_ == CallStage::SecondStage ? 1 : 0;
 }
 
 const StageMatcher& CallSimulator::Matcher() const {
@@ -291,7 +295,7 @@ CallStep CallSimulator::Finish(Reply& reply) {
         }
     } else if (stage_ != CallStage::Ended) {
         const bool first = stage_ == CallStage::FirstStage;
-        step.mode = MatchModeName(plan_.search.stages[first ? 0 : 1].mode);
+        step.mode = MatchModeName(plan_.search.stages[SearchIndex()].mode);
         step.digits = entry_;
         if (entry_.empty()) {
             step.matchCount = static_cast<int>(first ? plan_.names.size() : secondCandidates_);

@@ -92,10 +92,12 @@ private:
     void Offer(std::vector<std::uint32_t> names, Reply& reply);
     void Connect(std::size_t name, Reply& reply);
     void Fail(bool timeout, const std::string& why, Reply& reply);
-    void Leave(CallExit exit, Reply& reply);
+    void Leave(CallExit exit);
     void EnterStage(std::size_t stage, Reply& reply);
     void PlayOffer(Reply& reply);
     CallStep Finish(Reply& reply);
+    // The search stage the call is in (0 or 1), or was in last.
+    std::size_t SearchIndex() const noexcept;
     const StageMatcher& Matcher() const;
     CallMatch MatchOf(std::size_t name) const;
 
