@@ -87,6 +87,12 @@ directory::SearchSettings SearchSettingsOf(const RowSet& node, std::vector<std::
 
 }  // namespace
 
+std::string MissingNodeText(const std::string& type, std::int16_t node, std::int16_t config,
+                            std::int16_t partition) {
+    return type + " " + std::to_string(node) + " doesn't exist in configuration " +
+           std::to_string(config) + ", partition " + std::to_string(partition) + ".";
+}
+
 directory::SearchSettings StoredSearchSettings(const RowSet& node) {
     return SearchSettingsOf(node, nullptr);
 }
@@ -105,8 +111,7 @@ directory::DirectoryReport CheckStoredNode(DataBase& db, std::int16_t config,
     RowSetCloser closer(row);
     if (row.Eof()) {
         RaiseError(kErrCheckedNodeMissing,
-                   "DBN " + std::to_string(node) + " doesn't exist in configuration " +
-                       std::to_string(config) + ", partition " + std::to_string(partition) + ".");
+                   MissingNodeText(node_type::kDialByNameCode, node, config, partition));
     }
     std::vector<std::string> notes;
     directory::SearchSettings settings = SearchSettingsOf(row, &notes);
