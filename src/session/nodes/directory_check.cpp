@@ -4,6 +4,7 @@
 
 #include "core/component_error.h"
 #include "database/database.h"
+#include "nodefields/node_fields.h"
 #include "session/nodes/stored_values.h"
 
 #include <algorithm>
@@ -23,10 +24,12 @@ public:
 
     std::int64_t Value(const char* column) const { return node_.Field(column).ToInt64(); }
 
-    // The stored value when it lies in low..high, else the fallback.
-    int InRange(const char* column, int low, int high, int fallback) const {
+    // The stored value when it lies in the range the editor's list offers
+    // for the field, else the fallback.
+    int InRange(const char* column, int fallback) const {
+        const nodefields::FieldRule& rule = *nodefields::FieldOfColumn(column);
         const std::int64_t value = Value(column);
-        if (value >= low && value <= high) {
+        if (value >= rule.low && value <= rule.high) {
             return static_cast<int>(value);
         }
         Note(column, value, std::to_string(fallback));
@@ -57,14 +60,14 @@ directory::SearchSettings SearchSettingsOf(const RowSet& node, std::vector<std::
     if (firstMode < 1 || firstMode > 4) {
         read.Note("FirstMode", firstMode, "Last Name");
     }
-    const int firstMin = read.InRange("FirstMinDigits", 1, 9, 3);
-    const int firstMax = read.InRange("FirstMaxDigits", 1, 9, 5);
+    const int firstMin = read.InRange("FirstMinDigits", 3);
+    const int firstMax = read.InRange("FirstMaxDigits", 5);
     const std::int64_t secondMode = read.Value("SecondMode");
     if (secondMode < 0 || secondMode > 2) {
         read.Note("SecondMode", secondMode, "None");
     }
-    const int secondMin = read.InRange("SecondMinDigits", 1, 9, 1);
-    const int secondMax = read.InRange("SecondMaxDigits", 1, 9, 5);
+    const int secondMin = read.InRange("SecondMinDigits", 1);
+    const int secondMax = read.InRange("SecondMaxDigits", 5);
     const std::int64_t confirm = read.Value("Confirm");
     if (confirm != 0 && confirm != 1) {
         read.Note("Confirm", confirm, "Yes");
@@ -99,7 +102,7 @@ directory::SearchSettings StoredSearchSettings(const RowSet& node) {
 
 std::int16_t StoredDirectoryNumber(const RowSet& node) {
     return static_cast<std::int16_t>(
-        SettingsReader(node, nullptr).InRange("DirectoryNodeNumber", 1, 99, 1));
+        SettingsReader(node, nullptr).InRange("DirectoryNodeNumber", 1));
 }
 
 directory::DirectoryReport CheckStoredNode(DataBase& db, std::int16_t config,
@@ -119,7 +122,7 @@ directory::DirectoryReport CheckStoredNode(DataBase& db, std::int16_t config,
     // after the method.
     std::vector<std::string> directoryNote;
     const std::int16_t directory = static_cast<std::int16_t>(
-        SettingsReader(row, &directoryNote).InRange("DirectoryNodeNumber", 1, 99, 1));
+        SettingsReader(row, &directoryNote).InRange("DirectoryNodeNumber", 1));
     const bool methodFirst = !notes.empty() && notes.front().starts_with("Method ");
     notes.insert(notes.begin() + (methodFirst ? 1 : 0), directoryNote.begin(), directoryNote.end());
     row.Close();
