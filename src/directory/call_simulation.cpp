@@ -33,6 +33,10 @@ std::optional<CallEvent> ParseCallEvent(std::string_view word) {
     return std::nullopt;
 }
 
+std::string NotACallEvent(std::string_view word) {
+    return "\"" + std::string(word) + "\" is not a key (0-9, *, #) or \"silence\"";
+}
+
 std::optional<std::vector<CallEvent>> ParseCallEvents(std::string_view text, std::string& why) {
     std::vector<CallEvent> events;
     std::size_t at = 0;
@@ -48,7 +52,7 @@ std::optional<std::vector<CallEvent>> ParseCallEvents(std::string_view text, std
         const std::string_view word = text.substr(at, end - at);
         const std::optional<CallEvent> event = ParseCallEvent(word);
         if (!event) {
-            why = "\"" + std::string(word) + "\" is not a key (0-9, *, #) or \"silence\"";
+            why = NotACallEvent(word);
             return std::nullopt;
         }
         events.push_back(*event);

@@ -31,6 +31,8 @@ struct CallEvent {
 
 // A word as an event: a single key, or "silence" (any letter case).
 std::optional<CallEvent> ParseCallEvent(std::string_view word);
+// Why a word is no event: "\"x\" is not a key (0-9, *, #) or \"silence\"".
+std::string NotACallEvent(std::string_view word);
 // Blank-separated words as events; nothing when a word is none, named in why.
 std::optional<std::vector<CallEvent>> ParseCallEvents(std::string_view text, std::string& why);
 

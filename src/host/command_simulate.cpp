@@ -54,8 +54,7 @@ int RunSimulate(const CommandArgs& args) {
             if (const std::optional<directory::CallEvent> event = directory::ParseCallEvent(word)) {
                 Print(simulator.Answer(*event), json);
             } else {
-                std::cerr << "dbn-node-editor: \"" << word
-                          << "\" is not a key (0-9, *, #) or \"silence\"\n";
+                std::cerr << "dbn-node-editor: " << directory::NotACallEvent(word) << "\n";
             }
         }
     }
