@@ -68,9 +68,13 @@ std::string Languages(const form::GUI& form) {
 }  // namespace
 
 directory::CallPlan FormCallPlan(form::GUI& form) {
+    return FormCallPlan(form, ReadFormDirectoryNames(form));
+}
+
+directory::CallPlan FormCallPlan(form::GUI& form, std::vector<directory::DirectoryName> names) {
     directory::CallPlan plan;
     plan.search = FormSearchSettings(form);
-    plan.names = ReadFormDirectoryNames(form);
+    plan.names = std::move(names);
     plan.greeting = PairPrompt(form, form.cmbGreetingNode, form.cmbGreetingNumber);
     const CallExit actions[] = {CallExit::ValidMatch, CallExit::Abort, CallExit::Star,
                                 CallExit::Pound, CallExit::Zero};
