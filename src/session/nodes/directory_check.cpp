@@ -7,7 +7,6 @@
 #include "nodefields/node_fields.h"
 #include "session/nodes/stored_values.h"
 
-#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -27,19 +26,38 @@ public:
     // The stored value when it lies in the range the editor's list offers
     // for the field, else the fallback.
     int InRange(const char* column, int fallback) const {
-        const nodefields::FieldRule& rule = *nodefields::FieldOfColumn(column);
         const std::int64_t value = Value(column);
-        if (value >= rule.low && value <= rule.high) {
+        if (Offered(Rule(column), value)) {
             return static_cast<int>(value);
         }
         Note(column, value, std::to_string(fallback));
         return fallback;
     }
 
+    // The stored value when the field's list names it, else nothing: the
+    // list shows its entry `fallback`.
+    std::optional<int> Listed(const char* column, const char* fallback) const {
+        const std::int64_t value = Value(column);
+        for (const auto& [stored, name] : Rule(column).names) {
+            if (stored == value) {
+                return stored;
+            }
+        }
+        Note(column, value, fallback);
+        return std::nullopt;
+    }
+
     void Note(const char* column, std::int64_t value, const std::string& shown) const {
         if (notes_ != nullptr) {
             notes_->push_back(std::string(column) + " " + std::to_string(value) + " -> " + shown);
         }
+    }
+
+    static const nodefields::FieldRule& Rule(const char* column) {
+        return *nodefields::FieldOfColumn(column);
+    }
+    static bool Offered(const nodefields::FieldRule& rule, std::int64_t value) {
+        return value >= rule.low && value <= rule.high;
     }
 
 private:
@@ -49,43 +67,30 @@ private:
 
 directory::SearchSettings SearchSettingsOf(const RowSet& node, std::vector<std::string>* notes) {
     const SettingsReader read(node, notes);
-    const std::int64_t method = read.Value("Method");
-    if (method != 0 && method != 1) {
-        read.Note("Method", method, "Default Last Name");
-    }
-    if (method != 0) {
+    if (read.Listed("Method", "Default Last Name") != 0) {
         return directory::DefaultLastNameSearch();
     }
-    const std::int64_t firstMode = read.Value("FirstMode");
-    if (firstMode < 1 || firstMode > 4) {
-        read.Note("FirstMode", firstMode, "Last Name");
-    }
+    const int firstMode = read.Listed("FirstMode", "Last Name").value_or(1);
     const int firstMin = read.InRange("FirstMinDigits", 3);
     const int firstMax = read.InRange("FirstMaxDigits", 5);
-    const std::int64_t secondMode = read.Value("SecondMode");
-    if (secondMode < 0 || secondMode > 2) {
-        read.Note("SecondMode", secondMode, "None");
-    }
+    const int secondMode = read.Listed("SecondMode", "None").value_or(0);
     const int secondMin = read.InRange("SecondMinDigits", 1);
     const int secondMax = read.InRange("SecondMaxDigits", 5);
-    const std::int64_t confirm = read.Value("Confirm");
-    if (confirm != 0 && confirm != 1) {
-        read.Note("Confirm", confirm, "Yes");
-    }
-    // As the form shows Max Matches: the stored value from 1 to 9, else
-    // nothing (0), except that with confirmation on one above 9 shows "9".
+    const bool confirm = read.Listed("Confirm", "Yes").value_or(1) != 0;
+    // As the form shows Max Matches: the stored value inside its list, else
+    // nothing (0), except that with confirmation on one above the list's top
+    // shows the top.
+    const nodefields::FieldRule& maxMatch = SettingsReader::Rule("MaxMatch");
     const std::int64_t stored = read.Value("MaxMatch");
-    int maxMatches = stored >= 1 && stored <= 9 ? static_cast<int>(stored) : 0;
-    if (confirm != 0 && stored > 9) {
-        maxMatches = 9;
+    int maxMatches = SettingsReader::Offered(maxMatch, stored) ? static_cast<int>(stored) : 0;
+    if (confirm && stored > maxMatch.high) {
+        maxMatches = maxMatch.high;
     }
-    if (stored < 1 || stored > 9) {
-        read.Note("MaxMatch", stored, maxMatches == 9 ? "9" : "nothing");
+    if (!SettingsReader::Offered(maxMatch, stored)) {
+        read.Note("MaxMatch", stored, maxMatches != 0 ? std::to_string(maxMatches) : "nothing");
     }
-    return directory::CustomSearch(
-        directory::MatchModeOfTag(static_cast<int>(std::clamp<std::int64_t>(firstMode, 0, 5))),
-        firstMin, firstMax, secondMode >= 0 && secondMode <= 2 ? static_cast<int>(secondMode) : 0,
-        secondMin, secondMax, confirm != 0, maxMatches);
+    return directory::CustomSearch(directory::MatchModeOfTag(firstMode), firstMin, firstMax,
+                                   secondMode, secondMin, secondMax, confirm, maxMatches);
 }
 
 }  // namespace
