@@ -12,27 +12,6 @@ std::string Plural(int count, const char* one, const char* many) {
     return std::to_string(count) + " " + (count == 1 ? one : many);
 }
 
-// "Grace Adams", or "#3" for a name without letters.
-std::string ShownName(const DirectoryName& name) {
-    std::string text = name.firstName;
-    if (!name.lastName.empty()) {
-        text += (text.empty() ? "" : " ") + name.lastName;
-    }
-    return text.empty() ? "#" + std::to_string(name.sequence) : text;
-}
-
-// Why more matches than a caller can pick from end an entry; the check's words.
-std::string TooMany(const SearchSettings& settings) {
-    if (!settings.confirmation) {
-        return "more than the single match that connects without confirmation";
-    }
-    return "more than the " + std::to_string(settings.PickLimit()) + " that can be offered";
-}
-
-bool NoDigitsAllowed(const SearchStage& stage) {
-    return stage.maxDigits < 1 || stage.minDigits > stage.maxDigits;
-}
-
 }  // namespace
 
 std::string CallEvent::Text() const {
@@ -54,6 +33,10 @@ std::optional<CallEvent> ParseCallEvent(std::string_view word) {
     return std::nullopt;
 }
 
+std::string NotACallEvent(std::string_view word) {
+    return "\"" + std::string(word) + "\" is not a key (0-9, *, #) or \"silence\"";
+}
+
 std::optional<std::vector<CallEvent>> ParseCallEvents(std::string_view text, std::string& why) {
     std::vector<CallEvent> events;
     std::size_t at = 0;
@@ -69,7 +52,7 @@ std::optional<std::vector<CallEvent>> ParseCallEvents(std::string_view text, std
         const std::string_view word = text.substr(at, end - at);
         const std::optional<CallEvent> event = ParseCallEvent(word);
         if (!event) {
-            why = "\"" + std::string(word) + "\" is not a key (0-9, *, #) or \"silence\"";
+            why = NotACallEvent(word);
             return std::nullopt;
         }
         events.push_back(*event);
@@ -120,9 +103,9 @@ CallStep CallSimulator::Start() {
     Reply reply{"start", {}, {plan_.greeting.Text()}};
     if (plan_.names.empty()) {
         reply.notes.push_back("the directory has no names");
-        Leave(CallExit::Abort, reply);
+        Leave(CallExit::Abort);
     } else if (plan_.search.stages.empty()) {
-        Leave(CallExit::Abort, reply);
+        Leave(CallExit::Abort);
     } else {
         EnterStage(0, reply);
     }
@@ -137,11 +120,11 @@ CallStep CallSimulator::Answer(CallEvent event) {
     }
     const bool entryEmpty = stage_ == CallStage::Confirmation || entry_.empty();
     if (event.key == '*') {
-        Leave(CallExit::Star, reply);
+        Leave(CallExit::Star);
     } else if (event.key == '#') {
-        Leave(CallExit::Pound, reply);
+        Leave(CallExit::Pound);
     } else if (event.key == '0' && entryEmpty) {
-        Leave(CallExit::Zero, reply);
+        Leave(CallExit::Zero);
     } else if (stage_ == CallStage::Confirmation) {
         const auto position = static_cast<std::size_t>(event.key - '0');
         if (event.Silence()) {
@@ -163,7 +146,7 @@ CallStep CallSimulator::Answer(CallEvent event) {
                  Plural(plan_.digitTimeout, "second", "seconds"),
              reply);
     } else {
-        const SearchStage& stage = plan_.search.stages[stage_ == CallStage::FirstStage ? 0 : 1];
+        const SearchStage& stage = plan_.search.stages[SearchIndex()];
         if (static_cast<int>(entry_.size()) < stage.minDigits) {
             Fail(false,
                  entry_ + " is shorter than the minimum of " + std::to_string(stage.minDigits) +
@@ -178,7 +161,7 @@ CallStep CallSimulator::Answer(CallEvent event) {
 
 void CallSimulator::Digit(char key, Reply& reply) {
     entry_ += key;
-    const SearchStage& stage = plan_.search.stages[stage_ == CallStage::FirstStage ? 0 : 1];
+    const SearchStage& stage = plan_.search.stages[SearchIndex()];
     if (static_cast<int>(entry_.size()) >= stage.maxDigits || entry_.size() >= kIndexedDigits) {
         EndEntry(reply);
     }
@@ -214,7 +197,7 @@ void CallSimulator::EndEntry(Reply& reply) {
     }
     Fail(false,
          entry_ + " matches " + std::to_string(count) + (first ? " names, " : " of them, ") +
-             TooMany(plan_.search),
+             TooManyMatches(plan_.search),
          reply);
 }
 
@@ -222,11 +205,9 @@ void CallSimulator::EnterStage(std::size_t stage, Reply& reply) {
     stage_ = stage == 0 ? CallStage::FirstStage : CallStage::SecondStage;
     entry_.clear();
     const SearchStage& settings = plan_.search.stages[stage];
-    if (NoDigitsAllowed(settings)) {
-        reply.notes.push_back("no number of digits is allowed (minimum " +
-                              std::to_string(settings.minDigits) + ", maximum " +
-                              std::to_string(settings.maxDigits) + ")");
-        Leave(CallExit::Abort, reply);
+    if (!settings.AllowsDigits()) {
+        reply.notes.push_back(NoDigitsAllowed(settings));
+        Leave(CallExit::Abort);
         return;
     }
     if (stage < plan_.stagePrompts.size()) {
@@ -247,16 +228,16 @@ void CallSimulator::PlayOffer(Reply& reply) {
         const CallPrompt prompt =
             i < plan_.namePrompts.size() ? plan_.namePrompts[i] : CallPrompt{"none", ""};
         reply.prompts.push_back(prompt.Text() + " for " + std::to_string(i + 1) + ": " +
-                                ShownName(plan_.names[offered_[i]]));
+                                DisplayName(plan_.names[offered_[i]]));
     }
     reply.prompts.push_back(plan_.afterNames.Text());
 }
 
 void CallSimulator::Connect(std::size_t name, Reply& reply) {
     if (plan_.playName) {
-        reply.prompts.push_back("the name \"" + ShownName(plan_.names[name]) + "\"");
+        reply.prompts.push_back("the name \"" + DisplayName(plan_.names[name]) + "\"");
     }
-    Leave(CallExit::ValidMatch, reply);
+    Leave(CallExit::ValidMatch);
     outcome_->name = MatchOf(name);
 }
 
@@ -268,9 +249,9 @@ void CallSimulator::Fail(bool timeout, const std::string& why, Reply& reply) {
     if (failures_ > plan_.retryLimit) {
         reply.notes.push_back("no retry left (limit " + std::to_string(plan_.retryLimit) + ")");
         if (stage_ == CallStage::Confirmation) {
-            Leave(CallExit::ConfirmationExit, reply);
+            Leave(CallExit::ConfirmationExit);
         } else {
-            Leave(timeout ? CallExit::Timeout : CallExit::Invalid, reply);
+            Leave(timeout ? CallExit::Timeout : CallExit::Invalid);
         }
         return;
     }
@@ -279,15 +260,19 @@ void CallSimulator::Fail(bool timeout, const std::string& why, Reply& reply) {
     if (stage_ == CallStage::Confirmation) {
         PlayOffer(reply);
     } else {
-        EnterStage(stage_ == CallStage::FirstStage ? 0 : 1, reply);
+        EnterStage(SearchIndex(), reply);
     }
 }
 
-void CallSimulator::Leave(CallExit exit, Reply&) {
+void CallSimulator::Leave(CallExit exit) {
     stage_ = CallStage::Ended;
     entry_.clear();
     offered_.clear();
     outcome_ = CallOutcome{exit, plan_.Target(exit), std::nullopt};
+}
+
+std::size_t CallSimulator::SearchIndex() const noexcept {
+    return stage_ == CallStage::SecondStage ? 1 : 0;
 }
 
 const StageMatcher& CallSimulator::Matcher() const {
@@ -296,7 +281,7 @@ const StageMatcher& CallSimulator::Matcher() const {
 
 CallMatch CallSimulator::MatchOf(std::size_t name) const {
     const DirectoryName& entry = plan_.names[name];
-    return {name, ShownName(entry), entry.extension};
+    return {name, DisplayName(entry), entry.extension};
 }
 
 CallStep CallSimulator::Finish(Reply& reply) {
@@ -314,7 +299,7 @@ CallStep CallSimulator::Finish(Reply& reply) {
         }
     } else if (stage_ != CallStage::Ended) {
         const bool first = stage_ == CallStage::FirstStage;
-        step.mode = MatchModeName(plan_.search.stages[first ? 0 : 1].mode);
+        step.mode = MatchModeName(plan_.search.stages[SearchIndex()].mode);
         step.digits = entry_;
         if (entry_.empty()) {
             step.matchCount = static_cast<int>(first ? plan_.names.size() : secondCandidates_);

@@ -31,6 +31,8 @@ struct CallEvent {
 
 // A word as an event: a single key, or "silence" (any letter case).
 std::optional<CallEvent> ParseCallEvent(std::string_view word);
+// Why a word is no event: "\"x\" is not a key (0-9, *, #) or \"silence\"".
+std::string NotACallEvent(std::string_view word);
 // Blank-separated words as events; nothing when a word is none, named in why.
 std::optional<std::vector<CallEvent>> ParseCallEvents(std::string_view text, std::string& why);
 
@@ -92,10 +94,12 @@ private:
     void Offer(std::vector<std::uint32_t> names, Reply& reply);
     void Connect(std::size_t name, Reply& reply);
     void Fail(bool timeout, const std::string& why, Reply& reply);
-    void Leave(CallExit exit, Reply& reply);
+    void Leave(CallExit exit);
     void EnterStage(std::size_t stage, Reply& reply);
     void PlayOffer(Reply& reply);
     CallStep Finish(Reply& reply);
+    // The search stage the call is in (0 or 1), or was in last.
+    std::size_t SearchIndex() const noexcept;
     const StageMatcher& Matcher() const;
     CallMatch MatchOf(std::size_t name) const;
 

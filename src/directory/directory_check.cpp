@@ -30,7 +30,7 @@ struct Dial {
 std::optional<Dial> BestDial(const SearchStage& stage, const StageMatcher& matcher,
                              const ModeKeys& keys) {
     std::optional<Dial> best;
-    if (stage.maxDigits < 1 || stage.minDigits > stage.maxDigits) {
+    if (!stage.AllowsDigits()) {
         return best;
     }
     for (const KeypadKey* key : keys.All()) {
@@ -82,9 +82,8 @@ std::string NoDialReason(const SearchStage& stage, const ModeKeys& keys) {
                 return "no extension";
         }
     }
-    if (stage.maxDigits < 1 || stage.minDigits > stage.maxDigits) {
-        return "no number of digits is allowed (minimum " + std::to_string(stage.minDigits) +
-               ", maximum " + std::to_string(stage.maxDigits) + ")";
+    if (!stage.AllowsDigits()) {
+        return NoDigitsAllowed(stage);
     }
     std::string keysText;
     for (const KeypadKey* key : present) {
@@ -95,23 +94,8 @@ std::string NoDialReason(const SearchStage& stage, const ModeKeys& keys) {
            std::to_string(stage.minDigits) + " digits";
 }
 
-std::string TooMany(const SearchSettings& settings) {
-    if (!settings.confirmation) {
-        return "more than the single match that connects without confirmation";
-    }
-    return "more than the " + std::to_string(settings.PickLimit()) + " that can be offered";
-}
-
 std::string OneOf(int matches) {
     return matches > 1 ? ", one of " + std::to_string(matches) + " matches" : "";
-}
-
-std::string DisplayName(const DirectoryName& name) {
-    std::string text = name.firstName;
-    if (!name.lastName.empty()) {
-        text += (text.empty() ? "" : " ") + name.lastName;
-    }
-    return text.empty() ? std::string("#").append(std::to_string(name.sequence)) : text;
 }
 
 // "shared with Anna Smith, Bob Smith and 3 more".
@@ -171,7 +155,7 @@ private:
             return JudgeSecondStage(*dial, dialled, name);
         }
         verdict.reason = dialled + " matches " + std::to_string(dial->matches) + " names, " +
-                         TooMany(settings_) +
+                         TooManyMatches(settings_) +
                          SharedWith(names_, matcher.Others(dial->Digits(), name, kNamedAtMost),
                                     dial->matches - 1);
         return verdict;
@@ -199,7 +183,7 @@ private:
             return verdict;
         }
         verdict.reason = leaves + then + " matches " + std::to_string(dial->matches) +
-                         " of them, " + TooMany(settings_) +
+                         " of them, " + TooManyMatches(settings_) +
                          SharedWith(names_, matcher.Others(dial->Digits(), name, kNamedAtMost),
                                     dial->matches - 1);
         return verdict;
@@ -230,6 +214,14 @@ private:
 };
 
 }  // namespace
+
+std::string DisplayName(const DirectoryName& name) {
+    std::string text = name.firstName;
+    if (!name.lastName.empty()) {
+        text += (text.empty() ? "" : " ") + name.lastName;
+    }
+    return text.empty() ? std::string("#").append(std::to_string(name.sequence)) : text;
+}
 
 std::string VerdictName(Verdict verdict) {
     switch (verdict) {

@@ -17,6 +17,9 @@ struct DirectoryName {
     bool operator==(const DirectoryName&) const = default;
 };
 
+// "Grace Adams", or "#3" (its sequence number) for a name without letters.
+std::string DisplayName(const DirectoryName& name);
+
 // How a caller reaches a name, if at all.
 enum class Verdict { Direct, Among, SecondStage, Unreachable };
 

@@ -54,4 +54,16 @@ std::string SearchMethodName(SearchMethod method) {
     return method == SearchMethod::DefaultLastName ? "Default Last Name" : "Custom";
 }
 
+std::string NoDigitsAllowed(const SearchStage& stage) {
+    return "no number of digits is allowed (minimum " + std::to_string(stage.minDigits) +
+           ", maximum " + std::to_string(stage.maxDigits) + ")";
+}
+
+std::string TooManyMatches(const SearchSettings& settings) {
+    if (!settings.confirmation) {
+        return "more than the single match that connects without confirmation";
+    }
+    return "more than the " + std::to_string(settings.PickLimit()) + " that can be offered";
+}
+
 }  // namespace dbn::directory

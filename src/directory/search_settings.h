@@ -19,6 +19,9 @@ struct SearchStage {
     int minDigits = 3;
     int maxDigits = 5;
 
+    // Some number of digits lies between the minimum and the maximum.
+    bool AllowsDigits() const noexcept { return maxDigits >= 1 && minDigits <= maxDigits; }
+
     bool operator==(const SearchStage&) const = default;
 };
 
@@ -54,5 +57,12 @@ MatchMode MatchModeOfTag(int tag) noexcept;
 std::string MatchModeName(MatchMode mode);
 // "Custom", "Default Last Name".
 std::string SearchMethodName(SearchMethod method);
+
+// Why a stage takes no entry: "no number of digits is allowed (minimum 5,
+// maximum 3)".
+std::string NoDigitsAllowed(const SearchStage& stage);
+// Why more matches than a caller can pick from end an entry: "more than the
+// 5 that can be offered".
+std::string TooManyMatches(const SearchSettings& settings);
 
 }  // namespace dbn::directory

@@ -16,9 +16,7 @@ namespace {
 constexpr int kSomeUnreachable = 4;
 
 int RunCheck(const CommandArgs& args) {
-    const std::int16_t config = KeyArgument("CONFIG", args.Positionals()[0]);
-    const std::int16_t partition = KeyArgument("PARTITION", args.Positionals()[1]);
-    const std::int16_t node = KeyArgument("NODE", args.Positionals()[2]);
+    const auto [config, partition, node] = NodeKeyArguments(args);
 
     DataBase db;
     std::string shownAs;
@@ -37,9 +35,7 @@ HostCommand CheckCommand() {
     command.name = "check";
     command.summary = "tell for every name in a node's directory whether callers can reach it";
     command.options = {{"json", "", "print the report as one JSON document"}};
-    command.arguments = {{"CONFIG", "configuration ID, a whole number from -32768 to 32767"},
-                         {"PARTITION", "partition ID, a whole number from -32768 to 32767"},
-                         {"NODE", "node number, a whole number from -32768 to 32767"}};
+    command.arguments = NodeKeyHelp();
     command.exitCodes = {{kExitOk, "every name of the directory is reachable"},
                          {kExitFailed, "failed: no database, no such node or directory"},
                          {kSomeUnreachable, "some names of the directory are unreachable"}};

@@ -39,9 +39,7 @@ void AnswerUnattended(QMessageBox& box) {
 
 int RunEdit(const CommandArgs& args) {
     const std::optional<std::string> screenshot = ScreenshotFile(args);
-    const std::int16_t config = KeyArgument("CONFIG", args.Positionals()[0]);
-    const std::int16_t partition = KeyArgument("PARTITION", args.Positionals()[1]);
-    const std::int16_t node = KeyArgument("NODE", args.Positionals()[2]);
+    const auto [config, partition, node] = NodeKeyArguments(args);
     if (!ChooseDisplay(screenshot.has_value())) {
         return kExitFailed;
     }
@@ -84,12 +82,11 @@ HostCommand EditCommand() {
     command.options = {
         {"screenshot", "FILE",
          "write a picture of the loaded window to FILE (.png) and close it unsaved"}};
-    command.arguments = {{"CONFIG", "configuration ID, a whole number from -32768 to 32767"},
-                         {"PARTITION", "partition ID, a whole number from -32768 to 32767"},
-                         {"NODE", "node number, a whole number from -32768 to 32767"}};
+    command.arguments = NodeKeyHelp();
     command.exitCodes = {
-        {1, "failed: no display, no database, no such node, or the screenshot could not be "
-             "written"}};
+        {1,
+         "failed: no display, no database, no such node, or the screenshot could not be "
+         "written"}};
     command.run = RunEdit;
     return command;
 }

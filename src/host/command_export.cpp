@@ -48,8 +48,7 @@ HostCommand ExportCommand() {
     command.name = "export";
     command.summary = "write a partition's dial-by-name nodes as one JSON document";
     command.options = {{"output", "FILE", "write the document into FILE, not standard output"}};
-    command.arguments = {{"CONFIG", "configuration ID, a whole number from -32768 to 32767"},
-                         {"PARTITION", "partition ID, a whole number from -32768 to 32767"}};
+    command.arguments = NodeKeyHelp(false);
     command.moreArguments = "NODE...";
     command.exitCodes = {{kExitFailed,
                           "failed: no database, a named node that does not exist, "

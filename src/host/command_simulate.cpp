@@ -23,9 +23,7 @@ void Print(const directory::CallStep& step, bool json) {
 }
 
 int RunSimulate(const CommandArgs& args) {
-    const std::int16_t config = KeyArgument("CONFIG", args.Positionals()[0]);
-    const std::int16_t partition = KeyArgument("PARTITION", args.Positionals()[1]);
-    const std::int16_t node = KeyArgument("NODE", args.Positionals()[2]);
+    const auto [config, partition, node] = NodeKeyArguments(args);
     const bool json = args.IsSet("json");
     std::optional<std::vector<directory::CallEvent>> keys;
     if (const std::optional<std::string> text = args.Value("keys")) {
@@ -56,8 +54,7 @@ int RunSimulate(const CommandArgs& args) {
             if (const std::optional<directory::CallEvent> event = directory::ParseCallEvent(word)) {
                 Print(simulator.Answer(*event), json);
             } else {
-                std::cerr << "dbn-node-editor: \"" << word
-                          << "\" is not a key (0-9, *, #) or \"silence\"\n";
+                std::cerr << "dbn-node-editor: " << directory::NotACallEvent(word) << "\n";
             }
         }
     }
@@ -77,9 +74,7 @@ HostCommand SimulateCommand() {
          "the caller's events, blank-separated: keys 0-9, * and #, and silence for a time-out; "
          "without it they are read from standard input, one a line"},
         {"json", "", "print each step as one JSON object on a line"}};
-    command.arguments = {{"CONFIG", "configuration ID, a whole number from -32768 to 32767"},
-                         {"PARTITION", "partition ID, a whole number from -32768 to 32767"},
-                         {"NODE", "node number, a whole number from -32768 to 32767"}};
+    command.arguments = NodeKeyHelp();
     command.exitCodes = {{kExitOk, "the call reached an exit of the node"},
                          {kExitFailed,
                           "failed: no database, no such node or directory, or the events ended "

@@ -17,6 +17,22 @@ std::int16_t KeyArgument(const std::string& name, const std::string& text) {
     return value;
 }
 
+NodeArguments NodeKeyArguments(const CommandArgs& args) {
+    const std::vector<std::string>& positionals = args.Positionals();
+    return {KeyArgument("CONFIG", positionals[0]), KeyArgument("PARTITION", positionals[1]),
+            KeyArgument("NODE", positionals[2])};
+}
+
+std::vector<CommandArgument> NodeKeyHelp(bool node) {
+    std::vector<CommandArgument> help = {
+        {"CONFIG", "configuration ID, a whole number from -32768 to 32767"},
+        {"PARTITION", "partition ID, a whole number from -32768 to 32767"}};
+    if (node) {
+        help.push_back({"NODE", "node number, a whole number from -32768 to 32767"});
+    }
+    return help;
+}
+
 std::optional<long> CountOption(const CommandArgs& args, const std::string& option) {
     const std::optional<std::string> text = args.Value(option);
     if (!text) {

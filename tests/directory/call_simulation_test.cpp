@@ -1,13 +1,10 @@
 // A call through a dial-by-name node, event by event: the exact steps of
-// each exit, mode, stage, retry and time-out, and a property tying every
-// call to the directory check's verdict over generated directories.
+// each exit, mode, stage, retry and time-out.
 #include "directory/call_simulation.h"
-#include "directory/directory_check.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <random>
 #include <string>
 #include <vector>
 

@@ -7,6 +7,7 @@
 #include "directory/call_plan.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace dbn::form {
 class GUI;
@@ -18,6 +19,8 @@ namespace dbn::session {
 // now, with the descriptions of the nodes they refer to and the names of
 // the directory it shows. Raises kErrDirectoryMissing (directory_check.h).
 directory::CallPlan FormCallPlan(form::GUI& form);
+// The same on the names of the directory the form shows, read before.
+directory::CallPlan FormCallPlan(form::GUI& form, std::vector<directory::DirectoryName> names);
 
 // Raised when a stored node cannot be shown in the editor (it does not
 // exist, or the database cannot be opened); the description says why.

@@ -1,7 +1,10 @@
 #include "session/editor/caller_trial.h"
 
 #include "core/component_error.h"
+#include "form/gui.h"
 #include "session/editor/caller_simulation.h"
+#include "session/editor/form_values.h"
+#include "session/nodes/directory_check.h"
 
 #include <exception>
 
@@ -15,7 +18,12 @@ bool CallerTrial::Refresh(bool restart) {
     std::optional<directory::CallPlan> plan;
     std::string problem;
     try {
-        plan = FormCallPlan(form_);
+        const int number = ShownNumber(form_.cmbDirectory);
+        if (restart || !directory_ || directory_->number != number) {
+            directory_.reset();
+            directory_ = DirectoryNames{number, ReadFormDirectoryNames(form_)};
+        }
+        plan = FormCallPlan(form_, directory_->names);
     } catch (const ComponentError& error) {
         problem = error.Description();
     } catch (const std::exception& error) {

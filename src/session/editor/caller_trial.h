@@ -3,7 +3,7 @@
 // A trial call through the node on show in the editor, under the settings
 // the form shows now: the model behind the "Try as Caller" window. It keeps
 // the call's steps, and starts the call again when the form's settings,
-// prompts, targets or directory change.
+// prompts, targets or directory number change.
 
 #include "directory/call_simulation.h"
 
@@ -26,7 +26,8 @@ public:
     CallerTrial& operator=(const CallerTrial&) = delete;
 
     // Reads the form's plan again and starts the call again when it changed
-    // (always with `restart`). True when the call started again.
+    // (always with `restart`, which reads the directory's names again too).
+    // True when the call started again.
     bool Refresh(bool restart = false);
     // Answers one event; nothing when there is no call (see Problem()).
     std::optional<directory::CallStep> Answer(directory::CallEvent event);
@@ -39,7 +40,16 @@ public:
     bool Ended() const noexcept;
 
 private:
+    // The names of the directory the form shows, read when the call starts
+    // again by request or the directory number changes, not at every change
+    // of the form.
+    struct DirectoryNames {
+        int number = 0;
+        std::vector<directory::DirectoryName> names;
+    };
+
     form::GUI& form_;
+    std::optional<DirectoryNames> directory_;
     std::optional<directory::CallPlan> plan_;
     std::unique_ptr<directory::CallSimulator> simulator_;
     std::vector<directory::CallStep> steps_;

@@ -28,7 +28,7 @@ CallPrompt PromptOf(form::GUI& form, const std::string& type, const std::string&
     CallPrompt prompt{type + " " + number, ""};
     if (form::BusinessRulesLink* rules = form.FormBusinessRules()) {
         prompt.description =
-            rules->NodeDescription(typeID, static_cast<std::int16_t>(WholeNumber(number)))
+            rules->NodeDescription(typeID, static_cast<std::int16_t>(WholeNumberOr0(number)))
                 .value_or("");
     }
     return prompt;
@@ -51,7 +51,7 @@ CallPrompt RowPrompt(form::GUI& form, const form::ListView& list, int position) 
     const std::string& typeID = row.SubItem(form::list_rows::kNodeTypeID);
     const std::string& number = row.SubItem(form::list_rows::kNodeNumber);
     return PromptOf(form, row.SubItem(form::list_rows::kNodeName),
-                    std::to_string(WholeNumber(number)), WholeNumber(typeID));
+                    std::to_string(WholeNumberOr0(number)), WholeNumberOr0(typeID));
 }
 
 // "English", "English and French".
@@ -68,9 +68,13 @@ std::string Languages(const form::GUI& form) {
 }  // namespace
 
 directory::CallPlan FormCallPlan(form::GUI& form) {
+    return FormCallPlan(form, ReadFormDirectoryNames(form));
+}
+
+directory::CallPlan FormCallPlan(form::GUI& form, std::vector<directory::DirectoryName> names) {
     directory::CallPlan plan;
     plan.search = FormSearchSettings(form);
-    plan.names = ReadFormDirectoryNames(form);
+    plan.names = std::move(names);
     plan.greeting = PairPrompt(form, form.cmbGreetingNode, form.cmbGreetingNumber);
     const CallExit actions[] = {CallExit::ValidMatch, CallExit::Abort, CallExit::Star,
                                 CallExit::Pound, CallExit::Zero};

@@ -4,23 +4,24 @@
 // simulation that run on unsaved settings.
 
 #include "form/controls/list_control.h"
+#include "session/nodes/node_templates.h"
 
-#include <charconv>
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace dbn::session {
 
-// A whole number's text as the number; 0 when it is none.
-inline int WholeNumber(const std::string& text) {
-    int value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    return error == std::errc() && end == text.data() + text.size() ? value : 0;
+// A whole number's text as the number; 0 when it is none (or beyond an int).
+inline int WholeNumberOr0(const std::string& text) {
+    const std::optional<long> value = WholeNumber(text);
+    return value && std::in_range<int>(*value) ? static_cast<int>(*value) : 0;
 }
 
 // The selected entry's text of a number list as a number; 0 when nothing
 // (or no number) is selected.
 inline int ShownNumber(const form::ListControl& list) {
-    return WholeNumber(list.Text());
+    return WholeNumberOr0(list.Text());
 }
 
 // The tag of the selected entry, or `none` when nothing is selected.

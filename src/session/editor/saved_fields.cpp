@@ -1,9 +1,12 @@
 #include "session/editor/saved_fields.h"
 
 #include "core/node_types.h"
+#include "database/schema_model.h"
 #include "form/gui.h"
+#include "nodefields/node_fields.h"
 #include "session/nodes/stored_values.h"
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <optional>
@@ -18,7 +21,7 @@ using Controls = std::vector<const form::Control*>;
 using List = form::ListControl form::GUI::*;
 
 constexpr int kFixedConfirmRows = 2;
-constexpr const char* kDirectoryTypeID = "16";
+const std::string kDirectoryTypeID = std::to_string(node_type::kDirectory);
 const std::string kNoNumberTypeID = std::to_string(node_type::kNoNumber);
 
 // One stored field: the columns it fills, what the form shows for it (as a
@@ -26,11 +29,11 @@ const std::string kNoNumberTypeID = std::to_string(node_type::kNoNumber);
 // written from list rows has no such control: it is changed when its rows
 // differ from the load's.
 struct Field {
-    int part = 1;
     Values columns;
     std::function<Values(form::GUI&)> shown;
     std::function<Controls(form::GUI&)> controls = [](form::GUI&) { return Controls{}; };
     bool prompts = false;
+    int part = 1;  // the statement that writes it
 };
 
 const std::string* StoredValue(const form::GUI& gui, const std::string& column) {
@@ -59,22 +62,20 @@ Values RefColumns(const std::string& role) {
     return {role + "NodeType", role + "NodeNumber", role + "NodeTypeID"};
 }
 
-Field TagSetting(int part, const std::string& column, List list) {
-    return {part,
-            {column},
+Field TagSetting(const std::string& column, List list) {
+    return {{column},
             [=](form::GUI& gui) { return ListTag(gui, gui.*list, column); },
             [=](form::GUI& gui) { return Controls{&(gui.*list)}; }};
 }
 
-Field TextSetting(int part, const std::string& column, List list) {
-    return {part,
-            {column},
+Field TextSetting(const std::string& column, List list) {
+    return {{column},
             [=](form::GUI& gui) { return ListText(gui, gui.*list, column); },
             [=](form::GUI& gui) { return Controls{&(gui.*list)}; }};
 }
 
-Field Pair(int part, const std::string& role, List node, List number) {
-    return {part, RefColumns(role),
+Field Pair(const std::string& role, List node, List number) {
+    return {RefColumns(role),
             [=](form::GUI& gui) { return RefValues(PairReference(gui.*node, gui.*number)); },
             [=](form::GUI& gui) {
                 return Controls{&(gui.*node), &(gui.*number)};
@@ -82,8 +83,14 @@ Field Pair(int part, const std::string& role, List node, List number) {
 }
 
 Field ActionRow(const std::string& role, int row) {
-    return {1, RefColumns(role),
+    return {RefColumns(role),
             [=](form::GUI& gui) { return RefValues(RowReference(gui.LVActions, row)); }};
+}
+
+Field Description(const std::string& column) {
+    return {{column},
+            [](form::GUI& gui) { return Values{gui.txtDescription.Text()}; },
+            [](form::GUI& gui) { return Controls{&gui.txtDescription}; }};
 }
 
 // Before and after the names: the first two confirmation rows, default
@@ -94,7 +101,7 @@ Field Prompts() {
         columns.push_back(std::move(column));
     }
     Field field{
-        2, columns, [](form::GUI& gui) {
+        columns, [](form::GUI& gui) {
             const form::ListView& rows = ListedPrompts(gui);
             const bool listed = rows.ItemCount() >= kFixedConfirmRows;
             Values values = RefValues(listed ? RowReference(rows, 0) : kDefaultPrompt);
@@ -107,43 +114,111 @@ Field Prompts() {
     return field;
 }
 
-// Every stored field, in the order of the two statements.
-const std::vector<Field>& Fields() {
+// The list that shows a setting, or the type and number lists of a target
+// picked by a pair of lists, by the field's column (a target's role).
+struct ShownBy {
+    const char* column;
+    List list;
+    List number = nullptr;
+};
+
+const ShownBy* ShownByOf(const std::string& column) {
     using G = form::GUI;
-    static const std::vector<Field> fields = {
-        {1,
-         {"NodeDescription"},
-         [](G& gui) { return Values{gui.txtDescription.Text()}; },
-         [](G& gui) { return Controls{&gui.txtDescription}; }},
-        TagSetting(1, "Method", &G::cmbMethod),
-        TextSetting(1, "DirectoryNodeNumber", &G::cmbDirectory),
-        TagSetting(1, "FirstLanguage", &G::cmbLanguage1),
-        TagSetting(1, "SecondLanguage", &G::cmbLanguage2),
-        Pair(1, "Greeting", &G::cmbGreetingNode, &G::cmbGreetingNumber),
-        ActionRow("ValidMatch", 0),
-        ActionRow("Abort", 1),
-        ActionRow("Star", 2),
-        ActionRow("Pound", 3),
-        ActionRow("Zero", 4),
-        TagSetting(1, "FirstMode", &G::cmbfirstMatch),
-        TextSetting(1, "FirstMinDigits", &G::cmbFirstMinDigits),
-        TextSetting(1, "FirstMaxDigits", &G::cmbFirstMaxDigits),
-        Pair(1, "FirstPrompt", &G::cmbFirstMatchPrompt, &G::cmbFirstMatchPromptNumber),
-        TagSetting(1, "SecondMode", &G::cmbsecondMatch),
-        TextSetting(1, "SecondMinDigits", &G::cmbSecondMinDigits),
-        TextSetting(1, "SecondMaxDigits", &G::cmbSecondMaxDigits),
-        Pair(1, "SecondPrompt", &G::cmbSecondMatchPrompt, &G::cmbSecondMatchPromptNumber),
-        Pair(2, "Timeout", &G::cmbTimeoutNode, &G::cmbTimeoutNumber),
-        Pair(2, "Invalid", &G::cmbInvalidNode, &G::cmbInvalidNumber),
-        TextSetting(2, "DigitTimeout", &G::cmbDigitTimeOut),
-        TextSetting(2, "SelectionTimeout", &G::cmbSelTimeOut),
-        TextSetting(2, "RetryLimit", &G::cmbRetryLimit),
-        TagSetting(2, "Confirm", &G::cmbConfirmation),
-        TextSetting(2, "MaxMatch", &G::cmbMaxMatches),
-        TagSetting(2, "PlayName", &G::cmbPlayName),
-        Prompts(),
-        Pair(2, "ConfirmationExit", &G::cmbExitPromptNode, &G::cmbExitPromptNumber),
+    static const ShownBy shown[] = {
+        {"Method", &G::cmbMethod},
+        {"DirectoryNodeNumber", &G::cmbDirectory},
+        {"FirstLanguage", &G::cmbLanguage1},
+        {"SecondLanguage", &G::cmbLanguage2},
+        {"Greeting", &G::cmbGreetingNode, &G::cmbGreetingNumber},
+        {"FirstMode", &G::cmbfirstMatch},
+        {"FirstMinDigits", &G::cmbFirstMinDigits},
+        {"FirstMaxDigits", &G::cmbFirstMaxDigits},
+        {"FirstPrompt", &G::cmbFirstMatchPrompt, &G::cmbFirstMatchPromptNumber},
+        {"SecondMode", &G::cmbsecondMatch},
+        {"SecondMinDigits", &G::cmbSecondMinDigits},
+        {"SecondMaxDigits", &G::cmbSecondMaxDigits},
+        {"SecondPrompt", &G::cmbSecondMatchPrompt, &G::cmbSecondMatchPromptNumber},
+        {"Timeout", &G::cmbTimeoutNode, &G::cmbTimeoutNumber},
+        {"Invalid", &G::cmbInvalidNode, &G::cmbInvalidNumber},
+        {"DigitTimeout", &G::cmbDigitTimeOut},
+        {"SelectionTimeout", &G::cmbSelTimeOut},
+        {"RetryLimit", &G::cmbRetryLimit},
+        {"Confirm", &G::cmbConfirmation},
+        {"MaxMatch", &G::cmbMaxMatches},
+        {"PlayName", &G::cmbPlayName},
+        {"ConfirmationExit", &G::cmbExitPromptNode, &G::cmbExitPromptNumber},
     };
+    for (const ShownBy& entry : shown) {
+        if (column == entry.column) {
+            return &entry;
+        }
+    }
+    return nullptr;
+}
+
+List ListOf(const std::string& column) {
+    const ShownBy* shown = ShownByOf(column);
+    if (shown == nullptr) {
+        throw std::logic_error("no list shows the field " + column);
+    }
+    return shown->list;
+}
+
+// A field as the form shows it, from the node's table of fields; nothing
+// for the targets written from the confirmation rows (the prompts' field).
+std::optional<Field> FieldOf(const nodefields::FieldRule& rule, int& actionRow) {
+    using nodefields::FieldKind;
+    switch (rule.kind) {
+        case FieldKind::Text:
+            return Description(rule.column);
+        case FieldKind::Named:
+        case FieldKind::Flag:
+            return TagSetting(rule.column, ListOf(rule.column));
+        case FieldKind::Whole:
+            return TextSetting(rule.column, ListOf(rule.column));
+        case FieldKind::Prompts:
+            return Prompts();
+        case FieldKind::Target:
+            break;
+    }
+    if (rule.role == nodefields::TargetRole::Instruction && rule.pointer.starts_with("/actions/")) {
+        return ActionRow(rule.column, actionRow++);
+    }
+    if (const ShownBy* shown = ShownByOf(rule.column); shown != nullptr && shown->number) {
+        return Pair(rule.column, shown->list, shown->number);
+    }
+    return std::nullopt;
+}
+
+// Every stored field of the node's table of fields, in the order of the two
+// statements that write the node's row: the schema's column order of
+// Node_DBN, the second statement from the timeout target on.
+std::vector<Field> MakeFields() {
+    const SchemaTable& table = *FindSchemaTable("Node_DBN");
+    auto position = [&](const std::string& column) {
+        const auto at = std::find_if(table.columns.begin(), table.columns.end(),
+                                     [&](const SchemaColumn& c) { return c.name == column; });
+        return at - table.columns.begin();
+    };
+    std::vector<Field> fields;
+    int actionRow = 0;
+    for (const nodefields::FieldRule& rule : nodefields::Fields()) {
+        if (std::optional<Field> field = FieldOf(rule, actionRow)) {
+            fields.push_back(std::move(*field));
+        }
+    }
+    std::stable_sort(fields.begin(), fields.end(), [&](const Field& a, const Field& b) {
+        return position(a.columns.front()) < position(b.columns.front());
+    });
+    const auto secondPart = position("TimeoutNodeType");
+    for (Field& field : fields) {
+        field.part = position(field.columns.front()) < secondPart ? 1 : 2;
+    }
+    return fields;
+}
+
+const std::vector<Field>& Fields() {
+    static const std::vector<Field> fields = MakeFields();
     return fields;
 }
 
@@ -250,7 +325,8 @@ std::vector<SavedReference> ReferencesToSave(form::GUI& gui) {
     };
     pair("Greeting");
     const std::string directory = values["DirectoryNodeNumber"];
-    references.push_back({"DIR " + directory, kDirectoryTypeID, directory});
+    references.push_back(
+        {std::string(node_type::kDirectoryCode) + " " + directory, kDirectoryTypeID, directory});
     for (const char* role : {"ValidMatch", "Abort", "Star", "Pound", "Zero"}) {
         row(role);
     }

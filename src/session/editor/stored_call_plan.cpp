@@ -1,9 +1,11 @@
 // The plan of a call through a stored node: the node is loaded into an
 // editor form without a display, read as the editor shows it, and closed.
 #include "core/component_error.h"
+#include "core/node_types.h"
 #include "form/gui.h"
 #include "session/editor/business_rules.h"
 #include "session/editor/caller_simulation.h"
+#include "session/nodes/directory_check.h"
 
 #include <exception>
 #include <optional>
@@ -39,12 +41,10 @@ public:
             std::rethrow_exception(error_);
         }
         if (!plan_) {
-            RaiseError(kErrNodeNotShown, boxes_.empty()
-                                             ? "DBN " + std::to_string(node) +
-                                                   " doesn't exist in configuration " +
-                                                   std::to_string(config) + ", partition " +
-                                                   std::to_string(partition) + "."
-                                             : boxes_);
+            RaiseError(kErrNodeNotShown,
+                       boxes_.empty()
+                           ? MissingNodeText(node_type::kDialByNameCode, node, config, partition)
+                           : boxes_);
         }
         return std::move(*plan_);
     }

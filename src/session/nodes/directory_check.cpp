@@ -4,9 +4,9 @@
 
 #include "core/component_error.h"
 #include "database/database.h"
+#include "nodefields/node_fields.h"
 #include "session/nodes/stored_values.h"
 
-#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -23,20 +23,41 @@ public:
 
     std::int64_t Value(const char* column) const { return node_.Field(column).ToInt64(); }
 
-    // The stored value when it lies in low..high, else the fallback.
-    int InRange(const char* column, int low, int high, int fallback) const {
+    // The stored value when it lies in the range the editor's list offers
+    // for the field, else the fallback.
+    int InRange(const char* column, int fallback) const {
         const std::int64_t value = Value(column);
-        if (value >= low && value <= high) {
+        if (Offered(Rule(column), value)) {
             return static_cast<int>(value);
         }
         Note(column, value, std::to_string(fallback));
         return fallback;
     }
 
+    // The stored value when the field's list names it, else nothing: the
+    // list shows its entry `fallback`.
+    std::optional<int> Listed(const char* column, const char* fallback) const {
+        const std::int64_t value = Value(column);
+        for (const auto& [stored, name] : Rule(column).names) {
+            if (stored == value) {
+                return stored;
+            }
+        }
+        Note(column, value, fallback);
+        return std::nullopt;
+    }
+
     void Note(const char* column, std::int64_t value, const std::string& shown) const {
         if (notes_ != nullptr) {
             notes_->push_back(std::string(column) + " " + std::to_string(value) + " -> " + shown);
         }
+    }
+
+    static const nodefields::FieldRule& Rule(const char* column) {
+        return *nodefields::FieldOfColumn(column);
+    }
+    static bool Offered(const nodefields::FieldRule& rule, std::int64_t value) {
+        return value >= rule.low && value <= rule.high;
     }
 
 private:
@@ -46,46 +67,39 @@ private:
 
 directory::SearchSettings SearchSettingsOf(const RowSet& node, std::vector<std::string>* notes) {
     const SettingsReader read(node, notes);
-    const std::int64_t method = read.Value("Method");
-    if (method != 0 && method != 1) {
-        read.Note("Method", method, "Default Last Name");
-    }
-    if (method != 0) {
+    if (read.Listed("Method", "Default Last Name") != 0) {
         return directory::DefaultLastNameSearch();
     }
-    const std::int64_t firstMode = read.Value("FirstMode");
-    if (firstMode < 1 || firstMode > 4) {
-        read.Note("FirstMode", firstMode, "Last Name");
-    }
-    const int firstMin = read.InRange("FirstMinDigits", 1, 9, 3);
-    const int firstMax = read.InRange("FirstMaxDigits", 1, 9, 5);
-    const std::int64_t secondMode = read.Value("SecondMode");
-    if (secondMode < 0 || secondMode > 2) {
-        read.Note("SecondMode", secondMode, "None");
-    }
-    const int secondMin = read.InRange("SecondMinDigits", 1, 9, 1);
-    const int secondMax = read.InRange("SecondMaxDigits", 1, 9, 5);
-    const std::int64_t confirm = read.Value("Confirm");
-    if (confirm != 0 && confirm != 1) {
-        read.Note("Confirm", confirm, "Yes");
-    }
-    // As the form shows Max Matches: the stored value from 1 to 9, else
-    // nothing (0), except that with confirmation on one above 9 shows "9".
+    const int firstMode = read.Listed("FirstMode", "Last Name").value_or(1);
+    const int firstMin = read.InRange("FirstMinDigits", 3);
+    const int firstMax = read.InRange("FirstMaxDigits", 5);
+    const int secondMode = read.Listed("SecondMode", "None").value_or(0);
+    const int secondMin = read.InRange("SecondMinDigits", 1);
+    const int secondMax = read.InRange("SecondMaxDigits", 5);
+    const bool confirm = read.Listed("Confirm", "Yes").value_or(1) != 0;
+    // As the form shows Max Matches: the stored value inside its list, else
+    // nothing (0), except that with confirmation on one above the list's top
+    // shows the top.
+    const nodefields::FieldRule& maxMatch = SettingsReader::Rule("MaxMatch");
     const std::int64_t stored = read.Value("MaxMatch");
-    int maxMatches = stored >= 1 && stored <= 9 ? static_cast<int>(stored) : 0;
-    if (confirm != 0 && stored > 9) {
-        maxMatches = 9;
+    int maxMatches = SettingsReader::Offered(maxMatch, stored) ? static_cast<int>(stored) : 0;
+    if (confirm && stored > maxMatch.high) {
+        maxMatches = maxMatch.high;
     }
-    if (stored < 1 || stored > 9) {
-        read.Note("MaxMatch", stored, maxMatches == 9 ? "9" : "nothing");
+    if (!SettingsReader::Offered(maxMatch, stored)) {
+        read.Note("MaxMatch", stored, maxMatches != 0 ? std::to_string(maxMatches) : "nothing");
     }
-    return directory::CustomSearch(
-        directory::MatchModeOfTag(static_cast<int>(std::clamp<std::int64_t>(firstMode, 0, 5))),
-        firstMin, firstMax, secondMode >= 0 && secondMode <= 2 ? static_cast<int>(secondMode) : 0,
-        secondMin, secondMax, confirm != 0, maxMatches);
+    return directory::CustomSearch(directory::MatchModeOfTag(firstMode), firstMin, firstMax,
+                                   secondMode, secondMin, secondMax, confirm, maxMatches);
 }
 
 }  // namespace
+
+std::string MissingNodeText(const std::string& type, std::int16_t node, std::int16_t config,
+                            std::int16_t partition) {
+    return type + " " + std::to_string(node) + " doesn't exist in configuration " +
+           std::to_string(config) + ", partition " + std::to_string(partition) + ".";
+}
 
 directory::SearchSettings StoredSearchSettings(const RowSet& node) {
     return SearchSettingsOf(node, nullptr);
@@ -93,7 +107,7 @@ directory::SearchSettings StoredSearchSettings(const RowSet& node) {
 
 std::int16_t StoredDirectoryNumber(const RowSet& node) {
     return static_cast<std::int16_t>(
-        SettingsReader(node, nullptr).InRange("DirectoryNodeNumber", 1, 99, 1));
+        SettingsReader(node, nullptr).InRange("DirectoryNodeNumber", 1));
 }
 
 directory::DirectoryReport CheckStoredNode(DataBase& db, std::int16_t config,
@@ -105,8 +119,7 @@ directory::DirectoryReport CheckStoredNode(DataBase& db, std::int16_t config,
     RowSetCloser closer(row);
     if (row.Eof()) {
         RaiseError(kErrCheckedNodeMissing,
-                   "DBN " + std::to_string(node) + " doesn't exist in configuration " +
-                       std::to_string(config) + ", partition " + std::to_string(partition) + ".");
+                   MissingNodeText(node_type::kDialByNameCode, node, config, partition));
     }
     std::vector<std::string> notes;
     directory::SearchSettings settings = SearchSettingsOf(row, &notes);
@@ -114,7 +127,7 @@ directory::DirectoryReport CheckStoredNode(DataBase& db, std::int16_t config,
     // after the method.
     std::vector<std::string> directoryNote;
     const std::int16_t directory = static_cast<std::int16_t>(
-        SettingsReader(row, &directoryNote).InRange("DirectoryNodeNumber", 1, 99, 1));
+        SettingsReader(row, &directoryNote).InRange("DirectoryNodeNumber", 1));
     const bool methodFirst = !notes.empty() && notes.front().starts_with("Method ");
     notes.insert(notes.begin() + (methodFirst ? 1 : 0), directoryNote.begin(), directoryNote.end());
     row.Close();

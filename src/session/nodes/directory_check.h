@@ -23,6 +23,11 @@ namespace dbn::session {
 inline constexpr long kErrCheckedNodeMissing = 5001;
 inline constexpr long kErrDirectoryMissing = 5002;
 
+// "DBN 5 doesn't exist in configuration 1, partition 2.": a missing node's
+// message, its type given by code.
+std::string MissingNodeText(const std::string& type, std::int16_t node, std::int16_t config,
+                            std::int16_t partition);
+
 // The names of directory node `directory` (its Detail_DIR rows), in sequence
 // order. Raises kErrDirectoryMissing when the partition has no such DIR node.
 std::vector<directory::DirectoryName> ReadDirectoryNames(DataBase& db, std::int16_t config,

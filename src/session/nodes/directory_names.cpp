@@ -16,8 +16,7 @@ std::vector<directory::DirectoryName> ReadDirectoryNames(DataBase& db, std::int1
     node.Close();
     if (!exists) {
         RaiseError(kErrDirectoryMissing,
-                   "DIR " + std::to_string(directory) + " doesn't exist in configuration " +
-                       std::to_string(config) + ", partition " + std::to_string(partition) + ".");
+                   MissingNodeText(node_type::kDirectoryCode, directory, config, partition));
     }
 
     db.Execute("Get_DIR_Names", {CommandArg(config), CommandArg(partition), CommandArg(directory)});
