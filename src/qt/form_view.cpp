@@ -377,15 +377,23 @@ void FormView::closeEvent(QCloseEvent* event) {
     }
 }
 
-// Esc: the form's cancel button, when it can be pressed.
+// Esc: the form's cancel button, when it can be pressed. A key presses it
+// without taking the focus there: when the window stays open (Cancel at the
+// save question), the operator is still in the control Esc was pressed in.
 void FormView::reject() {
     for (form::Control* control : form_.Controls()) {
         auto* button = dynamic_cast<form::Button*>(control);
         if (button != nullptr && button->IsCancel()) {
+            const QPointer<QWidget> before = focusWidget();
             try {
                 form::operator_input::Press(*button);
             } catch (const std::exception& error) {
                 std::cerr << "error in " << button->Name() << ": " << error.what() << "\n";
+            }
+            QWidget* pressed = WidgetOf(button->Name());
+            if (before != nullptr && before != pressed && focusWidget() == pressed &&
+                before->isVisible() && before->isEnabled()) {
+                before->setFocus(Qt::OtherFocusReason);
             }
             return;
         }
