@@ -3,7 +3,7 @@
 #include "core/component_error.h"
 #include "qt/accessible_combo.h"
 #include "qt/form_view.h"
-#include "qt/screen_fit.h"
+#include "qt/tool_window.h"
 #include "qt/wheel_guard.h"
 #include "session/nodes/directory_check.h"
 
@@ -12,7 +12,6 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QShortcut>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
@@ -93,13 +92,7 @@ DirectoryCheckWindow::DirectoryCheckWindow(QWidget* parent)
     layout->addWidget(table_, 1);
     layout->addWidget(summary_);
     resize(900, 480);
-    // Escape and Ctrl+W close it, as its close box does.
-    for (const QKeySequence& keys :
-         {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::CTRL | Qt::Key_W)}) {
-        auto* shortcut = new QShortcut(keys, this);
-        shortcut->setContext(Qt::WindowShortcut);
-        connect(shortcut, &QShortcut::activated, this, &QWidget::close);
-    }
+    CloseOnKeys(*this);
 }
 
 void DirectoryCheckWindow::ShowReport(const directory::DirectoryReport& report) {
@@ -155,17 +148,12 @@ DirectoryCheckWindow& ShowDirectoryCheck(FormView& view) {
     } catch (const std::exception& error) {
         window->ShowProblem(error.what());
     }
-    window->show();
-    KeepOnScreen(*window);
-    window->raise();
-    window->activateWindow();
+    BringToFront(*window);
     return *window;
 }
 
 void InstallDirectoryCheckKey(FormView& view) {
-    auto* key = new QShortcut(QKeySequence(Qt::Key_F7), &view);
-    key->setContext(Qt::WindowShortcut);
-    QObject::connect(key, &QShortcut::activated, &view, [&view] { ShowDirectoryCheck(view); });
+    InstallToolKey(view, QKeySequence(Qt::Key_F7), [&view] { ShowDirectoryCheck(view); });
 }
 
 }  // namespace dbn::qt

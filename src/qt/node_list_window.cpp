@@ -7,6 +7,7 @@
 #include "qt/event_hook.h"
 #include "qt/node_text_actions.h"
 #include "qt/screen_fit.h"
+#include "qt/tool_window.h"
 #include "qt/wheel_guard.h"
 #include "session/history/change_watcher.h"
 #include "session/nodes/directory_check.h"
@@ -363,8 +364,7 @@ void NodeListWindow::CheckSelected() {
     } catch (const ComponentError& error) {
         report_->ShowProblem(error.Description());
     }
-    report_->show();
-    report_->raise();
+    BringToFront(*report_);
 }
 
 void NodeListWindow::NewNode() {

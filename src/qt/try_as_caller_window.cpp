@@ -3,7 +3,7 @@
 #include "form/gui.h"
 #include "qt/directory_check_window.h"
 #include "qt/form_view.h"
-#include "qt/screen_fit.h"
+#include "qt/tool_window.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -13,7 +13,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QShortcut>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -88,12 +87,7 @@ TryAsCallerWindow::TryAsCallerWindow(form::GUI& form, QWidget* parent)
     layout->addWidget(MakeKeypad(), 0, Qt::AlignTop);
     resize(760, 520);
 
-    for (const QKeySequence& keys :
-         {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::CTRL | Qt::Key_W)}) {
-        auto* shortcut = new QShortcut(keys, this);
-        shortcut->setContext(Qt::WindowShortcut);
-        connect(shortcut, &QShortcut::activated, this, &QWidget::close);
-    }
+    CloseOnKeys(*this);
     // The keyboard works as the keypad wherever the focus is in the window.
     installEventFilter(this);
     for (QWidget* child : findChildren<QWidget*>()) {
@@ -237,11 +231,6 @@ bool TryAsCallerWindow::eventFilter(QObject* watched, QEvent* event) {
     return QWidget::eventFilter(watched, event);
 }
 
-void TryAsCallerWindow::showEvent(QShowEvent* event) {
-    QWidget::showEvent(event);
-    KeepOnScreen(*this);
-}
-
 TryAsCallerWindow& ShowTryAsCaller(FormView& view) {
     auto* window = view.findChild<TryAsCallerWindow*>();
     if (window == nullptr) {
@@ -249,17 +238,12 @@ TryAsCallerWindow& ShowTryAsCaller(FormView& view) {
     } else {
         window->Restart();
     }
-    window->show();
-    KeepOnScreen(*window);
-    window->raise();
-    window->activateWindow();
+    BringToFront(*window);
     return *window;
 }
 
 void InstallCallerTools(FormView& view) {
-    auto* key = new QShortcut(QKeySequence(Qt::Key_F8), &view);
-    key->setContext(Qt::WindowShortcut);
-    QObject::connect(key, &QShortcut::activated, &view, [&view] { ShowTryAsCaller(view); });
+    InstallToolKey(view, QKeySequence(Qt::Key_F8), [&view] { ShowTryAsCaller(view); });
 
     // Two buttons side by side below the actions frame, inside the form's
     // scrolling area, which keeps room for them.
