@@ -305,14 +305,11 @@ void FormView::FollowFrame1() {
     formEnabled_ = enabled;
 }
 
+// The strip holds OK, Cancel and Apply; the bar its own buttons.
 void FormView::NoteFocus(QWidget* now) {
-    if (now == nullptr || !isAncestorOf(now) || (bar_ != nullptr && bar_->isAncestorOf(now))) {
+    if (now == nullptr || !isAncestorOf(now) || strip_->isAncestorOf(now) ||
+        (bar_ != nullptr && bar_->isAncestorOf(now))) {
         return;
-    }
-    for (const form::Control* button : {&form_.cmdOK, &form_.cmdCancel, &form_.cmdApply}) {
-        if (now == WidgetOf(button->Name())) {
-            return;
-        }
     }
     lastFocus_ = now;
 }
