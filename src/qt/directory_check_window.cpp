@@ -152,8 +152,4 @@ DirectoryCheckWindow& ShowDirectoryCheck(FormView& view) {
     return *window;
 }
 
-void InstallDirectoryCheckKey(FormView& view) {
-    InstallToolKey(view, QKeySequence(Qt::Key_F7), [&view] { ShowDirectoryCheck(view); });
-}
-
 }  // namespace dbn::qt

@@ -8,6 +8,7 @@
 #include "qt/directory_check_window.h"
 #include "qt/form_fonts.h"
 #include "qt/screen_fit.h"
+#include "qt/tool_window.h"
 #include "qt/try_as_caller_window.h"
 
 #include <QApplication>
@@ -99,8 +100,7 @@ FormView::FormView(form::GUI& form, QWidget* parent)
     StackBySize();
     SetTabOrder();
     FollowWidth();
-    InstallDirectoryCheckKey(*this);
-    InstallCallerTools(*this);
+    InstallTools(*this);
     ApplyShortcut();
     formObserver_ = form.Observe([this](form::FormChange change) {
         if (change == form::FormChange::Width) {

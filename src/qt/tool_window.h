@@ -1,9 +1,5 @@
 #pragma once
 
-#include <QKeySequence>
-
-#include <functional>
-
 class QWidget;
 
 namespace dbn::qt {
@@ -19,7 +15,9 @@ void CloseOnKeys(QWidget& window);
 // Shows the window in front of the others, active and within its screen.
 void BringToFront(QWidget& window);
 
-// A key of the editor window, wherever the focus is in it, that opens a tool.
-void InstallToolKey(FormView& view, const QKeySequence& key, std::function<void()> open);
+// The editor window's tools: F7 checks the node on show in the directory
+// check, F8 opens Try as Caller, both under the settings the form shows now;
+// and a button for each under the actions list.
+void InstallTools(FormView& view);
 
 }  // namespace dbn::qt

@@ -1,7 +1,6 @@
 #include "qt/try_as_caller_window.h"
 
 #include "form/gui.h"
-#include "qt/directory_check_window.h"
 #include "qt/form_view.h"
 #include "qt/tool_window.h"
 
@@ -15,8 +14,6 @@
 #include <QScrollBar>
 #include <QTimer>
 #include <QVBoxLayout>
-
-#include <functional>
 
 namespace dbn::qt {
 namespace {
@@ -240,51 +237,6 @@ TryAsCallerWindow& ShowTryAsCaller(FormView& view) {
     }
     BringToFront(*window);
     return *window;
-}
-
-void InstallCallerTools(FormView& view) {
-    InstallToolKey(view, QKeySequence(Qt::Key_F8), [&view] { ShowTryAsCaller(view); });
-
-    // Two buttons side by side below the actions frame, inside the form's
-    // scrolling area, which keeps room for them.
-    QWidget* ok = view.WidgetOf("cmdOK");
-    if (ok == nullptr) {
-        return;
-    }
-    const form::GUI& form = view.Form();
-    const int gap = 120;
-    const int top = form.fraActions.Top() + form.fraActions.Height() + gap;
-    const int height = form.cmdOK.Height();
-    // Under the actions list, over its width.
-    const int left = form.fraActions.Left() + form.LVActions.Left();
-    const int width = (form.LVActions.Width() - gap) / 2;
-    struct Tool {
-        const char* caption;
-        const char* tip;
-        std::function<void()> run;
-    };
-    const Tool tools[] = {{DirectoryCheckWindow::kTitle, "Who callers can reach (F7)",
-                           [&view] { ShowDirectoryCheck(view); }},
-                          {TryAsCallerWindow::kTitle, "Dial this node as a caller (F8)",
-                           [&view] { ShowTryAsCaller(view); }}};
-    // In the tab order after the form's controls, before OK; their mnemonics
-    // are chosen with the window's, and F7 and F8 open them too.
-    QWidget* previous = ok->previousInFocusChain();
-    for (int i = 0; i < 2; ++i) {
-        const Tool& tool = tools[i];
-        auto* button = new QPushButton(view.MnemonicText(tool.caption), &view.FormArea());
-        button->setObjectName(QString::fromUtf8(tool.caption));
-        button->setAccessibleName(QString::fromUtf8(tool.caption));
-        button->setToolTip(QString::fromUtf8(tool.tip));
-        button->setAutoDefault(false);
-        button->setGeometry(
-            view.Scale().ToPixels(form::Rect{left + i * (width + gap), top, width, height}));
-        QWidget::setTabOrder(previous, button);
-        previous = button;
-        QObject::connect(button, &QPushButton::clicked, &view, tool.run);
-        button->show();
-    }
-    view.ReserveFormHeight(top + height);
 }
 
 }  // namespace dbn::qt

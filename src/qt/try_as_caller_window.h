@@ -64,10 +64,6 @@ private:
     bool refreshPending_ = false;
 };
 
-// Lets F8, and a button beside a Directory Check button placed in the
-// editor window, open "Try as Caller" for the node on show.
-void InstallCallerTools(FormView& view);
-
 // Shows the view's one "Try as Caller" window (made on first use), its call
 // started again on the form's settings as they are now.
 TryAsCallerWindow& ShowTryAsCaller(FormView& view);
