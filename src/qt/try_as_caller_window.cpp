@@ -187,13 +187,9 @@ void TryAsCallerWindow::ShowCall() {
         return;
     }
     const directory::CallStep& step = trial_.Steps().back();
-    const std::string text = directory::StepText(step);
-    // The state is the step's last line, without its indent.
-    const std::size_t last = text.rfind('\n', text.size() - 2);
-    state_->setText(Text(text.substr(last + 3, text.size() - last - 4)));
+    state_->setText(Text(directory::StateText(step)));
     for (std::size_t i = 0; i < step.matches.size(); ++i) {
-        const directory::CallMatch& match = step.matches[i];
-        QString line = Text(match.name + (match.extension.empty() ? "" : " " + match.extension));
+        QString line = Text(directory::MatchText(step.matches[i]));
         if (step.stage == directory::CallStage::Confirmation) {
             line = QStringLiteral("%1  %2").arg(i + 1).arg(line);
         }
