@@ -1,6 +1,7 @@
 #include "qt/try_as_caller_window.h"
 
 #include "form/gui.h"
+#include "qt/focus_frame.h"
 #include "qt/form_view.h"
 #include "qt/tool_window.h"
 
@@ -67,6 +68,9 @@ TryAsCallerWindow::TryAsCallerWindow(form::GUI& form, QWidget* parent)
     state_->setAccessibleName(QStringLiteral("State of the call"));
     state_->setWordWrap(true);
     state_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // Neither view shows the focus on its own.
+    new FocusFrame(*transcript_);  // owned by the transcript
+    new FocusFrame(*matches_);     // owned by the list
 
     auto* transcriptLabel = new QLabel(QStringLiteral("&Transcript:"), this);
     transcriptLabel->setBuddy(transcript_);
