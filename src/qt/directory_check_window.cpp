@@ -86,6 +86,11 @@ DirectoryCheckWindow::DirectoryCheckWindow(QWidget* parent)
     sorting->addWidget(sortBy);
     sorting->addWidget(descending);
     sorting->addStretch(1);
+    // Tab goes as the window reads, the sort order above the table, and
+    // leaves the table rather than walking its cells.
+    QWidget::setTabOrder(sortBy, descending);
+    QWidget::setTabOrder(descending, table_);
+    table_->setTabKeyNavigation(false);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(heading_);
     layout->addLayout(sorting);
