@@ -2,6 +2,7 @@
 
 #include "core/component_error.h"
 #include "qt/accessible_combo.h"
+#include "qt/focus_frame.h"
 #include "qt/form_view.h"
 #include "qt/tool_window.h"
 #include "qt/wheel_guard.h"
@@ -91,6 +92,7 @@ DirectoryCheckWindow::DirectoryCheckWindow(QWidget* parent)
     QWidget::setTabOrder(sortBy, descending);
     QWidget::setTabOrder(descending, table_);
     table_->setTabKeyNavigation(false);
+    new FocusFrame(*table_);  // owned by the table
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(heading_);
     layout->addLayout(sorting);

@@ -109,6 +109,7 @@ TEST_F(EditorWindowTest, TheReportWindowClosesFromTheKeyboardAndFitsItsColumns) 
         QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
         QApplication::sendEvent(&table, &tab);
         EXPECT_EQ(table.currentColumn(), 0);
+        EXPECT_TRUE(ShowsFocusFrame(table));
         for (const QKeySequence& keys :
              {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::CTRL | Qt::Key_W)}) {
             qt::ShowDirectoryCheck(view);
