@@ -116,6 +116,12 @@ private:
     std::optional<CallOutcome> outcome_;
 };
 
+// A match as the transcript names it: "Grace Adams 2101" (the name alone
+// without an extension).
+std::string MatchText(const CallMatch& match);
+// The state of the call after a step, on one line: "first stage, Last Name:
+// 22, 2 matches: Grace Adams 2101, Tom Baker 2102", or the exit taken.
+std::string StateText(const CallStep& step);
 // A step as text: a heading line ("3 key 4") and indented lines for the
 // notes, the prompts and the state of the call after it.
 std::string StepText(const CallStep& step);

@@ -7,10 +7,6 @@
 namespace dbn::directory {
 namespace {
 
-std::string MatchText(const CallMatch& match) {
-    return match.extension.empty() ? match.name : match.name + " " + match.extension;
-}
-
 std::string OutcomeText(const CallOutcome& outcome) {
     std::string text = "exit " + CallExitName(outcome.exit) + ": " + outcome.target.Text();
     if (outcome.name) {
@@ -19,6 +15,12 @@ std::string OutcomeText(const CallOutcome& outcome) {
                 " (" + outcome.name->name + ")";
     }
     return text;
+}
+
+}  // namespace
+
+std::string MatchText(const CallMatch& match) {
+    return match.extension.empty() ? match.name : match.name + " " + match.extension;
 }
 
 // "first stage, Last Name: 22, 2 matches: Grace Adams 2101, Tom Baker 2102".
@@ -48,8 +50,6 @@ std::string StateText(const CallStep& step) {
     }
     return text;
 }
-
-}  // namespace
 
 std::string StepText(const CallStep& step) {
     std::string text =

@@ -2,8 +2,9 @@
 
 #include "core/component_error.h"
 #include "qt/accessible_combo.h"
+#include "qt/focus_frame.h"
 #include "qt/form_view.h"
-#include "qt/screen_fit.h"
+#include "qt/tool_window.h"
 #include "qt/wheel_guard.h"
 #include "session/nodes/directory_check.h"
 
@@ -12,7 +13,6 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QShortcut>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
@@ -87,19 +87,19 @@ DirectoryCheckWindow::DirectoryCheckWindow(QWidget* parent)
     sorting->addWidget(sortBy);
     sorting->addWidget(descending);
     sorting->addStretch(1);
+    // Tab goes as the window reads, the sort order above the table, and
+    // leaves the table rather than walking its cells.
+    QWidget::setTabOrder(sortBy, descending);
+    QWidget::setTabOrder(descending, table_);
+    table_->setTabKeyNavigation(false);
+    new FocusFrame(*table_);  // owned by the table
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(heading_);
     layout->addLayout(sorting);
     layout->addWidget(table_, 1);
     layout->addWidget(summary_);
     resize(900, 480);
-    // Escape and Ctrl+W close it, as its close box does.
-    for (const QKeySequence& keys :
-         {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::CTRL | Qt::Key_W)}) {
-        auto* shortcut = new QShortcut(keys, this);
-        shortcut->setContext(Qt::WindowShortcut);
-        connect(shortcut, &QShortcut::activated, this, &QWidget::close);
-    }
+    CloseOnKeys(*this);
 }
 
 void DirectoryCheckWindow::ShowReport(const directory::DirectoryReport& report) {
@@ -155,17 +155,8 @@ DirectoryCheckWindow& ShowDirectoryCheck(FormView& view) {
     } catch (const std::exception& error) {
         window->ShowProblem(error.what());
     }
-    window->show();
-    KeepOnScreen(*window);
-    window->raise();
-    window->activateWindow();
+    BringToFront(*window);
     return *window;
-}
-
-void InstallDirectoryCheckKey(FormView& view) {
-    auto* key = new QShortcut(QKeySequence(Qt::Key_F7), &view);
-    key->setContext(Qt::WindowShortcut);
-    QObject::connect(key, &QShortcut::activated, &view, [&view] { ShowDirectoryCheck(view); });
 }
 
 }  // namespace dbn::qt

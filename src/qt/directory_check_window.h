@@ -41,10 +41,6 @@ private:
     QLabel* summary_;
 };
 
-// Lets F7 in the editor window check the node on show under the settings the
-// form shows now, in the view's one report window (made on first use).
-void InstallDirectoryCheckKey(FormView& view);
-
 // Runs the check of the form on show in `view` and shows the report window.
 DirectoryCheckWindow& ShowDirectoryCheck(FormView& view);
 

@@ -8,6 +8,7 @@
 #include "qt/directory_check_window.h"
 #include "qt/form_fonts.h"
 #include "qt/screen_fit.h"
+#include "qt/tool_window.h"
 #include "qt/try_as_caller_window.h"
 
 #include <QApplication>
@@ -99,8 +100,7 @@ FormView::FormView(form::GUI& form, QWidget* parent)
     StackBySize();
     SetTabOrder();
     FollowWidth();
-    InstallDirectoryCheckKey(*this);
-    InstallCallerTools(*this);
+    InstallTools(*this);
     ApplyShortcut();
     formObserver_ = form.Observe([this](form::FormChange change) {
         if (change == form::FormChange::Width) {
@@ -305,14 +305,11 @@ void FormView::FollowFrame1() {
     formEnabled_ = enabled;
 }
 
+// The strip holds OK, Cancel and Apply; the bar its own buttons.
 void FormView::NoteFocus(QWidget* now) {
-    if (now == nullptr || !isAncestorOf(now) || (bar_ != nullptr && bar_->isAncestorOf(now))) {
+    if (now == nullptr || !isAncestorOf(now) || strip_->isAncestorOf(now) ||
+        (bar_ != nullptr && bar_->isAncestorOf(now))) {
         return;
-    }
-    for (const form::Control* button : {&form_.cmdOK, &form_.cmdCancel, &form_.cmdApply}) {
-        if (now == WidgetOf(button->Name())) {
-            return;
-        }
     }
     lastFocus_ = now;
 }
@@ -377,15 +374,23 @@ void FormView::closeEvent(QCloseEvent* event) {
     }
 }
 
-// Esc: the form's cancel button, when it can be pressed.
+// Esc: the form's cancel button, when it can be pressed. A key presses it
+// without taking the focus there: when the window stays open (Cancel at the
+// save question), the operator is still in the control Esc was pressed in.
 void FormView::reject() {
     for (form::Control* control : form_.Controls()) {
         auto* button = dynamic_cast<form::Button*>(control);
         if (button != nullptr && button->IsCancel()) {
+            const QPointer<QWidget> before = focusWidget();
             try {
                 form::operator_input::Press(*button);
             } catch (const std::exception& error) {
                 std::cerr << "error in " << button->Name() << ": " << error.what() << "\n";
+            }
+            QWidget* pressed = WidgetOf(button->Name());
+            if (before != nullptr && before != pressed && focusWidget() == pressed &&
+                before->isVisible() && before->isEnabled()) {
+                before->setFocus(Qt::OtherFocusReason);
             }
             return;
         }

@@ -2,6 +2,7 @@
 
 #include "core/component_error.h"
 #include "nodestate/state_diff.h"
+#include "qt/focus_frame.h"
 #include "session/history/node_restore.h"
 #include "session/nodes/modification_time.h"
 
@@ -53,11 +54,16 @@ HistoryWindow::HistoryWindow(DataBase& db, session::NodeKey key, QWidget* parent
     table_->setSelectionMode(QAbstractItemView::SingleSelection);
     table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table_->verticalHeader()->hide();
+    // Tab leaves the entries rather than walking their cells.
+    table_->setTabKeyNavigation(false);
     layout->addWidget(table_, 2);
     changes_ = new QPlainTextEdit(this);
     changes_->setObjectName(QStringLiteral("changes"));
     changes_->setAccessibleName(QStringLiteral("Changes of the selected entry"));
     changes_->setReadOnly(true);
+    // Neither view shows the focus on its own.
+    new FocusFrame(*table_);    // owned by the table
+    new FocusFrame(*changes_);  // owned by the pane
     layout->addWidget(changes_, 1);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     restore_ =

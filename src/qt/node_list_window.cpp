@@ -5,8 +5,10 @@
 #include "qt/accessible_combo.h"
 #include "qt/directory_check_window.h"
 #include "qt/event_hook.h"
+#include "qt/focus_frame.h"
 #include "qt/node_text_actions.h"
 #include "qt/screen_fit.h"
+#include "qt/tool_window.h"
 #include "qt/wheel_guard.h"
 #include "session/history/change_watcher.h"
 #include "session/nodes/directory_check.h"
@@ -100,6 +102,8 @@ NodeListWindow::NodeListWindow(DataBase& db, std::string databasePath, OpenNode 
     table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table_->verticalHeader()->hide();
     table_->setTabKeyNavigation(false);
+    // Its selection looks the same with and without the focus.
+    new FocusFrame(*table_);  // owned by the table
     // A label stays on one line; its column is as wide as the longest.
     table_->setWordWrap(false);
     table_->horizontalHeader()->setStretchLastSection(true);
@@ -363,8 +367,7 @@ void NodeListWindow::CheckSelected() {
     } catch (const ComponentError& error) {
         report_->ShowProblem(error.Description());
     }
-    report_->show();
-    report_->raise();
+    BringToFront(*report_);
 }
 
 void NodeListWindow::NewNode() {

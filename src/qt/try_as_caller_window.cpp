@@ -1,9 +1,9 @@
 #include "qt/try_as_caller_window.h"
 
 #include "form/gui.h"
-#include "qt/directory_check_window.h"
+#include "qt/focus_frame.h"
 #include "qt/form_view.h"
-#include "qt/screen_fit.h"
+#include "qt/tool_window.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -13,11 +13,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QShortcut>
 #include <QTimer>
 #include <QVBoxLayout>
-
-#include <functional>
 
 namespace dbn::qt {
 namespace {
@@ -71,6 +68,9 @@ TryAsCallerWindow::TryAsCallerWindow(form::GUI& form, QWidget* parent)
     state_->setAccessibleName(QStringLiteral("State of the call"));
     state_->setWordWrap(true);
     state_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // Neither view shows the focus on its own.
+    new FocusFrame(*transcript_);  // owned by the transcript
+    new FocusFrame(*matches_);     // owned by the list
 
     auto* transcriptLabel = new QLabel(QStringLiteral("&Transcript:"), this);
     transcriptLabel->setBuddy(transcript_);
@@ -88,12 +88,7 @@ TryAsCallerWindow::TryAsCallerWindow(form::GUI& form, QWidget* parent)
     layout->addWidget(MakeKeypad(), 0, Qt::AlignTop);
     resize(760, 520);
 
-    for (const QKeySequence& keys :
-         {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::CTRL | Qt::Key_W)}) {
-        auto* shortcut = new QShortcut(keys, this);
-        shortcut->setContext(Qt::WindowShortcut);
-        connect(shortcut, &QShortcut::activated, this, &QWidget::close);
-    }
+    CloseOnKeys(*this);
     // The keyboard works as the keypad wherever the focus is in the window.
     installEventFilter(this);
     for (QWidget* child : findChildren<QWidget*>()) {
@@ -196,13 +191,9 @@ void TryAsCallerWindow::ShowCall() {
         return;
     }
     const directory::CallStep& step = trial_.Steps().back();
-    const std::string text = directory::StepText(step);
-    // The state is the step's last line, without its indent.
-    const std::size_t last = text.rfind('\n', text.size() - 2);
-    state_->setText(Text(text.substr(last + 3, text.size() - last - 4)));
+    state_->setText(Text(directory::StateText(step)));
     for (std::size_t i = 0; i < step.matches.size(); ++i) {
-        const directory::CallMatch& match = step.matches[i];
-        QString line = Text(match.name + (match.extension.empty() ? "" : " " + match.extension));
+        QString line = Text(directory::MatchText(step.matches[i]));
         if (step.stage == directory::CallStage::Confirmation) {
             line = QStringLiteral("%1  %2").arg(i + 1).arg(line);
         }
@@ -237,11 +228,6 @@ bool TryAsCallerWindow::eventFilter(QObject* watched, QEvent* event) {
     return QWidget::eventFilter(watched, event);
 }
 
-void TryAsCallerWindow::showEvent(QShowEvent* event) {
-    QWidget::showEvent(event);
-    KeepOnScreen(*this);
-}
-
 TryAsCallerWindow& ShowTryAsCaller(FormView& view) {
     auto* window = view.findChild<TryAsCallerWindow*>();
     if (window == nullptr) {
@@ -249,58 +235,8 @@ TryAsCallerWindow& ShowTryAsCaller(FormView& view) {
     } else {
         window->Restart();
     }
-    window->show();
-    KeepOnScreen(*window);
-    window->raise();
-    window->activateWindow();
+    BringToFront(*window);
     return *window;
-}
-
-void InstallCallerTools(FormView& view) {
-    auto* key = new QShortcut(QKeySequence(Qt::Key_F8), &view);
-    key->setContext(Qt::WindowShortcut);
-    QObject::connect(key, &QShortcut::activated, &view, [&view] { ShowTryAsCaller(view); });
-
-    // Two buttons side by side below the actions frame, inside the form's
-    // scrolling area, which keeps room for them.
-    QWidget* ok = view.WidgetOf("cmdOK");
-    if (ok == nullptr) {
-        return;
-    }
-    const form::GUI& form = view.Form();
-    const int gap = 120;
-    const int top = form.fraActions.Top() + form.fraActions.Height() + gap;
-    const int height = form.cmdOK.Height();
-    // Under the actions list, over its width.
-    const int left = form.fraActions.Left() + form.LVActions.Left();
-    const int width = (form.LVActions.Width() - gap) / 2;
-    struct Tool {
-        const char* caption;
-        const char* tip;
-        std::function<void()> run;
-    };
-    const Tool tools[] = {{DirectoryCheckWindow::kTitle, "Who callers can reach (F7)",
-                           [&view] { ShowDirectoryCheck(view); }},
-                          {TryAsCallerWindow::kTitle, "Dial this node as a caller (F8)",
-                           [&view] { ShowTryAsCaller(view); }}};
-    // In the tab order after the form's controls, before OK; their mnemonics
-    // are chosen with the window's, and F7 and F8 open them too.
-    QWidget* previous = ok->previousInFocusChain();
-    for (int i = 0; i < 2; ++i) {
-        const Tool& tool = tools[i];
-        auto* button = new QPushButton(view.MnemonicText(tool.caption), &view.FormArea());
-        button->setObjectName(QString::fromUtf8(tool.caption));
-        button->setAccessibleName(QString::fromUtf8(tool.caption));
-        button->setToolTip(QString::fromUtf8(tool.tip));
-        button->setAutoDefault(false);
-        button->setGeometry(
-            view.Scale().ToPixels(form::Rect{left + i * (width + gap), top, width, height}));
-        QWidget::setTabOrder(previous, button);
-        previous = button;
-        QObject::connect(button, &QPushButton::clicked, &view, tool.run);
-        button->show();
-    }
-    view.ReserveFormHeight(top + height);
 }
 
 }  // namespace dbn::qt

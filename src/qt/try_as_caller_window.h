@@ -48,7 +48,6 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
-    void showEvent(QShowEvent* event) override;
 
 private:
     QWidget* MakeKeypad();
@@ -64,10 +63,6 @@ private:
     int formObserver_ = 0;
     bool refreshPending_ = false;
 };
-
-// Lets F8, and a button beside a Directory Check button placed in the
-// editor window, open "Try as Caller" for the node on show.
-void InstallCallerTools(FormView& view);
 
 // Shows the view's one "Try as Caller" window (made on first use), its call
 // started again on the form's settings as they are now.

@@ -95,6 +95,21 @@ TEST_F(EditorWindowTest, TheReportWindowClosesFromTheKeyboardAndFitsItsColumns) 
                 << column;
         }
         EXPECT_LT(window.minimumWidth(), window.width());  // resizable
+        // Tab goes as the window reads and leaves the table at once.
+        std::vector<QWidget*> stops;
+        for (QWidget* at = window.nextInFocusChain(); at != &window; at = at->nextInFocusChain()) {
+            if ((at->focusPolicy() & Qt::TabFocus) && at->isVisibleTo(&window)) {
+                stops.push_back(at);
+            }
+        }
+        EXPECT_EQ(stops,
+                  (std::vector<QWidget*>{window.findChild<QComboBox*>("sortBy"),
+                                         window.findChild<QCheckBox*>("descending"), &table}));
+        table.setCurrentCell(0, 0);
+        QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
+        QApplication::sendEvent(&table, &tab);
+        EXPECT_EQ(table.currentColumn(), 0);
+        EXPECT_TRUE(ShowsFocusFrame(table));
         for (const QKeySequence& keys :
              {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::CTRL | Qt::Key_W)}) {
             qt::ShowDirectoryCheck(view);

@@ -13,6 +13,7 @@
 
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QTableWidget>
@@ -123,6 +124,13 @@ TEST_F(LiveChanges, HistoryWindowListsEntriesAndRestoresOne) {
     EXPECT_EQ(noByDefault, std::vector<bool>{true});
     EXPECT_EQ(history.EntryCount(), 2);
     EXPECT_EQ(SharedMnemonics(Mnemonics(history)), std::vector<std::string>{});
+    // Tab leaves the entries at once; they and the changes show the focus.
+    table.setCurrentCell(table.currentRow(), 0);
+    QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
+    QApplication::sendEvent(&table, &tab);
+    EXPECT_EQ(table.currentColumn(), 0);
+    EXPECT_TRUE(ShowsFocusFrame(table));
+    EXPECT_TRUE(ShowsFocusFrame(*history.findChild<QPlainTextEdit*>("changes")));
     EXPECT_EQ(AccessibleNameProblems(history), std::vector<std::string>{});
 
     EXPECT_TRUE(history.RestoreSelected(true));

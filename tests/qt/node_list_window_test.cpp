@@ -208,6 +208,7 @@ TEST_F(NodeListWindowTest, TheKeyboardReachesEveryNodeFromTheTableAndTheFilter) 
     QTableWidget& table = Table(*window);
     EXPECT_EQ(window->focusWidget(), &table);
     EXPECT_EQ(table.currentRow(), 1);
+    EXPECT_TRUE(ShowsFocusFrame(table));
     QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
     QApplication::sendEvent(window->focusWidget(), &enter);
     EXPECT_EQ(opened, std::vector<std::string>{"1/1"});

@@ -5,6 +5,8 @@
 
 #include "qt/try_as_caller_window.h"
 
+#include <QListWidget>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QShortcut>
 
@@ -82,6 +84,9 @@ TEST_F(EditorWindowTest, KeypadAndKeyboardDriveTheCallAndAChangeStartsItAgain) {
             }
         }
         EXPECT_EQ(names.size(), 16u);
+        // The transcript and the matches show when they have the focus.
+        EXPECT_TRUE(ShowsFocusFrame(*window.findChild<QPlainTextEdit*>()));
+        EXPECT_TRUE(ShowsFocusFrame(*window.findChild<QListWidget*>()));
         // (The window's captions leave them no letter: F7 and F8 open them.)
         EXPECT_EQ(Button(view, "Try as Caller").text(), "Try as Caller");
         EXPECT_EQ(Button(view, "Directory Check").text(), "Directory Check");

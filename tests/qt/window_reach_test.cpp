@@ -110,9 +110,9 @@ QShortcut& SaveKey(qt::FormView& view) {
     throw std::logic_error("no Ctrl+S");
 }
 
-// After Ctrl+S, Apply and Cancel at the create question the focus is in the
-// control the operator was in before Apply; a focused button looks unlike
-// the default button.
+// After Ctrl+S, Apply, Esc at the save question and Cancel at the create
+// question the focus is in the control the operator was in; a focused
+// button looks unlike the default button.
 TEST_F(EditorWindowTest, TheFocusStaysWhereTheOperatorWasAndShows) {
     Open(kCustomNode, [&](form::GUI& form, qt::FormView& view) {
         QApplication::setActiveWindow(&view);
@@ -120,6 +120,12 @@ TEST_F(EditorWindowTest, TheFocusStaysWhereTheOperatorWasAndShows) {
         auto& apply = WidgetOf<QPushButton>(view, "cmdApply");
         label.setFocus(Qt::TabFocusReason);
         TypeKeys(label, QStringLiteral("Front desk"));
+        services.whenAsked = [](QMessageBox& box) { box.escapeButton()->click(); };
+        QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        QApplication::sendEvent(&label, &escape);  // Cancel at the save question
+        EXPECT_TRUE(form.cmdApply.Enabled());
+        EXPECT_EQ(view.focusWidget(), &label);
+        QApplication::setActiveWindow(&view);  // the question box had it
         emit SaveKey(view).activated();
         EXPECT_FALSE(form.cmdApply.Enabled());
         EXPECT_EQ(view.focusWidget(), &label);

@@ -73,6 +73,18 @@ inline void PickEntry(QComboBox& combo, const QString& text) {
     emit combo.activated(index);
 }
 
+// Whether a view shows the focus frame once it gets the focus.
+inline bool ShowsFocusFrame(QWidget& view) {
+    QFocusEvent in(QEvent::FocusIn, Qt::TabFocusReason);
+    QApplication::sendEvent(&view, &in);
+    for (QWidget* child : view.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+        if (child->isVisible() && child->testAttribute(Qt::WA_TransparentForMouseEvents)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 // What a screen reader would find wrong in a window: a shown focusable
 // object of its accessible tree without a name, or with another's name.
 // The edit box of a combo box is its combo box and must carry its name.
