@@ -12,9 +12,8 @@ namespace dbn::host {
 namespace {
 
 int RunHistory(const CommandArgs& args) {
-    const session::NodeKey key{KeyArgument("CONFIG", args.Positionals()[0]),
-                               KeyArgument("PARTITION", args.Positionals()[1]),
-                               node_type::kDialByName, KeyArgument("NODE", args.Positionals()[2])};
+    const auto [config, partition, node] = NodeKeyArguments(args);
+    const session::NodeKey key{config, partition, node_type::kDialByName, node};
     const std::optional<long> limit = CountOption(args, "limit");
     DataBase db;
     const std::vector<session::HistoryEntry> entries =

@@ -23,9 +23,8 @@ long EntryArgument(const std::string& text) {
 }
 
 int RunRestore(const CommandArgs& args) {
-    const session::NodeKey key{KeyArgument("CONFIG", args.Positionals()[0]),
-                               KeyArgument("PARTITION", args.Positionals()[1]),
-                               node_type::kDialByName, KeyArgument("NODE", args.Positionals()[2])};
+    const NodeArguments given = NodeKeyArguments(args);
+    const session::NodeKey key{given.config, given.partition, node_type::kDialByName, given.node};
     const long entry = EntryArgument(args.Positionals()[3]);
     const bool before = args.IsSet("before");
     DataBase db;
