@@ -92,7 +92,9 @@ int Run(const CommandArgs& args, bool diff) {
         std::cerr << "dbn-node-editor: " << path << ": refused; nothing was written\n";
         return kExitFailed;
     }
-    std::cout << session::ApplyReportText(result, options.dryRun, diff);
+    std::cout << session::ApplyReportText(
+        result, options.dryRun ? session::ApplyReport::DryRun : session::ApplyReport::Written,
+        diff);
     return kExitOk;
 }
 

@@ -99,13 +99,11 @@ bool ApplyFromFile(QWidget* parent, DataBase& db) {
             ShowProblems(parent, path, planned.problems, ProblemBox::Information);
             return false;
         }
-        // The review ends with the counts, without the dry run's "nothing
-        // written": the question is whether to write.
-        QStringList changes = QString::fromStdString(session::ApplyReportText(planned, true, true))
-                                  .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-        QString counts = changes.isEmpty() ? QString() : changes.takeLast();
-        counts = counts.left(counts.lastIndexOf(QStringLiteral("; "))) + QLatin1Char('.');
-        changes << counts;
+        const QStringList changes =
+            QString::fromStdString(
+                session::ApplyReportText(planned, session::ApplyReport::Review, true))
+                .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        const QString counts = changes.isEmpty() ? QString() : changes.last();
         const bool writes = std::any_of(planned.nodes.begin(), planned.nodes.end(), [](auto& n) {
             return n.outcome != session::NodeOutcome::Unchanged;
         });
@@ -129,9 +127,9 @@ bool ApplyFromFile(QWidget* parent, DataBase& db) {
             ShowProblems(parent, path, applied.problems, ProblemBox::Information);
             return false;
         }
-        QMessageBox::information(
-            parent, QStringLiteral("Information"),
-            QString::fromStdString(session::ApplyReportText(applied, false, false)));
+        QMessageBox::information(parent, QStringLiteral("Information"),
+                                 QString::fromStdString(session::ApplyReportText(
+                                     applied, session::ApplyReport::Written, false)));
         return applied.written;
     } catch (const std::exception& error) {
         QMessageBox::warning(parent, QStringLiteral("Error"), ErrorText(error));

@@ -120,7 +120,7 @@ TEST_F(NodeTextTest, UnchangedExportAppliesWithoutWriting) {
     if (!root.OnServer()) {
         EXPECT_EQ(FileBytes(), before);
     }
-    EXPECT_EQ(session::ApplyReportText(result, false, false),
+    EXPECT_EQ(session::ApplyReportText(result, session::ApplyReport::Written, false),
               "DBN 0: unchanged\nDBN 1: unchanged\nDBN 2: unchanged\n"
               "3 nodes: 0 created, 0 changed, 3 unchanged; nothing to write\n");
 }
@@ -227,7 +227,7 @@ TEST_F(NodeTextTest, OneChangedFieldLeavesEverythingElseAlone) {
     EXPECT_EQ(after[1].prompts[1].typeID, nodetext::Value{std::int64_t{8}});
     EXPECT_EQ(after[1].prompts[2].number, before[1].prompts[2].number);
     EXPECT_EQ(
-        session::ApplyReportText(result, false, true),
+        session::ApplyReportText(result, session::ApplyReport::Written, true),
         "DBN 0: unchanged\nDBN 1: changed: confirmation.prompts\n"
         "  confirmation.prompts: [{\"type\":\"MSG\",\"number\":7},{\"type\":\"MSG\",\"number\":8}"
         ",{\"type\":\"MSG\",\"number\":9},{\"type\":\"MSG\",\"number\":1},{\"type\":\"MSG\","

@@ -490,7 +490,7 @@ ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
     return result;
 }
 
-std::string ApplyReportText(const ApplyResult& result, bool dryRun, bool fieldChanges) {
+std::string ApplyReportText(const ApplyResult& result, ApplyReport report, bool fieldChanges) {
     std::string text;
     int created = 0;
     int changed = 0;
@@ -524,8 +524,8 @@ std::string ApplyReportText(const ApplyResult& result, bool dryRun, bool fieldCh
     }
     const bool writes = created + changed > 0;
     for (const std::string& key : result.createdReferences) {
-        text += key + (dryRun ? ": would be created from its template\n"
-                              : ": created from its template\n");
+        text += key + (report == ApplyReport::Written ? ": created from its template\n"
+                                                      : ": would be created from its template\n");
     }
     if (!result.missingReferences.empty()) {
         std::string keys;
@@ -536,9 +536,11 @@ std::string ApplyReportText(const ApplyResult& result, bool dryRun, bool fieldCh
     }
     text += std::to_string(result.nodes.size()) + " nodes: " + std::to_string(created) +
             " created, " + std::to_string(changed) + " changed, " + std::to_string(unchanged) +
-            " unchanged; " +
-            (dryRun ? (writes ? "nothing written (dry run)" : "nothing to write")
-                    : (writes ? "written" : "nothing to write")) +
+            " unchanged" +
+            (report == ApplyReport::Review   ? "."
+             : !writes                       ? "; nothing to write"
+             : report == ApplyReport::DryRun ? "; nothing written (dry run)"
+                                             : "; written") +
             "\n";
     return text;
 }

@@ -46,9 +46,13 @@ struct ApplyResult {
 ApplyResult ApplyNodes(DataBase& db, const nodetext::NodeDocument& document,
                        const ApplyOptions& options);
 
+// What a report tells: a run that wrote, a dry run, or the review before
+// the question whether to write (its summary ends with the counts).
+enum class ApplyReport { Written, DryRun, Review };
+
 // One line per node ("DBN 5: changed: label") and the summary line; with
 // fieldChanges, each changed field's old and new value below its node.
-std::string ApplyReportText(const ApplyResult& result, bool dryRun, bool fieldChanges);
+std::string ApplyReportText(const ApplyResult& result, ApplyReport report, bool fieldChanges);
 
 }  // namespace session
 }  // namespace dbn
