@@ -311,7 +311,7 @@ private:
 
     bool WriteServer() {
         while (!toServer_.empty()) {
-            const ssize_t count = ::write(server_, toServer_.data(), toServer_.size());
+            const ssize_t count = ::send(server_, toServer_.data(), toServer_.size(), MSG_NOSIGNAL);
             if (count < 0) {
                 return errno == EAGAIN || errno == EINTR;
             }
@@ -353,7 +353,8 @@ private:
     bool WriteClient() {
         while (ClientWriteDue()) {
             Chunk& chunk = toClient_.front();
-            const ssize_t count = ::write(client_, chunk.bytes.data(), chunk.bytes.size());
+            const ssize_t count =
+                ::send(client_, chunk.bytes.data(), chunk.bytes.size(), MSG_NOSIGNAL);
             if (count < 0) {
                 return errno == EAGAIN || errno == EINTR;
             }
